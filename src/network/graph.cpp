@@ -1,0 +1,297 @@
+#include "network/graph.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "base/errors.h"
+#include "base/matrix_text.h"
+#include "numeric/rng.h"
+
+#if defined(__unix__)
+#include <unistd.h>
+#endif
+
+namespace vexa {
+
+namespace {
+
+size_t as_size(int value) { return static_cast<size_t>(value); }
+
+// Bytes the store of n nodes takes: the two n x n integer matrices dominate.
+double store_bytes(int n) {
+    const double nodes = n;
+    const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
+    return 8.0 * nodes * nodes + 4.0 * triangle_entries + 48.0 * nodes +
+           nodes * ((nodes + 63.0) / 64.0) * 8.0;
+}
+
+double physical_memory_bytes() {
+#if defined(__unix__)
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_size = sysconf(_SC_PAGESIZE);
+    if (pages > 0 && page_size > 0) return static_cast<double>(pages) * static_cast<double>(page_size);
+#endif
+    return 0.0;  // unknown: do not refuse
+}
+
+// Moves one count from histogram[old_value] to histogram[new_value].
+inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
+    histogram[as_size(new_value)] += 1;
+    histogram[as_size(old_value)] -= 1;
+}
+
+}  // namespace
+
+Graph create(int n, int statistic_count, int clique_depth) {
+    if (n < 1) {
+        throw SettingError(format_message("vexa: a network needs at least one node (node count %d)", n));
+    }
+    const double needed = store_bytes(n);
+    const double available = physical_memory_bytes();
+    if (available > 0.0 && needed > available) {
+        throw SettingError(format_message(
+            "vexa: a network of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB", n,
+            needed / 1e9, available / 1e9));
+    }
+    Graph g;
+    const size_t nodes = as_size(n);
+    g.node_count = n;
+    g.row_bytes = (n + 7) / 8;
+    g.row_words = (n + 63) / 64;
+    g.clique_depth = clique_depth;
+    g.adjacency.assign(nodes * as_size(g.row_words), 0);
+    g.shared_partners.assign(nodes * nodes, 0);
+    g.distance.assign(nodes * nodes, no_path);
+    g.degree_histogram.assign(nodes, 0);
+    g.degree_histogram[0] = n;
+    g.degree.assign(nodes, 0);
+    g.node_work_a.assign(nodes, 0);
+    g.node_work_b.assign(nodes, 0);
+    g.node_work_c.assign(nodes, 0);
+    g.node_values.assign(nodes, 0.0);
+    g.shared_partner_histogram.assign(nodes - 1, 0);
+    if (n >= 2) g.shared_partner_histogram[0] = static_cast<int32_t>(int64_t{n} * (n - 1) / 2);
+    g.triangles.assign(nodes, 0);
+    g.triangle_histogram.assign(as_size(static_cast<int>((int64_t{n} - 2) * (n - 1) / 2 + 1)), 0);
+    g.triangle_histogram[0] = n;
+    g.node_doubles.assign(nodes, 0.0);
+    g.statistics.assign(as_size(statistic_count), 0.0);
+    g.clique_counts.assign(as_size(clique_depth), 0.0);
+    g.clique_changes.assign(as_size(clique_depth), 0.0);
+    return g;
+}
+
+void destroy(Graph& graph) { graph = Graph{}; }
+
+void add_edge(Graph& g, int i, int j) {
+    if (has_edge(g, i, j)) return;
+    g.edge_count += 1;
+    g.row(i)[j >> 6] |= uint64_t{1} << (j & 63);
+    g.row(j)[i >> 6] |= uint64_t{1} << (i & 63);
+    for (const int v : {i, j}) {
+        const int32_t d = ++g.degree[as_size(v)];
+        move_count(g.degree_histogram, d - 1, d);
+    }
+}
+
+void remove_edge(Graph& g, int i, int j) {
+    if (!has_edge(g, i, j)) return;
+    g.edge_count -= 1;
+    g.row(i)[j >> 6] &= ~(uint64_t{1} << (j & 63));
+    g.row(j)[i >> 6] &= ~(uint64_t{1} << (i & 63));
+    for (const int v : {i, j}) {
+        const int32_t d = --g.degree[as_size(v)];
+        move_count(g.degree_histogram, d + 1, d);
+    }
+}
+
+void update_shared_partners(Graph& g, int i, int j, int added) {
+    const int32_t delta = added == 1 ? 1 : -1;
+    const size_t n = as_size(g.node_count);
+    const uint64_t* row_i = g.row(i);
+    const uint64_t* row_j = g.row(j);
+    int32_t* partners_i = g.shared_partners.data() + as_size(i) * n;
+    int32_t* partners_j = g.shared_partners.data() + as_size(j) * n;
+    int32_t* partners = g.shared_partners.data();
+    // Neighbours still to meet, the partner excluded: the early stop keeps the cost
+    // proportional to the position of the last neighbour, not to n.
+    int left_i = g.degree[as_size(i)] - (delta > 0 ? 1 : 0);
+    int left_j = g.degree[as_size(j)] - (delta > 0 ? 1 : 0);
+    const uint64_t not_j = ~(uint64_t{1} << (j & 63));
+    const uint64_t not_i = ~(uint64_t{1} << (i & 63));
+    for (int w = 0; w < g.row_words && (left_i > 0 || left_j > 0); ++w) {
+        const uint64_t of_i = row_i[w] & (w == (j >> 6) ? not_j : ~uint64_t{0});
+        const uint64_t of_j = row_j[w] & (w == (i >> 6) ? not_i : ~uint64_t{0});
+        if ((of_i | of_j) == 0) continue;
+        left_i -= std::popcount(of_i);
+        left_j -= std::popcount(of_j);
+        const int base = w * 64;
+        // A neighbour k of i now shares (or no longer shares) partner i with j: pair {k, j}.
+        for_each_bit(of_i, base, [&](int k) {
+            const size_t kk = as_size(k);
+            const int32_t old_value = partners_j[kk];
+            partners_j[kk] = old_value + delta;
+            partners[kk * n + as_size(j)] = old_value + delta;
+            move_count(g.shared_partner_histogram, old_value, old_value + delta);
+        });
+        for_each_bit(of_j, base, [&](int k) {
+            const size_t kk = as_size(k);
+            const int32_t old_value = partners_i[kk];
+            partners_i[kk] = old_value + delta;
+            partners[kk * n + as_size(i)] = old_value + delta;
+            move_count(g.shared_partner_histogram, old_value, old_value + delta);
+        });
+        // A common neighbour k closes (or opens) the triangle i, j, k.
+        for_each_bit(of_i & of_j, base, [&](int k) {
+            const int32_t old_value = g.triangles[as_size(k)];
+            g.triangles[as_size(k)] = old_value + delta;
+            move_count(g.triangle_histogram, old_value, old_value + delta);
+        });
+    }
+    const int32_t s = partners_i[as_size(j)];
+    if (s != 0) {
+        for (const int v : {i, j}) {
+            const int32_t old_value = g.triangles[as_size(v)];
+            g.triangles[as_size(v)] = old_value + delta * s;
+            move_count(g.triangle_histogram, old_value, old_value + delta * s);
+        }
+    }
+}
+
+void copy(const Graph& source, Graph& target, int statistic_count) {
+    target.edge_count = source.edge_count;
+    target.row_bytes = source.row_bytes;
+    target.row_words = source.row_words;
+    target.clique_depth = source.clique_depth;
+    target.giant_size = source.giant_size;
+    target.adjacency = source.adjacency;
+    target.shared_partners = source.shared_partners;
+    target.distance = source.distance;
+    target.degree = source.degree;
+    target.degree_histogram = source.degree_histogram;
+    target.node_work_a = source.node_work_a;
+    target.node_work_b = source.node_work_b;
+    target.node_work_c = source.node_work_c;
+    target.node_values = source.node_values;
+    target.node_doubles = source.node_doubles;
+    target.triangles = source.triangles;
+    target.shared_partner_histogram = source.shared_partner_histogram;
+    target.triangle_histogram = source.triangle_histogram;
+    const size_t count = as_size(statistic_count);
+    if (target.statistics.size() < count) target.statistics.resize(count, 0.0);
+    for (size_t k = 0; k < count && k < source.statistics.size(); ++k) {
+        target.statistics[k] = source.statistics[k];
+    }
+    target.clique_counts = source.clique_counts;
+    target.clique_changes = source.clique_changes;
+}
+
+Graph read_graph(const std::string& path, int n, int statistic_count, int clique_depth) {
+    Graph g = create(n, statistic_count, clique_depth);
+    read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        if (a < b && value == 1.0 && !has_edge(g, a, b)) {
+            add_edge(g, a, b);
+            update_shared_partners(g, a, b, 1);
+        }
+    });
+    return g;
+}
+
+Graph random_graph(int n, int64_t edge_target, int statistic_count, int clique_depth, Rng& rng,
+                   SeedSource& seeds) {
+    const int64_t dyads = int64_t{n} * (n - 1) / 2;
+    if (edge_target < 0 || edge_target > dyads) {
+        throw SettingError(format_message(
+            "vexa: a random start with %lld edges is impossible: %d nodes have only %lld dyads",
+            static_cast<long long>(edge_target), n, static_cast<long long>(dyads)));
+    }
+    Graph g = create(n, statistic_count, clique_depth);
+    seeds.reseed(rng);
+    while (g.edge_count < edge_target) {
+        const int a = rng.node(n);
+        const int b = rng.node(n);
+        if (a != b && !has_edge(g, a, b)) {
+            add_edge(g, a, b);
+            update_shared_partners(g, a, b, 1);
+        }
+    }
+    return g;
+}
+
+void largest_component(Graph& g) {
+    const size_t n = as_size(g.node_count);
+    int32_t best = 0;
+    for (size_t a = 0; a < n; ++a) {
+        int32_t reached = 0;
+        for (size_t b = 0; b < n; ++b) {
+            const int32_t d = g.distance[a * n + b];
+            if (d != no_path && d != 0) ++reached;
+        }
+        if (reached > best) best = reached;
+    }
+    g.giant_size = best + 1;
+}
+
+double density(const Graph& g) {
+    if (g.node_count < 2) return 0.0;
+    const double n = g.node_count;
+    return 2.0 * g.edge_count / (n * (n - 1.0));
+}
+
+std::string check_bookkeeping(const Graph& g) {
+    const int n = g.node_count;
+    std::vector<int32_t> degree_histogram(as_size(n), 0);
+    std::vector<int32_t> triangles(as_size(n), 0);
+    int64_t degree_sum = 0;
+    for (int a = 0; a < n; ++a) {
+        if (has_edge(g, a, a)) return format_message("node %d has a loop", a);
+        int d = 0;
+        for (int w = 0; w < g.row_words; ++w) d += std::popcount(g.row(a)[w]);
+        if (d != g.degree[as_size(a)]) {
+            return format_message("degree of node %d is %d, recount %d", a, g.degree[as_size(a)], d);
+        }
+        degree_histogram[as_size(d)] += 1;
+        degree_sum += d;
+    }
+    if (degree_histogram != g.degree_histogram) return "degree histogram disagrees with a recount";
+    if (degree_sum != 2 * int64_t{g.edge_count}) {
+        return format_message("edge count %d, degrees sum to %lld", g.edge_count,
+                              static_cast<long long>(degree_sum));
+    }
+    std::vector<int32_t> partner_histogram(n >= 1 ? as_size(n) - 1 : 0, 0);
+    for (int a = 0; a < n; ++a) {
+        for (int b = a + 1; b < n; ++b) {
+            if (has_edge(g, a, b) != has_edge(g, b, a)) {
+                return format_message("adjacency not symmetric at %d, %d", a, b);
+            }
+            const int32_t s = common_neighbour_count(g, a, b);
+            if (g.partners(a, b) != s || g.partners(b, a) != s) {
+                return format_message("shared partners of %d, %d are %d/%d, recount %d", a, b,
+                                      g.partners(a, b), g.partners(b, a), s);
+            }
+            partner_histogram[as_size(s)] += 1;
+            if (has_edge(g, a, b)) {
+                triangles[as_size(a)] += s;
+                triangles[as_size(b)] += s;
+            }
+        }
+    }
+    if (partner_histogram != g.shared_partner_histogram) {
+        return "shared-partner histogram disagrees with a recount";
+    }
+    std::vector<int32_t> triangle_histogram(g.triangle_histogram.size(), 0);
+    for (int a = 0; a < n; ++a) {
+        // Each triangle at a was counted once from each of its two edges at a.
+        const int32_t t = triangles[as_size(a)] / 2;
+        if (t != g.triangles[as_size(a)]) {
+            return format_message("triangles at node %d are %d, recount %d", a,
+                                  g.triangles[as_size(a)], t);
+        }
+        triangle_histogram[as_size(t)] += 1;
+    }
+    if (triangle_histogram != g.triangle_histogram) return "triangle histogram disagrees with a recount";
+    return {};
+}
+
+}  // namespace vexa

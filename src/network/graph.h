@@ -1,0 +1,123 @@
+#pragma once
+// The graph store: one undirected network of n nodes without loops, with the bookkeeping
+// that change statistics and descriptive statistics read instead of recounting: degrees and
+// their histogram, shared partners of every pair and their histogram, triangles at every node
+// and their histogram. Everything is kept current on every toggle (add_edge or remove_edge,
+// then update_shared_partners), so a sampler step never recounts.
+//
+// The adjacency is a bit matrix stored as 64-bit words, so that neighbour scans and common
+// neighbours (AND of two rows, popcount) work a word at a time.
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vexa {
+
+struct Rng;
+struct SeedSource;
+
+// The distance entry of a pair without a path.
+inline constexpr int32_t no_path = 9999;
+
+struct Graph {
+    int32_t node_count = 0;
+    int32_t edge_count = 0;
+    int32_t giant_size = 0;    // set by largest_component after a geodesic pass
+    int32_t row_bytes = 0;     // ceil(n / 8): the size of a row as a byte matrix
+    int32_t row_words = 0;     // 64-bit words per adjacency row
+    int32_t clique_depth = 0;  // K: the largest clique size the clique census keeps
+
+    std::vector<uint64_t> adjacency;      // n rows of row_words; node j is bit j%64 of word j/64
+    std::vector<int32_t> shared_partners;  // n x n, symmetric; diagonal not kept
+    std::vector<int32_t> distance;         // n x n geodesics, no_path where unreachable
+    std::vector<int32_t> degree_histogram;  // n: entry d = nodes of degree d
+    std::vector<int32_t> degree;            // n
+    std::vector<int32_t> node_work_a, node_work_b, node_work_c;  // n each: scratch
+    std::vector<double> node_values;                              // n: scratch
+    std::vector<int32_t> shared_partner_histogram;  // n-1: entry s = unordered pairs with s partners
+    std::vector<int32_t> triangles;                 // n: triangles at each node
+    std::vector<int32_t> triangle_histogram;        // (n-2)(n-1)/2 + 1: entry t = nodes in t triangles
+    std::vector<double> node_doubles;               // n: scratch
+    std::vector<double> statistics;                 // current value of every model statistic
+    std::vector<double> clique_counts;              // K: entry k-1 = number of k-cliques
+    std::vector<double> clique_changes;             // K: entry k-1 = change for the dyad last examined
+
+    const uint64_t* row(int i) const {
+        return adjacency.data() + static_cast<size_t>(i) * static_cast<size_t>(row_words);
+    }
+    uint64_t* row(int i) {
+        return adjacency.data() + static_cast<size_t>(i) * static_cast<size_t>(row_words);
+    }
+    int32_t partners(int a, int b) const {
+        return shared_partners[static_cast<size_t>(a) * static_cast<size_t>(node_count) +
+                               static_cast<size_t>(b)];
+    }
+    const int32_t* partners_row(int a) const {
+        return shared_partners.data() + static_cast<size_t>(a) * static_cast<size_t>(node_count);
+    }
+};
+
+// Allocates an empty graph. Throws SettingError for n < 1 or a store larger than this machine.
+Graph create(int n, int statistic_count, int clique_depth);
+// Releases every array (the store is also released when it goes out of scope).
+void destroy(Graph& graph);
+
+inline bool has_edge(const Graph& graph, int i, int j) {
+    return (graph.row(i)[j >> 6] >> (j & 63)) & 1u;
+}
+
+// Set or clear edge {i,j} with edge_count, degree and degree_histogram. No-ops when the edge
+// is already in the requested state; then update_shared_partners must not be called.
+void add_edge(Graph& graph, int i, int j);
+void remove_edge(Graph& graph, int i, int j);
+
+// Brings shared partners, triangles and both histograms up to date after add_edge (added = 1)
+// or remove_edge (any other value) of {i,j}. Cost: one pass over the words of rows i and j,
+// stopping at the word holding the last neighbour of either.
+void update_shared_partners(Graph& graph, int i, int j, int added);
+
+// Copies every field between two graphs of the same n (the first statistic_count statistics).
+void copy(const Graph& source, Graph& target, int statistic_count);
+
+// Reads an n x n matrix file of whitespace-separated numbers; a value of exactly 1 above the
+// diagonal is an edge, anything else is not. Throws InputFileError naming the file, and the
+// row and column of a value that is not a number, or the count when the file is short or long.
+Graph read_graph(const std::string& path, int n, int statistic_count, int clique_depth);
+
+// A random graph with exactly edge_target edges (pairs drawn uniformly; the generator is
+// reseeded first). Throws SettingError when edge_target exceeds n(n-1)/2.
+Graph random_graph(int n, int64_t edge_target, int statistic_count, int clique_depth, Rng& rng,
+                   SeedSource& seeds);
+
+// Sets giant_size from a filled distance matrix.
+void largest_component(Graph& graph);
+
+// 2E / (n(n-1)); 0 for fewer than two nodes.
+double density(const Graph& graph);
+
+// Recounts every piece of bookkeeping from the adjacency alone and returns a description of
+// the first disagreement, or an empty string when the store is consistent. O(n^2 words).
+std::string check_bookkeeping(const Graph& graph);
+
+// Calls fn(k) for every node k set in a word range of a row: the word-wide neighbour scan.
+template <typename Fn>
+inline void for_each_bit(uint64_t word, int base, Fn&& fn) {
+    while (word != 0) {
+        fn(base + std::countr_zero(word));
+        word &= word - 1;
+    }
+}
+
+// Number of common neighbours of i and j, from the adjacency (AND of two rows, popcount).
+inline int common_neighbour_count(const Graph& graph, int i, int j) {
+    const uint64_t* a = graph.row(i);
+    const uint64_t* b = graph.row(j);
+    int count = 0;
+    for (int w = 0; w < graph.row_words; ++w) count += std::popcount(a[w] & b[w]);
+    return count;
+}
+
+}  // namespace vexa

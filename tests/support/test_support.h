@@ -1,0 +1,22 @@
+#pragma once
+// Shared helpers of the test suite: paths of bundled data and scratch directories.
+
+#include <string>
+
+namespace vexa::testing {
+
+// A file of tests/data.
+inline std::string data_path(const std::string& name) { return std::string(VEXA_TEST_DATA_DIR) + "/" + name; }
+// A file of examples/.
+inline std::string example_path(const std::string& name) {
+    return std::string(VEXA_EXAMPLES_DIR) + "/" + name;
+}
+
+// A fresh empty directory for one test's files, removed and made anew on every call.
+std::string scratch_directory(const std::string& name);
+
+// The whole content of a text file ("" when it does not exist).
+std::string read_text(const std::string& path);
+void write_text(const std::string& path, const std::string& text);
+
+}  // namespace vexa::testing
