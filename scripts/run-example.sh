@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Sets up, builds and runs the main job: an estimation of an alternating model (edge,
+# alternating k-stars, k-triangles and two-paths) on the Florentine marriage network, then
+# shows the summary table of the estimation report.
+set -euo pipefail
+root="$(cd "$(dirname "$0")/.." && pwd)"
+bash "$root/scripts/build.sh" "$root/build"
+cd "$root/examples"
+mkdir -p out
+rm -f out/estimation_flomarriage_alternating.txt
+"$root/build/vexa" flomarriage_alternating.txt
+echo
+sed -n '/^Estimation Result/,/^Estimated Covariance/p' out/estimation_flomarriage_alternating.txt | sed '$d'

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Installs what vexa needs to build and test on Debian, skipping what is already there.
+set -euo pipefail
+
+packages=(cmake g++ ninja-build libgtest-dev libbenchmark-dev default-jdk-headless python3)
+missing=()
+for package in "${packages[@]}"; do
+    case "$package" in
+        # Any JDK with javac will do.
+        default-jdk-headless) command -v javac >/dev/null 2>&1 && continue ;;
+        cmake) command -v cmake >/dev/null 2>&1 && continue ;;
+        g++) command -v g++ >/dev/null 2>&1 && continue ;;
+        ninja-build) command -v ninja >/dev/null 2>&1 && continue ;;
+        python3) command -v python3 >/dev/null 2>&1 && continue ;;
+    esac
+    dpkg -s "$package" >/dev/null 2>&1 || missing+=("$package")
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+    exit 0
+fi
+echo "setup: installing ${missing[*]}"
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then
+    sudo_cmd=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
