@@ -63,7 +63,8 @@ constexpr std::array<Row, 10> digraph_binary{{
     {"path2", "path2", "path2", "path2", "path2", "path2", "F8.0", true},
     {"in2star", "in2star", "in2star", "in2star", "in2star", "in2star", "F8.0", true},
 }};
-constexpr std::array<int32_t, 10> digraph_binary_order{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+// The reports list the reciprocity effects and the stars in the opposite order to the run file.
+constexpr std::array<int32_t, 10> digraph_binary_order{0, 1, 2, 3, 4, 6, 5, 9, 8, 7};
 
 constexpr std::array<Row, 13> digraph_continuous{{
     {"sender", "sender", "sender", "sender", "sender", "sender", "F8.4", false},

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 #include "effects/model.h"
 
@@ -31,6 +32,23 @@ const AttributeCatalogue& attribute_catalogue(NetworkKind network, AttributeKind
 // Number of effects per attribute of the kind (graph binary: 14).
 inline int32_t attribute_effect_count(NetworkKind network, AttributeKind kind) {
     return static_cast<int32_t>(attribute_catalogue(network, kind).rows.size());
+}
+
+// Calls fn(kind, effect, attribute) for every included attribute effect in parameter-vector
+// order: kinds in order, each kind's effects in its vector order, attributes in file order.
+template <typename Fn>
+void for_each_included_attribute_effect(const Model& model, Fn&& fn) {
+    for (int k = 0; k < attribute_kind_count; ++k) {
+        const auto kind = static_cast<AttributeKind>(k);
+        const AttributeSection& section = model.section(kind);
+        for (const int32_t effect : attribute_catalogue(model.kind, kind).vector_order) {
+            if (static_cast<size_t>(effect) >= section.included.size()) continue;
+            const std::vector<int32_t>& flags = section.included[static_cast<size_t>(effect)];
+            for (size_t a = 0; a < flags.size(); ++a) {
+                if (flags[a] == 1) fn(kind, effect, static_cast<int32_t>(a));
+            }
+        }
+    }
 }
 
 }  // namespace vexa

@@ -1,11 +1,423 @@
 #include "entry/run_file.h"
 
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <utility>
+
 #include "base/errors.h"
+#include "effects/attribute_catalogue.h"
+#include "effects/digraph_catalogue.h"
+#include "effects/graph_catalogue.h"
+#include "entry/attribute_files.h"
 
 namespace vexa {
 
-RunFile read_run_file(const std::string& path, FILE* /*console*/) {
-    throw RunFileError(format_message("vexa: run file '%s' cannot be read yet", path.c_str()));
+namespace {
+
+// Names and paths in a run file stay below this length, which the front end and the files
+// it shares with the engine rely on; a longer one is refused rather than cut.
+constexpr size_t name_limit = 1000;
+
+// The run file as one text and a reading position. Numbers are whitespace-separated words,
+// so blank lines between rows do no harm; text values are whole lines.
+struct Reader {
+    std::string path;
+    std::string text;
+    size_t at = 0;
+    int32_t line = 1;
+    FILE* console = nullptr;
+    int32_t next_slot = 0;  // the next free parameter slot, shared by every effect section
+};
+
+struct Word {
+    std::string text;
+    int32_t line = 0;
+};
+
+bool is_space(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f';
+}
+
+Reader open_reader(const std::string& path, FILE* console) {
+    FILE* file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr)
+        throw RunFileError(format_message("vexa: cannot open run file '%s'", path.c_str()));
+    Reader reader;
+    reader.path = path;
+    reader.console = console;
+    char buffer[1 << 14];
+    size_t got = 0;
+    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) reader.text.append(buffer, got);
+    const bool failed = std::ferror(file) != 0;
+    std::fclose(file);
+    if (failed) throw RunFileError(format_message("vexa: cannot read run file '%s'", path.c_str()));
+    return reader;
+}
+
+[[noreturn]] void ends_before(const Reader& reader, const std::string& setting) {
+    throw RunFileError(format_message("vexa: run file '%s' ends before %s (line %d)",
+                                      reader.path.c_str(), setting.c_str(), reader.line));
+}
+
+void advance(Reader& reader) {
+    if (reader.text[reader.at] == '\n') ++reader.line;
+    ++reader.at;
+}
+
+Word next_word(Reader& reader, const std::string& setting) {
+    while (reader.at < reader.text.size() && is_space(reader.text[reader.at])) advance(reader);
+    if (reader.at >= reader.text.size()) ends_before(reader, setting);
+    const size_t start = reader.at;
+    while (reader.at < reader.text.size() && !is_space(reader.text[reader.at])) ++reader.at;
+    return {reader.text.substr(start, reader.at - start), reader.line};
+}
+
+[[noreturn]] void bad_value(const Reader& reader, const Word& word, const std::string& setting,
+                            const char* expected) {
+    throw RunFileError(format_message(
+        "vexa: run file '%s', line %d (%s): expected %s, found '%.60s'", reader.path.c_str(),
+        word.line, setting.c_str(), expected, word.text.c_str()));
+}
+
+[[noreturn]] void impossible(const Reader& reader, int32_t line, const std::string& setting,
+                             const std::string& why) {
+    throw SettingError(format_message("vexa: run file '%s', line %d (%s): %s", reader.path.c_str(),
+                                      line, setting.c_str(), why.c_str()));
+}
+
+// An optional sign and decimal digits, the whole word, within 32 bits.
+bool parse_int(const std::string& word, int32_t& value) {
+    size_t k = 0;
+    bool negative = false;
+    if (k < word.size() && (word[k] == '+' || word[k] == '-')) negative = word[k++] == '-';
+    if (k == word.size()) return false;
+    int64_t magnitude = 0;
+    for (; k < word.size(); ++k) {
+        if (word[k] < '0' || word[k] > '9') return false;
+        magnitude = magnitude * 10 + (word[k] - '0');
+        if (magnitude > int64_t{1} << 31) return false;
+    }
+    const int64_t signed_value = negative ? -magnitude : magnitude;
+    if (signed_value > INT32_MAX) return false;
+    value = static_cast<int32_t>(signed_value);
+    return true;
+}
+
+void skip_label(Reader& reader, const std::string& setting) { next_word(reader, setting); }
+
+int32_t read_int(Reader& reader, const std::string& setting, int32_t* line = nullptr) {
+    const Word word = next_word(reader, setting);
+    int32_t value = 0;
+    if (!parse_int(word.text, value)) bad_value(reader, word, setting, "a whole number");
+    if (line != nullptr) *line = word.line;
+    return value;
+}
+
+double read_double(Reader& reader, const std::string& setting) {
+    const Word word = next_word(reader, setting);
+    char* end = nullptr;
+    const double value = std::strtod(word.text.c_str(), &end);
+    if (end != word.text.c_str() + word.text.size() || !std::isfinite(value)) {
+        bad_value(reader, word, setting, "a number");
+    }
+    return value;
+}
+
+float read_float(Reader& reader, const std::string& setting) {
+    const Word word = next_word(reader, setting);
+    char* end = nullptr;
+    const float value = std::strtof(word.text.c_str(), &end);
+    if (end != word.text.c_str() + word.text.size() || !std::isfinite(value)) {
+        bad_value(reader, word, setting, "a number");
+    }
+    return value;
+}
+
+// A text value: the rest of the label's line is skipped and the value is the whole next line
+// as it stands (blanks kept, a Windows '\r' dropped). The blank line that usually follows
+// needs no handling: the next label is found by skipping blanks and newlines.
+std::string read_text_line(Reader& reader, const std::string& setting) {
+    const std::string& text = reader.text;
+    while (reader.at < text.size() && text[reader.at] != '\n') ++reader.at;
+    if (reader.at < text.size()) advance(reader);
+    if (reader.at >= text.size()) ends_before(reader, setting);
+
+    const int32_t line = reader.line;
+    const size_t start = reader.at;
+    while (reader.at < text.size() && text[reader.at] != '\n') ++reader.at;
+    std::string value = text.substr(start, reader.at - start);
+    if (!value.empty() && value.back() == '\r') value.pop_back();
+    if (reader.at < text.size()) advance(reader);
+
+    if (value.size() >= name_limit) {
+        impossible(reader, line, setting,
+                   format_message("the name is %zu characters long; names must stay below %zu",
+                                  value.size(), name_limit));
+    }
+    return value;
+}
+
+int32_t int_row(Reader& reader, const std::string& setting, int32_t* line = nullptr) {
+    skip_label(reader, setting);
+    return read_int(reader, setting, line);
+}
+float float_row(Reader& reader, const std::string& setting) {
+    skip_label(reader, setting);
+    return read_float(reader, setting);
+}
+double double_row(Reader& reader, const std::string& setting) {
+    skip_label(reader, setting);
+    return read_double(reader, setting);
+}
+std::string line_row(Reader& reader, const std::string& setting) {
+    skip_label(reader, setting);
+    return read_text_line(reader, setting);
+}
+
+void size_section(AttributeSection& section, int32_t effects, int32_t count) {
+    const auto e = static_cast<size_t>(effects);
+    const auto c = static_cast<size_t>(count);
+    section.count = count;
+    section.included.assign(e, std::vector<int32_t>(c, 0));
+    section.value.assign(e, std::vector<double>(c, 0.0));
+    section.slot.assign(e, std::vector<int32_t>(c, -1));
+    section.included_count = 0;
+}
+
+void size_all_sections(Model& model) {
+    for (int k = 0; k < attribute_kind_count; ++k) {
+        const auto kind = static_cast<AttributeKind>(k);
+        size_section(model.section(kind), attribute_effect_count(model.kind, kind), 0);
+    }
+}
+
+// One structural entry: label, inclusion flag, value, and the lambda of an alternating effect.
+void read_structural_entry(Reader& reader, Model& model, size_t row, const char* name,
+                           float lambda_default) {
+    const std::string entry = name;
+    skip_label(reader, entry);
+    const int32_t flag = read_int(reader, entry + ": inclusion flag");
+    EffectSetting& effect = model.structural[row];
+    effect.value = read_double(reader, entry + ": value");
+    if (lambda_default != 0.0f) {
+        const float lambda = read_float(reader, entry + ": lambda");
+        effect.lambda = lambda == 0.0f ? lambda_default : lambda;
+    }
+    if (flag == 1) {
+        effect.slot = reader.next_slot++;
+        ++model.structural_included;
+    }
+}
+
+void read_structural_section(Reader& reader, Model& model) {
+    model.structural_given = int_row(reader, "structural_section") == 1;
+    if (!model.structural_given) return;
+    if (model.kind == NetworkKind::graph) {
+        const auto& rows = graph_catalogue();
+        for (size_t k = 0; k < rows.size(); ++k) {
+            if (rows[k].update_name == nullptr) continue;
+            read_structural_entry(reader, model, k, rows[k].update_name, rows[k].lambda_default);
+        }
+    } else {
+        const auto& rows = digraph_catalogue();
+        for (const int32_t row : digraph_run_file_rows()) {
+            const DigraphEffectRow& effect = rows[static_cast<size_t>(row)];
+            read_structural_entry(reader, model, static_cast<size_t>(row), effect.update_name,
+                                  effect.lambda_default);
+        }
+    }
+}
+
+// The graph store keeps clique counts up to the largest size an included effect needs; the
+// alternating clique effect needs them up to 8.
+int32_t clique_order(const Model& model) {
+    if (model.kind != NetworkKind::graph || !model.structural_given) return 0;
+    constexpr std::pair<GraphEffect, int32_t> needs[] = {{GraphEffect::clique4, 4},
+                                                         {GraphEffect::clique5, 5},
+                                                         {GraphEffect::clique6, 6},
+                                                         {GraphEffect::clique7, 7},
+                                                         {GraphEffect::ac, 8}};
+    int32_t order = 0;
+    for (const auto& [effect, size] : needs) {
+        if (model.structural[static_cast<size_t>(effect)].slot != -1) order = size;
+    }
+    return order;
+}
+
+// One attribute (or covariate) entry: label, inclusion flag, value.
+void read_attribute_entry(Reader& reader, AttributeSection& section, size_t effect,
+                          size_t attribute, const std::string& entry) {
+    skip_label(reader, entry);
+    const int32_t flag = read_int(reader, entry + ": inclusion flag");
+    section.value[effect][attribute] = read_double(reader, entry + ": value");
+    if (flag == 1) {
+        section.included[effect][attribute] = 1;
+        section.slot[effect][attribute] = reader.next_slot++;
+        ++section.included_count;
+    }
+}
+
+void read_attribute_entries(Reader& reader, Model& model, AttributeKind kind,
+                            const char* kind_name) {
+    AttributeSection& section = model.section(kind);
+    const AttributeCatalogue& catalogue = attribute_catalogue(model.kind, kind);
+    for (size_t a = 0; a < static_cast<size_t>(section.count); ++a) {
+        for (size_t e = 0; e < catalogue.rows.size(); ++e) {
+            const std::string entry =
+                kind == AttributeKind::covariate
+                    ? format_message("covariate, %s", catalogue.rows[e].update_name)
+                    : format_message("%s attribute %zu, %s", kind_name, a + 1,
+                                     catalogue.rows[e].update_name);
+            read_attribute_entry(reader, section, e, a, entry);
+        }
+    }
+}
+
+void read_attribute_sub_block(Reader& reader, Model& model, AttributeKind kind,
+                              int32_t node_count) {
+    const char* word = kind == AttributeKind::binary       ? "binary"
+                       : kind == AttributeKind::continuous ? "continuous"
+                                                           : "categorical";
+    const std::string prefix = word;
+    AttributeSection& section = model.section(kind);
+    section.given = int_row(reader, prefix + "_attributes") == 1;
+    if (!section.given) return;
+
+    int32_t line = 0;
+    const int32_t count = read_int(reader, prefix + "_attribute_count", &line);
+    if (count < 0) {
+        impossible(reader, line, prefix + "_attribute_count",
+                   format_message("expected a count of 0 or more, found %d", count));
+    }
+    FILE* console = reader.console;
+    if (console != nullptr && kind != AttributeKind::categorical) {
+        std::fprintf(console, "%s attributes\n", word);
+        std::fprintf(console, "%d %s attributes\n", count, word);
+    }
+    section.file = line_row(reader, prefix + "_attribute_file");
+    if (console != nullptr) {
+        std::fprintf(console, "%s\n", section.file.c_str());
+        std::fprintf(console, "%d %s attributes\n", count, word);
+    }
+    if (count > 0) {
+        AttributeData data = read_attribute_file(section.file, kind, count, node_count);
+        section.names = std::move(data.names);
+        section.data = std::move(data.data);
+    }
+    size_section(section, attribute_effect_count(model.kind, kind), count);
+    read_attribute_entries(reader, model, kind, word);
+}
+
+void read_attribute_block(Reader& reader, Model& model, int32_t node_count) {
+    model.attributes_given = int_row(reader, "attribute_block") == 1;
+    if (!model.attributes_given) return;
+    read_attribute_sub_block(reader, model, AttributeKind::binary, node_count);
+    read_attribute_sub_block(reader, model, AttributeKind::continuous, node_count);
+    read_attribute_sub_block(reader, model, AttributeKind::categorical, node_count);
+}
+
+void read_covariate_section(Reader& reader, Model& model, int32_t node_count) {
+    AttributeSection& section = model.section(AttributeKind::covariate);
+    section.given = int_row(reader, "covariate_section") == 1;
+    if (!section.given) return;
+    section.file = line_row(reader, "covariate_file");
+    AttributeData data = read_covariate_file(section.file, node_count);
+    section.names = std::move(data.names);
+    section.data = std::move(data.data);
+    size_section(section, attribute_effect_count(model.kind, AttributeKind::covariate), 1);
+    read_attribute_entries(reader, model, AttributeKind::covariate, "covariate");
+}
+
+void read_output_flags(Reader& reader, RunSettings& settings) {
+    settings.pajek_output = int_row(reader, "pajek_output");
+    settings.degree_distribution_output = int_row(reader, "degree_distribution_output");
+    settings.geodesic_output = int_row(reader, "geodesic_output");
+    settings.cluster_giant_output = int_row(reader, "cluster_giant_output");
+    settings.triangle_distribution_output = int_row(reader, "triangle_distribution_output");
+    settings.twopath_distribution_output = int_row(reader, "twopath_distribution_output");
+    settings.et0nt_distribution_output = int_row(reader, "et0nt_distribution_output");
+}
+
+// Everything after the head; its layout depends on the task.
+void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
+    const int32_t task = settings.task;
+    int32_t line = 0;
+    settings.node_count = int_row(reader, "node_count", &line);
+    if (settings.node_count < 1) {
+        impossible(
+            reader, line, "node_count",
+            format_message("the network needs at least 1 node, found %d", settings.node_count));
+    }
+    if (task == 1) {
+        settings.initial_density = float_row(reader, "initial_density");
+    } else {
+        settings.network_file = line_row(reader, "network_file");
+    }
+    settings.degree_cap_given = int_row(reader, "degree_cap_given");
+    if (settings.degree_cap_given == 1) settings.degree_cap = int_row(reader, "degree_cap");
+
+    read_structural_section(reader, model);
+    model.clique_order = clique_order(model);
+    read_attribute_block(reader, model, settings.node_count);
+    read_covariate_section(reader, model, settings.node_count);
+
+    if (task == 4) settings.parameter_sets_file = line_row(reader, "parameter_sets_file");
+    settings.constraint_given = int_row(reader, "constraint_given");
+    if (settings.constraint_given == 1)
+        settings.constraint_file = line_row(reader, "constraint_file");
+
+    if (task == 2) {
+        settings.subphase_count = int_row(reader, "subphase_count");
+        settings.start_a_value = float_row(reader, "start_a_value");
+        settings.multiplication_factor = int_row(reader, "multiplication_factor");
+        settings.phase3_steps = int_row(reader, "phase3_steps");
+        settings.estimation_runs = int_row(reader, "estimation_runs");
+        settings.gof_after_estimation = int_row(reader, "gof_after_estimation");
+        return;
+    }
+    read_output_flags(reader, settings);
+    settings.burn_in = double_row(reader, "burn_in");
+    if (task == 4) {
+        settings.sample_count = int_row(reader, "sample_count");
+        return;
+    }
+    settings.iterations = double_row(reader, "iterations");
+    settings.sample_count = int_row(reader, "sample_count", &line);
+    // The sample is thinned to one network per so many steps.
+    if (settings.sample_count < 1) {
+        impossible(
+            reader, line, "sample_count",
+            format_message("at least 1 network must be kept, found %d", settings.sample_count));
+    }
+    settings.thinning_interval =
+        std::trunc(settings.iterations / static_cast<double>(settings.sample_count));
+}
+
+}  // namespace
+
+RunFile read_run_file(const std::string& path, FILE* console) {
+    Reader reader = open_reader(path, console);
+    RunFile file;
+    RunSettings& settings = file.settings;
+    settings.run_file = path;
+
+    settings.network_name = line_row(reader, "network_name");
+    settings.output_directory = line_row(reader, "output_directory");
+    file.names = form_output_names(settings.output_directory, settings.network_name);
+    settings.sampler_variant = int_row(reader, "sampler_variant");
+    settings.task = int_row(reader, "task");
+    settings.network_kind = read_int(reader, "network_kind");
+
+    file.task_known = settings.task >= 1 && settings.task <= 4 &&
+                      (settings.network_kind == 1 || settings.network_kind == 2);
+    file.model =
+        empty_model(settings.network_kind == 2 ? NetworkKind::digraph : NetworkKind::graph);
+    size_all_sections(file.model);
+    if (!file.task_known) return file;  // the driver reports the unknown pair
+
+    read_task_rows(reader, settings, file.model);
+    return file;
 }
 
 }  // namespace vexa

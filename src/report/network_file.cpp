@@ -1,0 +1,54 @@
+#include "report/network_file.h"
+
+#include <cstddef>
+#include <vector>
+
+#include "base/text_file.h"
+
+namespace vexa {
+
+void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank) {
+    const int n = graph.node_count;
+    if (n <= 0) return;
+    // A large sample network has n^2 cells: format each row once in a buffer instead of one
+    // formatted print per cell.
+    const size_t width = 2 * static_cast<size_t>(n);
+    std::vector<char> line(width + 1);
+    for (int i = 0; i < n; ++i) {
+        for (size_t c = 0; c < width; c += 2) {
+            line[c] = '0';
+            line[c + 1] = ' ';
+        }
+        const uint64_t* words = graph.row(i);
+        for (int w = 0; w < graph.row_words; ++w) {
+            for_each_bit(words[w], w * 64, [&](int j) {
+                if (j < n) line[2 * static_cast<size_t>(j)] = '1';
+            });
+        }
+        size_t length = width;
+        if (trailing_blank) {
+            line[width] = '\n';
+            length = width + 1;
+        } else {
+            line[width - 1] = '\n';
+        }
+        std::fwrite(line.data(), 1, length, out);
+    }
+}
+
+void write_network_matrix(FILE* out, const Graph& graph) { write_adjacency_rows(out, graph, false); }
+
+void write_network_file(const std::string& path, const Graph& graph) {
+    OutFile file(path, OpenMode::truncate);
+    write_network_matrix(file, graph);
+    file.close();
+}
+
+std::string sample_network_path(const std::string& prefix, double sample) {
+    const int length = std::snprintf(nullptr, 0, "%s%.0f.txt", prefix.c_str(), sample);
+    std::vector<char> buffer(static_cast<size_t>(length > 0 ? length : 0) + 1);
+    std::snprintf(buffer.data(), buffer.size(), "%s%.0f.txt", prefix.c_str(), sample);
+    return std::string(buffer.data());
+}
+
+}  // namespace vexa

@@ -1,0 +1,29 @@
+#include "report/pajek.h"
+
+#include "base/text_file.h"
+#include "report/network_file.h"
+
+namespace vexa {
+
+void write_pajek_matrix(FILE* out, const Graph& graph) {
+    write_adjacency_rows(out, graph, true);
+    print(out, "\n");
+}
+
+void write_pajek_block(const Graph& graph, const std::string& label, const std::string& path) {
+    {
+        OutFile file(path, OpenMode::append);
+        print(file, "*Network %s\n*vertices %d\n*matrix\n", label.c_str(), graph.node_count);
+        file.close();
+    }
+    {
+        OutFile file(path, OpenMode::append);
+        write_pajek_matrix(file, graph);
+        file.close();
+    }
+    OutFile file(path, OpenMode::append);
+    print(file, "\n");
+    file.close();
+}
+
+}  // namespace vexa
