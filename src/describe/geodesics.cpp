@@ -1,0 +1,182 @@
+// Geodesics, their distribution and quartiles.
+
+#include <algorithm>
+#include <cstddef>
+
+#include "describe/graph_describe.h"
+
+namespace vexa {
+
+namespace {
+
+size_t as_size(int value) { return static_cast<size_t>(value); }
+
+// A batch searches from 64 x lane_words sources at once; each node holds lane_words words
+// per level. Wider batches share the cost of walking the neighbour lists among more sources.
+constexpr int lane_words = 4;
+constexpr int batch_sources = 64 * lane_words;
+// Levels whose arrivals are held back before they are written into the distance matrix.
+constexpr int32_t held_levels = 8;
+
+using Lanes = uint64_t[lane_words];
+
+// Writes the distances of levels first .. last of a batch from the ring of arrival words,
+// adding them to counts (ordered pairs), and, when the batch is finished, no_path for every
+// source that never reached a node. Node v's distances to the batch's sources are one stretch
+// of v's row, so the writes of one node stay within a few cache lines.
+void write_levels(Graph& graph, DescribeScratch& scratch, int base, const Lanes& batch,
+                  int32_t first, int32_t last, bool finished) {
+    const size_t nodes = as_size(graph.node_count);
+    const size_t level_stride = nodes * lane_words;
+    int64_t arrived_pairs[held_levels] = {};
+    for (size_t v = 0; v < nodes; ++v) {
+        int32_t* row = graph.distance.data() + v * nodes + as_size(base);
+        for (int32_t level = first; level <= last; ++level) {
+            const uint64_t* arrived = scratch.arrivals.data() +
+                                      as_size(level % held_levels) * level_stride + v * lane_words;
+            int64_t pairs = 0;
+            for (int w = 0; w < lane_words; ++w) {
+                for_each_bit(arrived[w], w * 64, [&](int s) {
+                    row[s] = level;
+                    ++pairs;
+                });
+            }
+            arrived_pairs[level - first] += pairs;
+        }
+        if (finished) {
+            const uint64_t* seen = scratch.reached.data() + v * lane_words;
+            for (int w = 0; w < lane_words; ++w) {
+                for_each_bit(~seen[w] & batch[w], w * 64, [&](int s) { row[s] = no_path; });
+            }
+        }
+    }
+    for (int32_t level = first; level <= last; ++level) {
+        scratch.geodesic_counts[as_size(level)] += arrived_pairs[level - first];
+    }
+}
+
+}  // namespace
+
+void geodesics(Graph& graph, DescribeScratch& scratch) {
+    const int n = graph.node_count;
+    const size_t nodes = as_size(n);
+
+    // Neighbour lists: a level then costs one OR per tie, not a scan of every row's words.
+    scratch.offsets.resize(nodes + 1);
+    scratch.targets.resize(2 * as_size(graph.edge_count));
+    int32_t filled = 0;
+    for (int v = 0; v < n; ++v) {
+        scratch.offsets[as_size(v)] = filled;
+        const uint64_t* row = graph.row(v);
+        for (int w = 0; w < graph.row_words; ++w) {
+            for_each_bit(row[w], w * 64, [&](int u) { scratch.targets[as_size(filled++)] = u; });
+        }
+    }
+    scratch.offsets[nodes] = filled;
+    const int32_t* offsets = scratch.offsets.data();
+    const int32_t* targets = scratch.targets.data();
+
+    const size_t level_stride = nodes * lane_words;
+    scratch.reached.resize(level_stride);
+    scratch.arrivals.resize(as_size(held_levels) * level_stride);
+    uint64_t* reached = scratch.reached.data();
+    // Ordered pairs by distance while searching; halved into unordered pairs at the end.
+    std::vector<int64_t>& counts = scratch.geodesic_counts;
+    counts.assign(nodes + 1, 0);
+
+    for (int base = 0; base < n; base += batch_sources) {
+        const int width = std::min(batch_sources, n - base);
+        Lanes batch = {};
+        for (int s = 0; s < width; ++s) batch[s >> 6] |= uint64_t{1} << (s & 63);
+        // Level 0: each source of the batch has reached itself.
+        uint64_t* seeds = scratch.arrivals.data();
+        std::fill(reached, reached + level_stride, 0);
+        std::fill(seeds, seeds + level_stride, 0);
+        for (int s = 0; s < width; ++s) {
+            const size_t at = as_size(base + s) * lane_words + as_size(s >> 6);
+            reached[at] = seeds[at] = uint64_t{1} << (s & 63);
+        }
+        int32_t unwritten = 0;  // the first level not yet in the distance matrix
+        for (int32_t level = 1;; ++level) {
+            if (level - unwritten == held_levels) {  // the ring is full: make room
+                write_levels(graph, scratch, base, batch, unwritten, level - 1, false);
+                unwritten = level;
+            }
+            const uint64_t* frontier =
+                scratch.arrivals.data() + as_size((level - 1) % held_levels) * level_stride;
+            uint64_t* arriving =
+                scratch.arrivals.data() + as_size(level % held_levels) * level_stride;
+            uint64_t grown = 0;
+            for (size_t v = 0; v < nodes; ++v) {
+                uint64_t* fresh = arriving + v * lane_words;
+                uint64_t* seen = reached + v * lane_words;
+                uint64_t missing = 0;
+                for (int w = 0; w < lane_words; ++w) missing |= batch[w] & ~seen[w];
+                Lanes from_neighbours = {};
+                if (missing != 0) {  // else every source of the batch is here already
+                    for (int32_t k = offsets[v]; k < offsets[v + 1]; ++k) {
+                        const uint64_t* from = frontier + as_size(targets[k]) * lane_words;
+                        for (int w = 0; w < lane_words; ++w) from_neighbours[w] |= from[w];
+                    }
+                }
+                for (int w = 0; w < lane_words; ++w) {
+                    const uint64_t found = from_neighbours[w] & ~seen[w];
+                    fresh[w] = found;
+                    seen[w] |= found;
+                    grown |= found;
+                }
+            }
+            if (grown == 0) {
+                write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
+                break;
+            }
+        }
+    }
+
+    counts[0] = 0;  // the diagonal, written as level 0
+    int64_t found_pairs = 0;
+    for (size_t d = 1; d < nodes; ++d) {
+        counts[d] /= 2;  // each pair was met once from either end
+        found_pairs += counts[d];
+    }
+    counts[nodes] = int64_t{n} * (n - 1) / 2 - found_pairs;
+    largest_component(graph);
+}
+
+void geodesic_counts(const Graph& graph, std::vector<int64_t>& counts) {
+    const int n = graph.node_count;
+    counts.assign(as_size(n) + 1, 0);
+    for (int a = 0; a < n; ++a) {
+        const int32_t* row = graph.distance.data() + as_size(a) * as_size(n);
+        for (int b = a + 1; b < n; ++b) {
+            const int32_t d = row[b];
+            counts[d != no_path && d < n ? as_size(d) : as_size(n)] += 1;
+        }
+    }
+}
+
+GeodesicQuartiles geodesic_quartiles(const std::vector<int64_t>& counts) {
+    int64_t pairs = 0;
+    for (const int64_t c : counts) pairs += c;
+    // Share q = numerator / 4 is met when 4 x (pairs within g) >= numerator x pairs: exact in
+    // integers, so a quartile falling exactly on a boundary is never missed by rounding.
+    int32_t found[3] = {0, 0, 0};
+    bool done[3] = {false, false, false};
+    int64_t within = 0;
+    for (size_t g = 0; g < counts.size(); ++g) {
+        within += counts[g];
+        for (int q = 0; q < 3; ++q) {
+            if (!done[q] && 4 * within >= int64_t{q + 1} * pairs) {
+                found[q] = static_cast<int32_t>(g);
+                done[q] = true;
+            }
+        }
+    }
+    return {found[0], found[1], found[2]};
+}
+
+GeodesicQuartiles geodesic_quartiles(const DescribeScratch& scratch) {
+    return geodesic_quartiles(scratch.geodesic_counts);
+}
+
+}  // namespace vexa
