@@ -109,51 +109,67 @@ void remove_edge(Graph& g, int i, int j) {
 void update_shared_partners(Graph& g, int i, int j, int added) {
     const int32_t delta = added == 1 ? 1 : -1;
     const size_t n = as_size(g.node_count);
-    const uint64_t* row_i = g.row(i);
-    const uint64_t* row_j = g.row(j);
-    int32_t* partners_i = g.shared_partners.data() + as_size(i) * n;
-    int32_t* partners_j = g.shared_partners.data() + as_size(j) * n;
+    uint64_t* row_i = g.row(i);
+    uint64_t* row_j = g.row(j);
     int32_t* partners = g.shared_partners.data();
-    // Neighbours still to meet, the partner excluded: the early stop keeps the cost
-    // proportional to the position of the last neighbour, not to n.
-    int left_i = g.degree[as_size(i)] - (delta > 0 ? 1 : 0);
-    int left_j = g.degree[as_size(j)] - (delta > 0 ? 1 : 0);
-    const uint64_t not_j = ~(uint64_t{1} << (j & 63));
-    const uint64_t not_i = ~(uint64_t{1} << (i & 63));
-    for (int w = 0; w < g.row_words && (left_i > 0 || left_j > 0); ++w) {
-        const uint64_t of_i = row_i[w] & (w == (j >> 6) ? not_j : ~uint64_t{0});
-        const uint64_t of_j = row_j[w] & (w == (i >> 6) ? not_i : ~uint64_t{0});
+    int32_t* partners_i = partners + as_size(i) * n;
+    int32_t* partners_j = partners + as_size(j) * n;
+    int32_t* partner_histogram = g.shared_partner_histogram.data();
+    int32_t* triangles = g.triangles.data();
+    int32_t* triangle_histogram = g.triangle_histogram.data();
+    // The edge itself is hidden during the scan (a node is not its own shared partner), so the
+    // word loop needs no per-word masking.
+    const uint64_t bit_j = uint64_t{1} << (j & 63);
+    const uint64_t bit_i = uint64_t{1} << (i & 63);
+    const uint64_t had_j = row_i[j >> 6] & bit_j;
+    const uint64_t had_i = row_j[i >> 6] & bit_i;
+    row_i[j >> 6] &= ~bit_j;
+    row_j[i >> 6] &= ~bit_i;
+    // Neighbours still to meet: the early stop keeps the cost proportional to the position of
+    // the last neighbour, not to n.
+    int left = g.degree[as_size(i)] + g.degree[as_size(j)] - (delta > 0 ? 2 : 0);
+    const int words = g.row_words;
+    const size_t column_i = as_size(i);
+    const size_t column_j = as_size(j);
+    for (int w = 0; w < words && left > 0; ++w) {
+        const uint64_t of_i = row_i[w];
+        const uint64_t of_j = row_j[w];
         if ((of_i | of_j) == 0) continue;
-        left_i -= std::popcount(of_i);
-        left_j -= std::popcount(of_j);
+        left -= std::popcount(of_i) + std::popcount(of_j);
         const int base = w * 64;
-        // A neighbour k of i now shares (or no longer shares) partner i with j: pair {k, j}.
-        for_each_bit(of_i, base, [&](int k) {
-            const size_t kk = as_size(k);
-            const int32_t old_value = partners_j[kk];
-            partners_j[kk] = old_value + delta;
-            partners[kk * n + as_size(j)] = old_value + delta;
-            move_count(g.shared_partner_histogram, old_value, old_value + delta);
-        });
-        for_each_bit(of_j, base, [&](int k) {
-            const size_t kk = as_size(k);
-            const int32_t old_value = partners_i[kk];
-            partners_i[kk] = old_value + delta;
-            partners[kk * n + as_size(i)] = old_value + delta;
-            move_count(g.shared_partner_histogram, old_value, old_value + delta);
-        });
-        // A common neighbour k closes (or opens) the triangle i, j, k.
-        for_each_bit(of_i & of_j, base, [&](int k) {
-            const int32_t old_value = g.triangles[as_size(k)];
-            g.triangles[as_size(k)] = old_value + delta;
-            move_count(g.triangle_histogram, old_value, old_value + delta);
-        });
+        // A neighbour k of i now shares (or no longer shares) partner i with j: pair {k, j};
+        // a neighbour of j likewise with i; a common neighbour closes (or opens) a triangle.
+        for (uint64_t bits = of_i; bits != 0; bits &= bits - 1) {
+            const size_t k = static_cast<size_t>(base + std::countr_zero(bits));
+            const int32_t value = partners_j[k] + delta;
+            partners_j[k] = value;
+            partners[k * n + column_j] = value;
+            partner_histogram[value] += 1;
+            partner_histogram[value - delta] -= 1;
+        }
+        for (uint64_t bits = of_j; bits != 0; bits &= bits - 1) {
+            const size_t k = static_cast<size_t>(base + std::countr_zero(bits));
+            const int32_t value = partners_i[k] + delta;
+            partners_i[k] = value;
+            partners[k * n + column_i] = value;
+            partner_histogram[value] += 1;
+            partner_histogram[value - delta] -= 1;
+        }
+        for (uint64_t bits = of_i & of_j; bits != 0; bits &= bits - 1) {
+            const size_t k = static_cast<size_t>(base + std::countr_zero(bits));
+            const int32_t value = triangles[k] + delta;
+            triangles[k] = value;
+            triangle_histogram[value] += 1;
+            triangle_histogram[value - delta] -= 1;
+        }
     }
+    row_i[j >> 6] |= had_j;
+    row_j[i >> 6] |= had_i;
     const int32_t s = partners_i[as_size(j)];
     if (s != 0) {
         for (const int v : {i, j}) {
-            const int32_t old_value = g.triangles[as_size(v)];
-            g.triangles[as_size(v)] = old_value + delta * s;
+            const int32_t old_value = triangles[v];
+            triangles[v] = old_value + delta * s;
             move_count(g.triangle_histogram, old_value, old_value + delta * s);
         }
     }
