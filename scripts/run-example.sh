@@ -10,4 +10,6 @@ mkdir -p out
 rm -f out/estimation_flomarriage_alternating.txt
 "$root/build/vexa" flomarriage_alternating.txt
 echo
-sed -n '/^Estimation Result/,/^Estimated Covariance/p' out/estimation_flomarriage_alternating.txt | sed '$d'
+# The summary of the last estimation run.
+awk '/^Estimation Result/ { block = "" } /^Estimation Result/, /^Estimated Covariance/ { block = block $0 "\n" }
+     END { printf "%s", block }' out/estimation_flomarriage_alternating.txt | sed '$d'

@@ -1,22 +1,79 @@
 #include "entry/run_driver.h"
 
+#include <cmath>
 #include <cstdio>
 #include <new>
 
 #include "base/errors.h"
+#include "base/text_file.h"
+#include "effects/graph_catalogue.h"
+#include "effects/parameter_labels.h"
+#include "entry/graph_tasks.h"
 #include "entry/run_file.h"
 
 namespace vexa {
 
+namespace {
+
+const char* task_name(int32_t task) {
+    switch (task) {
+        case 1: return "simulation";
+        case 2: return "estimation";
+        case 3: return "goodness of fit";
+        case 4: return "Bayesian goodness of fit";
+        default: return "unknown task";
+    }
+}
+
+// Attribute and covariate effects can be read, carried and written to the update files, but
+// their statistics are not built yet: refuse a model that includes one rather than fit it
+// without the effect.
+void refuse_attribute_effects(const RunContext& context) {
+    for (const ParameterLabel& label : graph_parameter_labels(context.model, LabelStyle::simulation)) {
+        if (label.structural) continue;
+        throw SettingError(format_message(
+            "vexa: run file '%s' includes the attribute effect '%s'; attribute and covariate "
+            "effects are not available in this version, so nothing was run",
+            context.settings.run_file.c_str(), label.name.c_str()));
+    }
+}
+
+}  // namespace
+
 void run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
-    context.console = options.console;
+    context.console = options.console != nullptr ? options.console : stdout;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
-    RunFile file = read_run_file(run_file, options.console);
+    RunFile file = read_run_file(run_file, context.console);
     context.settings = std::move(file.settings);
+    context.settings.run_file = run_file;
     context.model = std::move(file.model);
     context.names = std::move(file.names);
+    const RunSettings& settings = context.settings;
+    if (!file.task_known) {
+        std::fprintf(context.console,
+                     "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
+                     "4 on kinds 1 (graph) and 2 (digraph), so nothing was run\n",
+                     run_file.c_str(), settings.task, settings.network_kind);
+        return;
+    }
+    if (settings.network_kind == 2) {
+        std::fprintf(context.console,
+                     "vexa: digraph runs are not available in this version; the %s in '%s' was "
+                     "read but not run\n",
+                     task_name(settings.task), run_file.c_str());
+        return;
+    }
+    if (settings.task == 4) {
+        std::fprintf(context.console,
+                     "vexa: the Bayesian goodness of fit is not available in this version; '%s' was "
+                     "read but not run\n",
+                     run_file.c_str());
+        return;
+    }
+    refuse_attribute_effects(context);
+    run_graph_task(context);
 }
 
 int run_entry(const char* run_file, const RunOptions& options) noexcept {

@@ -1,3 +1,4 @@
+cmake_minimum_required(VERSION 3.20)
 # Compiles the Java front end, runs it on a small run file through a real JVM, and checks
 # that the library ran the file (its first report exists) and that a missing run file is
 # reported without disturbing the JVM.
@@ -9,7 +10,7 @@ if(NOT rc EQUAL 0)
 endif()
 file(COPY ${DATA}/flomarriage.txt DESTINATION ${WORK})
 file(READ ${DATA}/jni_run.txt template)
-string(REPLACE "@WORK@" "${WORK}" content "${template}")
+string(REPLACE "%WORK%" "${WORK}" content "${template}")
 file(WRITE ${WORK}/run.txt "${content}")
 execute_process(COMMAND ${JAVA} -Djava.library.path=${LIBRARY_DIR} -cp ${WORK}/classes Vexa ${WORK}/run.txt
   WORKING_DIRECTORY ${WORK} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)

@@ -1,0 +1,84 @@
+#include "support/run_files.h"
+
+#include <cstdio>
+
+#include "support/test_support.h"
+
+namespace vexa::testing {
+
+namespace {
+
+const char* const structural[] = {
+    "edge", "2-star", "3-star", "4-star", "5-star", "Triangle", "4-clique", "5-clique", "6-clique",
+    "7-clique", "Isolates", "Triangle2", "Bow_tie", "P3", "Q10", "Q20", "Q30", "Q31", "3Path", "cycle4",
+    "1ET", "2ET", "0ET", "ETNT", "two3star", "one2triangle", "one2et", "AS", "AS2", "AT", "AT2", "A2P",
+    "AC", "AET"};
+constexpr int first_alternating = 27;
+
+std::string number(double value) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.17g", value);
+    return buffer;
+}
+
+}  // namespace
+
+std::string GraphRunFile::text() const {
+    std::string t;
+    auto row = [&](const char* label, const std::string& value) {
+        t.append(label).append("\n").append(value).append("\n\n");
+    };
+    row("network_name", name);
+    row("output_directory", directory);
+    row("sampler_variant", std::to_string(sampler_variant));
+    row("task_and_kind", std::to_string(task) + " 1");
+    row("node_count", std::to_string(nodes));
+    if (task == 1) {
+        row("initial_density", number(initial_density));
+    } else {
+        row("network_file", network_file);
+    }
+    if (degree_cap >= 0) {
+        t.append("degree_cap_given\n1\n").append(std::to_string(degree_cap)).append("\n");
+    } else {
+        t += "degree_cap_given\n0\n";
+    }
+    t += "structural\n1\n";
+    for (int k = 0; k < 34; ++k) {
+        const auto found = effects.find(structural[k]);
+        const bool included = found != effects.end();
+        t.append(structural[k]).append("\n").append(included ? "1" : "0").append("\n");
+        t.append(number(included ? found->second.first : 0.0));
+        if (k >= first_alternating) t.append(" ").append(number(included ? found->second.second : 0.0));
+        t.append("\n");
+    }
+    t += "attributes\n0\ncovariates\n0\n";
+    if (constraint_file.empty()) {
+        t += "constraint_given\n0\n";
+    } else {
+        t.append("constraint_given\n1\nconstraint_file\n").append(constraint_file).append("\n\n");
+    }
+    if (task == 2) {
+        row("subphases", std::to_string(subphases));
+        row("gain", number(gain));
+        row("factor", std::to_string(factor));
+        row("phase3", std::to_string(phase3));
+        row("runs", std::to_string(runs));
+        row("gof_after", std::to_string(gof_after));
+    } else {
+        const char* labels[] = {"pajek", "degree", "geodesic", "cluster", "triangle", "twopath", "et0nt"};
+        for (int k = 0; k < 7; ++k) row(labels[k], std::to_string(flags[k]));
+        row("burn_in", number(burn_in));
+        row("iterations", number(iterations));
+        row("samples", std::to_string(samples));
+    }
+    return t;
+}
+
+std::string GraphRunFile::write(const std::string& dir, const std::string& file) const {
+    const std::string path = dir + "/" + file;
+    write_text(path, text());
+    return path;
+}
+
+}  // namespace vexa::testing
