@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "base/large_allocator.h"
+
 namespace vexa {
 
 struct Rng;
@@ -31,8 +33,9 @@ struct Graph {
     int32_t clique_depth = 0;  // K: the largest clique size the clique census keeps
 
     std::vector<uint64_t> adjacency;      // n rows of row_words; node j is bit j%64 of word j/64
-    std::vector<int32_t> shared_partners;  // n x n, symmetric; diagonal not kept
-    std::vector<int32_t> distance;         // n x n geodesics, no_path where unreachable
+    // The two n x n matrices, on large pages where the system has them.
+    std::vector<int32_t, LargeAllocator<int32_t>> shared_partners;  // symmetric; diagonal not kept
+    std::vector<int32_t, LargeAllocator<int32_t>> distance;  // geodesics, no_path where unreachable
     std::vector<int32_t> degree_histogram;  // n: entry d = nodes of degree d
     std::vector<int32_t> degree;            // n
     std::vector<int32_t> node_work_a, node_work_b, node_work_c;  // n each: scratch

@@ -18,55 +18,12 @@ namespace {
 
 using testing::GraphRunFile;
 
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    std::string line;
-    while (std::getline(in, line)) lines.push_back(line);
-    return lines;
-}
+using testing::last_summary;
+using testing::lines_of;
+using testing::SummaryRow;
 
-struct SummaryRow {
-    std::string label;
-    double estimate = 0, se = 0, t = 0;
-    bool starred = false;
-};
-
-// The rows of the last summary table of an estimation report.
-std::vector<SummaryRow> last_summary(const std::string& report) {
-    const std::vector<std::string> lines = lines_of(report);
-    std::vector<SummaryRow> rows;
-    for (size_t k = 0; k < lines.size(); ++k) {
-        if (lines[k] != "effects\testimates\tstderr\tt-ratio") continue;
-        rows.clear();
-        const std::regex row(R"(([^\t]+)\t(-?\d+\.\d{6})\t(-?\d+\.\d{5})\t(-?\d+\.\d{5})\t(\*?))");
-        for (size_t r = k + 1; r < lines.size() && !lines[r].empty(); ++r) {
-            std::smatch m;
-            EXPECT_TRUE(std::regex_match(lines[r], m, row)) << "summary row: " << lines[r];
-            if (m.empty()) continue;
-            rows.push_back({m[1], std::stod(m[2]), std::stod(m[3]), std::stod(m[4]), m[5] == "*"});
-        }
-    }
-    return rows;
-}
-
-// Runs a run file with a pinned seed in its own working directory; returns the console text.
 std::string run(const std::string& dir, const GraphRunFile& file, uint32_t seed) {
-    const testing::WorkingDirectory here(dir);
-    std::filesystem::create_directories(dir + "/" + file.directory);
-    const std::string path = file.write(dir);
-    char* text = nullptr;
-    size_t size = 0;
-    FILE* console = open_memstream(&text, &size);
-    RunOptions options;
-    options.fixed_seed = true;
-    options.seed = seed;
-    options.console = console;
-    run_entry(path.c_str(), options);
-    std::fclose(console);
-    std::string out(text, size);
-    std::free(text);
-    return out;
+    return testing::run_vexa(dir, file, seed);
 }
 
 GraphRunFile flomarriage(const std::string& dir) {
@@ -86,7 +43,7 @@ TEST(GraphEstimation, EdgeOnlyEstimatesTheLogOddsOfTheDensityAndReportsInTheQuot
     const std::string report = testing::read_text(dir + "/out/estimation_net.txt");
     const std::vector<SummaryRow> summary = last_summary(report);
     ASSERT_EQ(summary.size(), 1u);
-    EXPECT_EQ(summary[0].label, "edge");
+    EXPECT_EQ(summary[0].label, "edge");  // a malformed row would be labelled so
     // 20 ties among 120 dyads: the maximum-likelihood estimate is ln(20/100).
     EXPECT_NEAR(summary[0].estimate, std::log(20.0 / 100.0), summary[0].se);
     EXPECT_LT(std::fabs(summary[0].t), 0.1);

@@ -18,38 +18,12 @@ namespace {
 
 using testing::GraphRunFile;
 
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    std::string line;
-    while (std::getline(in, line)) lines.push_back(line);
-    return lines;
-}
+using testing::lines_of;
 
-std::vector<std::string> fields(const std::string& line) {
-    std::vector<std::string> out;
-    std::string field;
-    std::istringstream in(line);
-    while (std::getline(in, field, '\t')) out.push_back(field);
-    return out;
-}
+std::vector<std::string> fields(const std::string& line) { return testing::tab_fields(line); }
 
 std::string run(const std::string& dir, const GraphRunFile& file, uint32_t seed) {
-    const testing::WorkingDirectory here(dir);
-    std::filesystem::create_directories(dir + "/" + file.directory);
-    const std::string path = file.write(dir);
-    char* text = nullptr;
-    size_t size = 0;
-    FILE* console = open_memstream(&text, &size);
-    RunOptions options;
-    options.fixed_seed = true;
-    options.seed = seed;
-    options.console = console;
-    run_entry(path.c_str(), options);
-    std::fclose(console);
-    std::string out(text, size);
-    std::free(text);
-    return out;
+    return testing::run_vexa(dir, file, seed);
 }
 
 TEST(GraphSimulation, EdgeOnlyModelGivesTheBinomialEdgeCount) {

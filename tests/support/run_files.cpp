@@ -1,7 +1,11 @@
 #include "support/run_files.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <regex>
+#include <sstream>
 
+#include "entry/run_driver.h"
 #include "support/test_support.h"
 
 namespace vexa::testing {
@@ -79,6 +83,59 @@ std::string GraphRunFile::write(const std::string& dir, const std::string& file)
     const std::string path = dir + "/" + file;
     write_text(path, text());
     return path;
+}
+
+std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed) {
+    const WorkingDirectory here(dir);
+    std::filesystem::create_directories(dir + "/" + file.directory);
+    const std::string path = file.write(dir);
+    char* text = nullptr;
+    size_t size = 0;
+    FILE* console = open_memstream(&text, &size);
+    RunOptions options;
+    options.fixed_seed = true;
+    options.seed = seed;
+    options.console = console;
+    run_entry(path.c_str(), options);
+    std::fclose(console);
+    std::string out(text, size);
+    std::free(text);
+    return out;
+}
+
+std::vector<std::string> lines_of(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    std::string line;
+    while (std::getline(in, line)) lines.push_back(line);
+    return lines;
+}
+
+std::vector<std::string> tab_fields(const std::string& line) {
+    std::vector<std::string> out;
+    std::string field;
+    std::istringstream in(line);
+    while (std::getline(in, field, '\t')) out.push_back(field);
+    return out;
+}
+
+std::vector<SummaryRow> last_summary(const std::string& report) {
+    const std::vector<std::string> lines = lines_of(report);
+    const std::regex row(R"(([^\t]+)\t(-?\d+\.\d{6})\t(-?\d+\.\d{5})\t(-?\d+\.\d{5})\t(\*?))");
+    std::vector<SummaryRow> rows;
+    for (size_t k = 0; k < lines.size(); ++k) {
+        if (lines[k] != "effects\testimates\tstderr\tt-ratio") continue;
+        rows.clear();
+        for (size_t r = k + 1; r < lines.size() && !lines[r].empty(); ++r) {
+            std::smatch m;
+            if (!std::regex_match(lines[r], m, row)) {
+                rows.push_back({"malformed: " + lines[r]});
+                continue;
+            }
+            rows.push_back({m[1], std::stod(m[2]), std::stod(m[3]), std::stod(m[4]), m[5] == "*"});
+        }
+    }
+    return rows;
 }
 
 }  // namespace vexa::testing

@@ -4,8 +4,10 @@
 
 #include <filesystem>
 #include <map>
+#include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace vexa::testing {
 
@@ -38,6 +40,21 @@ struct GraphRunFile {
     // Writes the run file into dir and returns its path.
     std::string write(const std::string& dir, const std::string& file = "run.txt") const;
 };
+
+// Runs a run file through the entry with a pinned seed, in `dir` as the working directory
+// (creating the run file's output directory); returns what the run printed.
+std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed);
+
+std::vector<std::string> lines_of(const std::string& text);
+std::vector<std::string> tab_fields(const std::string& line);
+
+struct SummaryRow {
+    std::string label;
+    double estimate = 0, se = 0, t = 0;
+    bool starred = false;
+};
+// The rows of the last summary table of an estimation report (empty when there is none).
+std::vector<SummaryRow> last_summary(const std::string& report);
 
 struct WorkingDirectory {
     std::filesystem::path saved = std::filesystem::current_path();

@@ -1,5 +1,6 @@
 #include "support/test_support.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -23,6 +24,23 @@ std::string read_text(const std::string& path) {
 void write_text(const std::string& path, const std::string& text) {
     std::ofstream out(path, std::ios::binary);
     out << text;
+}
+
+std::string capture(const std::function<void(FILE*)>& write) {
+    char* buffer = nullptr;
+    size_t size = 0;
+    FILE* out = open_memstream(&buffer, &size);
+    try {
+        write(out);
+    } catch (...) {
+        std::fclose(out);
+        std::free(buffer);
+        throw;
+    }
+    std::fclose(out);
+    std::string text(buffer, size);
+    std::free(buffer);
+    return text;
 }
 
 }  // namespace vexa::testing

@@ -1,6 +1,8 @@
 #pragma once
 // Shared helpers of the test suite: paths of bundled data and scratch directories.
 
+#include <cstdio>
+#include <functional>
 #include <string>
 
 namespace vexa::testing {
@@ -18,5 +20,8 @@ std::string scratch_directory(const std::string& name);
 // The whole content of a text file ("" when it does not exist).
 std::string read_text(const std::string& path);
 void write_text(const std::string& path, const std::string& text);
+
+// What `write` prints into a memory stream; the stream is released even when write throws.
+std::string capture(const std::function<void(FILE*)>& write);
 
 }  // namespace vexa::testing

@@ -15,14 +15,7 @@ namespace vexa {
 namespace {
 
 std::string syntax_of(const Model& model, const std::string& simulation_file) {
-    char* buffer = nullptr;
-    size_t size = 0;
-    FILE* out = open_memstream(&buffer, &size);
-    write_spss_syntax(out, model, simulation_file);
-    std::fclose(out);
-    std::string text(buffer, size);
-    std::free(buffer);
-    return text;
+    return testing::capture([&](FILE* out) { write_spss_syntax(out, model, simulation_file); });
 }
 
 const char* const load_command =

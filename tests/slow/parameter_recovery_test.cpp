@@ -1,0 +1,106 @@
+// Parameter recovery: networks simulated from known parameters are estimated back, and the
+// known values should lie within about two standard errors in most replications. Long:
+// run with `ctest -L slow`.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "effects/graph_catalogue.h"
+#include "report/network_file.h"
+#include "sampler/graph_sampler.h"
+#include "support/run_files.h"
+#include "support/test_support.h"
+
+namespace vexa {
+namespace {
+
+struct Truth {
+    const char* name;
+    double value;
+    double lambda;
+    GraphEffect effect;
+};
+
+// Draws one network of n nodes from the model by a long chain from a random start.
+Graph simulate(int n, const std::vector<Truth>& truth, uint32_t seed) {
+    Model model = empty_model(NetworkKind::graph);
+    std::vector<double> parameters;
+    for (const Truth& t : truth) {
+        EffectSetting& setting = model.structural[static_cast<size_t>(t.effect)];
+        setting.slot = model.structural_included++;
+        setting.lambda = static_cast<float>(t.lambda);
+        parameters.push_back(t.value);
+    }
+    const std::vector<Term> terms = graph_terms(model);
+    const int p = static_cast<int>(parameters.size());
+    Rng rng;
+    SeedSource seeds;
+    seeds.fixed = true;
+    seeds.base = seed;
+    Graph g = random_graph(n, n, p, 0, rng, seeds);
+    compute_totals(g, terms);
+    GraphSampler sampler = make_graph_sampler(terms, p, 9999, false, nullptr);
+    run_sampler(g, sampler, parameters.data(), 400.0 * n * n, rng, seeds);
+    return g;
+}
+
+// Estimates each replication and counts, per parameter, how often the truth lies within two
+// standard errors of the estimate.
+void recover(const char* tag, int n, const std::vector<Truth>& truth, int replications) {
+    const std::string dir = testing::scratch_directory(std::string("recovery_").append(tag));
+    std::vector<int> covered(truth.size(), 0);
+    int converged = 0;
+    for (int r = 0; r < replications; ++r) {
+        const Graph g = simulate(n, truth, static_cast<uint32_t>(1000 + r));
+        write_network_file(dir + "/net.txt", g);
+        testing::GraphRunFile file;
+        file.nodes = n;
+        file.network_file = "net.txt";
+        file.name = std::string("r").append(std::to_string(r));
+        for (const Truth& t : truth) file.effects[t.name] = {0.0, t.lambda};
+        file.runs = 4;
+        testing::run_vexa(dir, file, static_cast<uint32_t>(r + 1));
+        const auto summary = testing::last_summary(testing::read_text(std::string(dir).append("/out/estimation_").append(file.name).append(".txt")));
+        if (summary.size() != truth.size()) continue;  // degenerate: no summary
+        bool all_converged = true;
+        for (size_t k = 0; k < truth.size(); ++k) {
+            all_converged = all_converged && std::fabs(summary[k].t) < 0.1;
+            if (std::fabs(summary[k].estimate - truth[k].value) <= 2.0 * summary[k].se) ++covered[k];
+        }
+        converged += all_converged ? 1 : 0;
+        std::printf("%s %2d (%d ties):", tag, r, g.edge_count);
+        for (const auto& row : summary) std::printf("  %s %.3f (%.3f)", row.label.c_str(), row.estimate, row.se);
+        std::printf("\n");
+    }
+    std::printf("%s: %d of %d converged; covered:", tag, converged, replications);
+    for (size_t k = 0; k < truth.size(); ++k) std::printf(" %s %d", truth[k].name, covered[k]);
+    std::printf("\n");
+    EXPECT_GE(converged, replications * 3 / 4);
+    for (size_t k = 0; k < truth.size(); ++k) {
+        EXPECT_GE(covered[k], replications * 7 / 10) << truth[k].name;
+    }
+}
+
+TEST(ParameterRecovery, MarkovModel) {
+    recover("markov", 30,
+            {{"edge", -0.5, 0.0, GraphEffect::edge},
+             {"2-star", -0.15, 0.0, GraphEffect::star2},
+             {"Triangle", 0.5, 0.0, GraphEffect::triangle}},
+            20);
+}
+
+TEST(ParameterRecovery, AlternatingModel) {
+    recover("alternating", 40,
+            {{"edge", -2.0, 0.0, GraphEffect::edge},
+             {"AS", -0.3, 2.0, GraphEffect::as},
+             {"AT", 0.8, 2.0, GraphEffect::at},
+             {"A2P", -0.1, 2.0, GraphEffect::a2p}},
+            20);
+}
+
+}  // namespace
+}  // namespace vexa
