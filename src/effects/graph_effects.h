@@ -36,9 +36,25 @@ inline int32_t triangles_at(const Graph& g, int v) { return g.triangles[static_c
 
 // Calls fn(k) for every common neighbour k of i and j, stopping once `count` of them (the
 // shared-partner count, known beforehand) have been met: on sparse graphs most dyads have
-// none and cost nothing.
+// none and cost nothing. Walks the shorter neighbour list testing the other row's bits, or on
+// dense rows ANDs the two rows a word at a time.
 template <typename Fn>
 inline void for_each_common_neighbour(const Graph& g, int i, int j, int count, Fn&& fn) {
+    if (count <= 0) return;
+    const std::vector<int32_t>& list_i = g.neighbours_of(i);
+    const std::vector<int32_t>& list_j = g.neighbours_of(j);
+    const bool i_shorter = list_i.size() <= list_j.size();
+    const std::vector<int32_t>& shorter = i_shorter ? list_i : list_j;
+    if (shorter.size() <= static_cast<size_t>(4 * g.row_words)) {
+        const uint64_t* other = g.row(i_shorter ? j : i);
+        for (const int32_t k : shorter) {
+            if ((other[k >> 6] >> (k & 63)) & 1u) {
+                fn(k);
+                if (--count == 0) return;
+            }
+        }
+        return;
+    }
     const uint64_t* a = g.row(i);
     const uint64_t* b = g.row(j);
     for (int w = 0; count > 0 && w < g.row_words; ++w) {
@@ -49,40 +65,12 @@ inline void for_each_common_neighbour(const Graph& g, int i, int j, int count, F
     }
 }
 
-// Writes the positions of the set bits of words [first, last) of a row to out and returns
-// their number; out needs room for every bit plus 1. The first bit of a word is written without
-// a branch (a position that does not count is overwritten by the next), so that the words of a
-// sparse row, about half of them empty, cost no mispredicted branch each.
-inline int gather_bits(const uint64_t* row, int first, int last, int* out) {
-    constexpr uint64_t top = uint64_t{1} << 63;  // keeps the bit count defined on an empty word
-    int filled = 0;
-    for (int w = first; w < last; ++w) {
-        const uint64_t bits = row[w];
-        const int base = w * 64;
-        out[filled] = base + std::countr_zero(bits | top);
-        filled += static_cast<int>((bits | (uint64_t{0} - bits)) >> 63);  // 1 when bits != 0
-        for (uint64_t rest = bits & (bits - 1); rest != 0; rest &= rest - 1) {
-            out[filled++] = base + std::countr_zero(rest);
-        }
-    }
-    return filled;
-}
-
-// Calls fn(k) for every neighbour k of v in ascending order, stopping after the last one. The
-// neighbours are gathered sixteen words at a time first, so that the reads fn makes for each
-// (shared-partner entries scattered over an n x n matrix) are independent of the bit scanning
+// Calls fn(k) for every neighbour k of v, from the store's neighbour list: the reads fn makes
+// for each (shared-partner entries scattered over an n x n matrix) do not wait on a bit scan
 // and overlap in memory.
 template <typename Fn>
 inline void for_each_neighbour(const Graph& g, int v, Fn&& fn) {
-    constexpr int chunk_words = 16;
-    std::array<int, chunk_words * 64 + 1> found;
-    int left = degree_of(g, v);
-    const uint64_t* r = g.row(v);
-    for (int w = 0; w < g.row_words && left > 0; w += chunk_words) {
-        const int count = gather_bits(r, w, std::min(w + chunk_words, g.row_words), found.data());
-        left -= count;
-        for (int a = 0; a < count; ++a) fn(found[static_cast<size_t>(a)]);
-    }
+    for (const int32_t k : g.neighbours_of(v)) fn(k);
 }
 
 // Calls fn(u, v) once for every edge with u < v.

@@ -1,5 +1,6 @@
 #include "network/graph.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -41,6 +42,17 @@ inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32
     histogram[as_size(old_value)] -= 1;
 }
 
+// Removes v from a neighbour list by moving the last entry into its place.
+void forget_neighbour(std::vector<int32_t>& list, int v) {
+    for (size_t k = 0; k < list.size(); ++k) {
+        if (list[k] == v) {
+            list[k] = list.back();
+            list.pop_back();
+            return;
+        }
+    }
+}
+
 }  // namespace
 
 Graph create(int n, int statistic_count, int clique_depth) {
@@ -79,6 +91,9 @@ Graph create(int n, int statistic_count, int clique_depth) {
     g.statistics.assign(as_size(statistic_count), 0.0);
     g.clique_counts.assign(as_size(clique_depth), 0.0);
     g.clique_changes.assign(as_size(clique_depth), 0.0);
+    // Room for a typical degree up front, so that a chain seldom grows a list.
+    g.neighbours.resize(nodes);
+    for (auto& list : g.neighbours) list.reserve(as_size(std::min(n - 1, 16)));
     return g;
 }
 
@@ -89,6 +104,8 @@ void add_edge(Graph& g, int i, int j) {
     g.edge_count += 1;
     g.row(i)[j >> 6] |= uint64_t{1} << (j & 63);
     g.row(j)[i >> 6] |= uint64_t{1} << (i & 63);
+    g.neighbours[as_size(i)].push_back(j);
+    g.neighbours[as_size(j)].push_back(i);
     for (const int v : {i, j}) {
         const int32_t d = ++g.degree[as_size(v)];
         move_count(g.degree_histogram, d - 1, d);
@@ -100,6 +117,8 @@ void remove_edge(Graph& g, int i, int j) {
     g.edge_count -= 1;
     g.row(i)[j >> 6] &= ~(uint64_t{1} << (j & 63));
     g.row(j)[i >> 6] &= ~(uint64_t{1} << (i & 63));
+    forget_neighbour(g.neighbours[as_size(i)], j);
+    forget_neighbour(g.neighbours[as_size(j)], i);
     for (const int v : {i, j}) {
         const int32_t d = --g.degree[as_size(v)];
         move_count(g.degree_histogram, d + 1, d);
@@ -109,63 +128,44 @@ void remove_edge(Graph& g, int i, int j) {
 void update_shared_partners(Graph& g, int i, int j, int added) {
     const int32_t delta = added == 1 ? 1 : -1;
     const size_t n = as_size(g.node_count);
-    uint64_t* row_i = g.row(i);
-    uint64_t* row_j = g.row(j);
     int32_t* partners = g.shared_partners.data();
     int32_t* partners_i = partners + as_size(i) * n;
     int32_t* partners_j = partners + as_size(j) * n;
     int32_t* partner_histogram = g.shared_partner_histogram.data();
-    int32_t* triangles = g.triangles.data();
-    int32_t* triangle_histogram = g.triangle_histogram.data();
-    // The edge itself is hidden during the scan (a node is not its own shared partner), so the
-    // word loop needs no per-word masking.
-    const uint64_t bit_j = uint64_t{1} << (j & 63);
-    const uint64_t bit_i = uint64_t{1} << (i & 63);
-    const uint64_t had_j = row_i[j >> 6] & bit_j;
-    const uint64_t had_i = row_j[i >> 6] & bit_i;
-    row_i[j >> 6] &= ~bit_j;
-    row_j[i >> 6] &= ~bit_i;
-    // Neighbours still to meet: the early stop keeps the cost proportional to the position of
-    // the last neighbour, not to n.
-    int left = g.degree[as_size(i)] + g.degree[as_size(j)] - (delta > 0 ? 2 : 0);
-    const int words = g.row_words;
     const size_t column_i = as_size(i);
     const size_t column_j = as_size(j);
-    for (int w = 0; w < words && left > 0; ++w) {
-        const uint64_t of_i = row_i[w];
-        const uint64_t of_j = row_j[w];
-        if ((of_i | of_j) == 0) continue;
-        left -= std::popcount(of_i) + std::popcount(of_j);
-        const int base = w * 64;
-        // A neighbour k of i now shares (or no longer shares) partner i with j: pair {k, j};
-        // a neighbour of j likewise with i; a common neighbour closes (or opens) a triangle.
-        for (uint64_t bits = of_i; bits != 0; bits &= bits - 1) {
-            const size_t k = static_cast<size_t>(base + std::countr_zero(bits));
-            const int32_t value = partners_j[k] + delta;
-            partners_j[k] = value;
-            partners[k * n + column_j] = value;
-            partner_histogram[value] += 1;
-            partner_histogram[value - delta] -= 1;
-        }
-        for (uint64_t bits = of_j; bits != 0; bits &= bits - 1) {
-            const size_t k = static_cast<size_t>(base + std::countr_zero(bits));
-            const int32_t value = partners_i[k] + delta;
-            partners_i[k] = value;
-            partners[k * n + column_i] = value;
-            partner_histogram[value] += 1;
-            partner_histogram[value - delta] -= 1;
-        }
-        for (uint64_t bits = of_i & of_j; bits != 0; bits &= bits - 1) {
-            const size_t k = static_cast<size_t>(base + std::countr_zero(bits));
-            const int32_t value = triangles[k] + delta;
-            triangles[k] = value;
-            triangle_histogram[value] += 1;
-            triangle_histogram[value - delta] -= 1;
+    // A neighbour k of i now shares (or no longer shares) partner i with j: pair {k, j}; a
+    // neighbour of j likewise with i. The partner itself (in the lists after an addition) is
+    // not its own shared partner.
+    for (const int32_t k : g.neighbours[column_i]) {
+        if (k == j) continue;
+        const size_t kk = as_size(k);
+        const int32_t value = partners_j[kk] + delta;
+        partners_j[kk] = value;
+        partners[kk * n + column_j] = value;
+        partner_histogram[value] += 1;
+        partner_histogram[value - delta] -= 1;
+    }
+    const uint64_t* row_i = g.row(i);
+    int32_t* triangles = g.triangles.data();
+    int32_t* triangle_histogram = g.triangle_histogram.data();
+    for (const int32_t k : g.neighbours[column_j]) {
+        if (k == i) continue;
+        const size_t kk = as_size(k);
+        const int32_t value = partners_i[kk] + delta;
+        partners_i[kk] = value;
+        partners[kk * n + column_i] = value;
+        partner_histogram[value] += 1;
+        partner_histogram[value - delta] -= 1;
+        // A common neighbour k closes (or opens) the triangle i, j, k.
+        if ((row_i[k >> 6] >> (k & 63)) & 1u) {
+            const int32_t t = triangles[kk] + delta;
+            triangles[kk] = t;
+            triangle_histogram[t] += 1;
+            triangle_histogram[t - delta] -= 1;
         }
     }
-    row_i[j >> 6] |= had_j;
-    row_j[i >> 6] |= had_i;
-    const int32_t s = partners_i[as_size(j)];
+    const int32_t s = partners_i[column_j];
     if (s != 0) {
         for (const int v : {i, j}) {
             const int32_t old_value = triangles[v];
@@ -201,6 +201,7 @@ void copy(const Graph& source, Graph& target, int statistic_count) {
     }
     target.clique_counts = source.clique_counts;
     target.clique_changes = source.clique_changes;
+    target.neighbours = source.neighbours;
 }
 
 Graph read_graph(const std::string& path, int n, int statistic_count, int clique_depth) {
@@ -269,6 +270,17 @@ std::string check_bookkeeping(const Graph& g) {
         }
         degree_histogram[as_size(d)] += 1;
         degree_sum += d;
+        const std::vector<int32_t>& list = g.neighbours[as_size(a)];
+        if (static_cast<int>(list.size()) != d) {
+            return format_message("node %d lists %zu neighbours, degree %d", a, list.size(), d);
+        }
+        std::vector<int32_t> sorted = list;
+        std::sort(sorted.begin(), sorted.end());
+        for (size_t k = 0; k < sorted.size(); ++k) {
+            if (!has_edge(g, a, sorted[k]) || (k > 0 && sorted[k] == sorted[k - 1])) {
+                return format_message("node %d lists %d wrongly", a, sorted[k]);
+            }
+        }
     }
     if (degree_histogram != g.degree_histogram) return "degree histogram disagrees with a recount";
     if (degree_sum != 2 * int64_t{g.edge_count}) {

@@ -47,6 +47,9 @@ struct Graph {
     std::vector<double> statistics;                 // current value of every model statistic
     std::vector<double> clique_counts;              // K: entry k-1 = number of k-cliques
     std::vector<double> clique_changes;             // K: entry k-1 = change for the dyad last examined
+    // The neighbours of every node in no particular order, kept with the adjacency: on sparse
+    // networks a neighbour scan reads a few words instead of a whole bit row.
+    std::vector<std::vector<int32_t>> neighbours;
 
     const uint64_t* row(int i) const {
         return adjacency.data() + static_cast<size_t>(i) * static_cast<size_t>(row_words);
@@ -58,6 +61,7 @@ struct Graph {
         return shared_partners[static_cast<size_t>(a) * static_cast<size_t>(node_count) +
                                static_cast<size_t>(b)];
     }
+    const std::vector<int32_t>& neighbours_of(int v) const { return neighbours[static_cast<size_t>(v)]; }
     const int32_t* partners_row(int a) const {
         return shared_partners.data() + static_cast<size_t>(a) * static_cast<size_t>(node_count);
     }
@@ -72,14 +76,14 @@ inline bool has_edge(const Graph& graph, int i, int j) {
     return (graph.row(i)[j >> 6] >> (j & 63)) & 1u;
 }
 
-// Set or clear edge {i,j} with edge_count, degree and degree_histogram. No-ops when the edge
+// Set or clear edge {i,j} with edge_count, degree, degree_histogram and the neighbour lists.
+// No-ops when the edge
 // is already in the requested state; then update_shared_partners must not be called.
 void add_edge(Graph& graph, int i, int j);
 void remove_edge(Graph& graph, int i, int j);
 
 // Brings shared partners, triangles and both histograms up to date after add_edge (added = 1)
-// or remove_edge (any other value) of {i,j}. Cost: one pass over the words of rows i and j,
-// stopping at the word holding the last neighbour of either.
+// or remove_edge (any other value) of {i,j}. Cost: one pass over the neighbours of i and j.
 void update_shared_partners(Graph& graph, int i, int j, int added);
 
 // Copies every field between two graphs of the same n (the first statistic_count statistics).
