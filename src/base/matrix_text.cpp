@@ -8,9 +8,7 @@
 
 namespace vexa {
 
-namespace {
-
-std::string read_all(const std::string& path, const char* what) {
+std::string read_text_file(const std::string& path, const char* what) {
     FILE* file = std::fopen(path.c_str(), "rb");
     if (file == nullptr) {
         throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
@@ -27,6 +25,8 @@ std::string read_all(const std::string& path, const char* what) {
     return text;
 }
 
+namespace {
+
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; }
 
 }  // namespace
@@ -39,22 +39,25 @@ bool parse_double(const std::string& word, double& value) {
     return end == word.c_str() + word.size() && errno != ERANGE;
 }
 
-std::vector<std::string> read_words(const std::string& path, const char* what) {
-    const std::string text = read_all(path, what);
+std::vector<std::string> split_words(std::string_view text) {
     std::vector<std::string> words;
     size_t k = 0;
     while (k < text.size()) {
         while (k < text.size() && is_space(text[k])) ++k;
         const size_t start = k;
         while (k < text.size() && !is_space(text[k])) ++k;
-        if (k > start) words.emplace_back(text, start, k - start);
+        if (k > start) words.emplace_back(text.substr(start, k - start));
     }
     return words;
 }
 
+std::vector<std::string> read_words(const std::string& path, const char* what) {
+    return split_words(read_text_file(path, what));
+}
+
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell) {
-    const std::string text = read_all(path, what);
+    const std::string text = read_text_file(path, what);
     const long long needed = static_cast<long long>(n) * n;
     long long count = 0;
     size_t k = 0;

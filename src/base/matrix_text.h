@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vexa {
@@ -15,8 +16,14 @@ namespace vexa {
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell);
 
-// Splits a whole text file into whitespace-separated words. Throws InputFileError when the
-// file cannot be read.
+// The whole content of a text file. Throws InputFileError naming the file (`what` says which
+// file it is: "network", "attribute") when it cannot be opened or read.
+std::string read_text_file(const std::string& path, const char* what);
+
+// The whitespace-separated words of a text ('\r' of a Windows line end counts as a blank).
+std::vector<std::string> split_words(std::string_view text);
+
+// Splits a whole text file into whitespace-separated words.
 std::vector<std::string> read_words(const std::string& path, const char* what);
 
 // Parses a whole word as a number; false when the word is not one (trailing junk included).

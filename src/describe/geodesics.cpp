@@ -140,7 +140,35 @@ void geodesics(Graph& graph, DescribeScratch& scratch) {
         found_pairs += counts[d];
     }
     counts[nodes] = int64_t{n} * (n - 1) / 2 - found_pairs;
-    largest_component(graph);
+    graph.giant_size = largest_component_size(graph, scratch);
+}
+
+int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch) {
+    // Labels components by a walk over the neighbour lists: O(n + E), where reading the
+    // component off the distance matrix would take n^2 steps.
+    const size_t nodes = as_size(graph.node_count);
+    scratch.visited.assign(nodes, 0);
+    scratch.stack.resize(nodes);
+    int32_t largest = 0;
+    for (size_t start = 0; start < nodes; ++start) {
+        if (scratch.visited[start] != 0) continue;
+        scratch.visited[start] = 1;
+        size_t top = 0;
+        scratch.stack[top++] = static_cast<int32_t>(start);
+        int32_t size = 0;
+        while (top > 0) {
+            const int32_t v = scratch.stack[--top];
+            ++size;
+            for (const int32_t u : graph.neighbours_of(v)) {
+                if (scratch.visited[as_size(u)] == 0) {
+                    scratch.visited[as_size(u)] = 1;
+                    scratch.stack[top++] = u;
+                }
+            }
+        }
+        largest = std::max(largest, size);
+    }
+    return largest;
 }
 
 void geodesic_counts(const Graph& graph, std::vector<int64_t>& counts) {

@@ -37,6 +37,9 @@ struct DescribeScratch {
     // Unordered pairs by distance, laid out as geodesic_counts describes; geodesics() leaves
     // the counts of the network it has just measured here.
     std::vector<int64_t> geodesic_counts;
+    // The walk that finds the components.
+    std::vector<uint8_t> visited;
+    std::vector<int32_t> stack;
 };
 
 // All-pairs geodesics by breadth-first search from every node, a batch of 256 sources at
@@ -46,6 +49,9 @@ struct DescribeScratch {
 // graph.giant_size and leaves the pair counts in scratch.geodesic_counts.
 // Cost O(n/256 * diameter * (n + E)) steps of a few words each, plus one write per entry.
 void geodesics(Graph& graph, DescribeScratch& scratch);
+
+// The number of nodes of the largest connected component (1 for a network without ties).
+int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch);
 
 // Unordered pairs by distance, from a filled distance matrix: counts gets n + 1 entries,
 // counts[d] = pairs at distance d for d = 1 .. n-1, counts[n] = pairs without a path,

@@ -25,38 +25,6 @@ const char* kind_words(AttributeKind kind) {
     return "attribute";
 }
 
-std::string read_whole_file(const std::string& path, const char* what) {
-    FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) {
-        throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
-    }
-    std::string text;
-    char buffer[1 << 16];
-    size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) text.append(buffer, got);
-    const bool failed = std::ferror(file) != 0;
-    std::fclose(file);
-    if (failed)
-        throw InputFileError(format_message("vexa: cannot read %s file '%s'", what, path.c_str()));
-    return text;
-}
-
-bool is_space(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f';
-}
-
-// The words of one line ('\r' of a Windows line end counts as a blank).
-std::vector<std::string> split_words(std::string_view line) {
-    std::vector<std::string> words;
-    size_t k = 0;
-    while (k < line.size()) {
-        while (k < line.size() && is_space(line[k])) ++k;
-        const size_t start = k;
-        while (k < line.size() && !is_space(line[k])) ++k;
-        if (k > start) words.emplace_back(line.substr(start, k - start));
-    }
-    return words;
-}
 
 // Walks a text line by line, counting lines from 1.
 struct Lines {
@@ -109,7 +77,7 @@ double attribute_value(const std::string& word, AttributeKind kind, const std::s
 AttributeData read_attribute_file(const std::string& path, AttributeKind kind, int32_t count,
                                   int32_t node_count) {
     const char* what = kind_words(kind);
-    const std::string text = read_whole_file(path, what);
+    const std::string text = read_text_file(path, what);
     Lines lines{text};
     AttributeData result;
 
@@ -154,7 +122,7 @@ AttributeData read_attribute_file(const std::string& path, AttributeKind kind, i
 
 AttributeData read_covariate_file(const std::string& path, int32_t node_count) {
     const char* what = kind_words(AttributeKind::covariate);
-    const std::string text = read_whole_file(path, what);
+    const std::string text = read_text_file(path, what);
     Lines lines{text};
     std::vector<std::string> words;
     if (!lines.next_with_words(words)) {
