@@ -5,7 +5,6 @@
 #include <cmath>
 #include <filesystem>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -17,14 +16,10 @@ namespace vexa {
 namespace {
 
 using testing::GraphRunFile;
-
 using testing::last_summary;
 using testing::lines_of;
+using testing::run_vexa;
 using testing::SummaryRow;
-
-std::string run(const std::string& dir, const GraphRunFile& file, uint32_t seed) {
-    return testing::run_vexa(dir, file, seed);
-}
 
 GraphRunFile flomarriage(const std::string& dir) {
     std::filesystem::copy_file(testing::data_path("flomarriage.txt"), dir + "/flomarriage.txt",
@@ -39,7 +34,7 @@ TEST(GraphEstimation, EdgeOnlyEstimatesTheLogOddsOfTheDensityAndReportsInTheQuot
     GraphRunFile file = flomarriage(dir);
     file.effects = {{"edge", {0.0, 0.0}}};
     file.runs = 3;
-    run(dir, file, 7);
+    run_vexa(dir, file, 7);
     const std::string report = testing::read_text(dir + "/out/estimation_net.txt");
     const std::vector<SummaryRow> summary = last_summary(report);
     ASSERT_EQ(summary.size(), 1u);
@@ -111,10 +106,10 @@ TEST(GraphEstimation, EdgeOnlyEstimatesTheLogOddsOfTheDensityAndReportsInTheQuot
         EXPECT_TRUE(std::regex_match(lines[k], std::regex(expected))) << "line " << k + 1 << ": " << lines[k];
         ++k;
     }
-    // A converged run ends the loop: no run starts after it.
-    const size_t runs = static_cast<size_t>(std::count(lines.begin(), lines.end(), "STOCHASTIC APPROXIMATION RUN 1")) +
-                        static_cast<size_t>(std::count(lines.begin(), lines.end(), "STOCHASTIC APPROXIMATION RUN 2")) +
-                        static_cast<size_t>(std::count(lines.begin(), lines.end(), "STOCHASTIC APPROXIMATION RUN 3"));
+    // The runs go on until one converges, and no run starts after it.
+    const auto runs = std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+        return line.rfind("STOCHASTIC APPROXIMATION RUN ", 0) == 0;
+    });
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "STOCHASTIC APPROXIMATION RUN " + std::to_string(runs)), 1);
 
     // The covariance file holds the last matrix, the update file every effect in run-file order.
@@ -158,7 +153,7 @@ TEST(GraphEstimation, MarkovModelAgreesWithTheKnownMaximumLikelihoodEstimates) {
     GraphRunFile file = flomarriage(dir);
     file.effects = {{"edge", {0.0, 0.0}}, {"2-star", {0.0, 0.0}}, {"Triangle", {0.0, 0.0}}};
     file.runs = 6;
-    run(dir, file, 3);
+    run_vexa(dir, file, 3);
     const std::vector<SummaryRow> summary = last_summary(testing::read_text(dir + "/out/estimation_net.txt"));
     ASSERT_EQ(summary.size(), 3u);
     const double known[] = {-1.57, -0.027, 0.19};
@@ -181,7 +176,7 @@ TEST(GraphEstimation, DegenerateAndImpossibleRunsEndCleanly) {
     file.network_file = "empty.txt";
     file.effects = {{"edge", {0.0, 0.0}}, {"2-star", {0.0, 0.0}}};
     file.runs = 2;
-    const std::string console = run(dir, file, 1);
+    const std::string console = run_vexa(dir, file, 1);
     const std::string report = testing::read_text(dir + "/out/estimation_net.txt");
     EXPECT_EQ(std::count(report.begin(), report.end(), '!'), 2) << "two runs, both degenerate";
     EXPECT_NE(report.find("Degenerate Model!\n"), std::string::npos);
@@ -193,7 +188,7 @@ TEST(GraphEstimation, DegenerateAndImpossibleRunsEndCleanly) {
 
     // A missing network file: one line naming it, nothing but the names formed.
     file.network_file = "missing.txt";
-    const std::string missing = run(dir, file, 1);
+    const std::string missing = run_vexa(dir, file, 1);
     EXPECT_EQ(missing, "vexa: cannot open network file 'missing.txt'\n");
     // A missing output directory: the first report cannot be written.
     file.network_file = "empty.txt";
@@ -201,16 +196,14 @@ TEST(GraphEstimation, DegenerateAndImpossibleRunsEndCleanly) {
     std::filesystem::remove_all(dir + "/no");
     const testing::WorkingDirectory here(dir);
     const std::string path = file.write(dir);
-    char* text = nullptr;
-    size_t size = 0;
-    FILE* console_file = open_memstream(&text, &size);
     RunOptions options;
-    options.console = console_file;
-    EXPECT_EQ(run_entry(path.c_str(), options), 1);
-    std::fclose(console_file);
-    EXPECT_EQ(std::string(text, size),
-              "vexa: cannot write output file 'no/such/directory/start_statistics_net.txt'\n");
-    std::free(text);
+    int status = 0;
+    const std::string printed = testing::capture([&](FILE* console_file) {
+        options.console = console_file;
+        status = run_entry(path.c_str(), options);
+    });
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(printed, "vexa: cannot write output file 'no/such/directory/start_statistics_net.txt'\n");
 }
 
 }  // namespace

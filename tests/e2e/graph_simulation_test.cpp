@@ -4,7 +4,6 @@
 #include <cmath>
 #include <filesystem>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,12 +18,8 @@ namespace {
 using testing::GraphRunFile;
 
 using testing::lines_of;
-
-std::vector<std::string> fields(const std::string& line) { return testing::tab_fields(line); }
-
-std::string run(const std::string& dir, const GraphRunFile& file, uint32_t seed) {
-    return testing::run_vexa(dir, file, seed);
-}
+using testing::run_vexa;
+using testing::tab_fields;
 
 TEST(GraphSimulation, EdgeOnlyModelGivesTheBinomialEdgeCount) {
     // Every dyad is a tie with probability 1 / (1 + e^1) independently of the others.
@@ -37,13 +32,13 @@ TEST(GraphSimulation, EdgeOnlyModelGivesTheBinomialEdgeCount) {
     file.burn_in = 5000;
     file.iterations = 2000000;
     file.samples = 2000;  // one sample per 1000 proposals, about five toggles per dyad
-    run(dir, file, 5);
+    run_vexa(dir, file, 5);
     const std::vector<std::string> rows = lines_of(testing::read_text(dir + "/out/sample_statistics_net.txt"));
     ASSERT_EQ(rows.size(), 2001u);
     EXPECT_EQ(rows[0], "id\tedge\t");
     double sum = 0.0, squares = 0.0;
     for (size_t r = 1; r < rows.size(); ++r) {
-        const std::vector<std::string> f = fields(rows[r]);
+        const std::vector<std::string> f = tab_fields(rows[r]);
         ASSERT_EQ(f.size(), 2u);
         EXPECT_EQ(f[0], std::to_string(r * 1000));
         const double edges = std::stod(f[1]);
@@ -72,7 +67,7 @@ TEST(GraphSimulation, ReportAcceptAndSampleFilesFollowTheirFormats) {
     file.flags[3] = 1;  // clustering and giant component
     file.iterations = 300;
     file.samples = 3;
-    const std::string console = run(dir, file, 2);
+    const std::string console = run_vexa(dir, file, 2);
     EXPECT_TRUE(std::regex_match(console, std::regex("100\t200\t300\t\nAccepted \\d+ changes\\.\n")));
     const std::string report = testing::read_text(dir + "/out/simulation_net.txt");
     EXPECT_TRUE(std::regex_match(report, std::regex("Simulation started for graph with 12 vertices\n"
@@ -96,7 +91,7 @@ TEST(GraphSimulation, ReportAcceptAndSampleFilesFollowTheirFormats) {
     EXPECT_TRUE(std::regex_match(accept[4], std::regex("Accepted \\d+ proposed graphs\\.")));
     const std::vector<std::string> degrees = lines_of(testing::read_text(dir + "/out/degree_distribution_net.txt"));
     ASSERT_EQ(degrees.size(), 4u);
-    EXPECT_EQ(fields(degrees[0]).size(), 15u);
+    EXPECT_EQ(tab_fields(degrees[0]).size(), 15u);
     EXPECT_EQ(lines_of(testing::read_text(dir + "/out/geodesic_quartiles_net.txt")).size(), 4u);
     EXPECT_EQ(lines_of(testing::read_text(dir + "/out/cluster_giant_net.txt"))[0], "mlocal\tglobal\tgiant");
     EXPECT_TRUE(std::filesystem::exists(dir + "/out/sample_statistics_net200.txt"));
@@ -120,7 +115,7 @@ TEST(GraphGoodnessOfFit, FittedModelReproducesTheObservedNetwork) {
     file.burn_in = 1000;
     file.iterations = 200000;
     file.samples = 500;
-    run(dir, file, 9);
+    run_vexa(dir, file, 9);
     const std::vector<std::string> lines = lines_of(testing::read_text(dir + "/out/gof_net.txt"));
     const std::vector<std::string> head = {
         "", "", " GOODNESS OF FIT", "", "Parameter Values:", "edge\t-1.60944", "AS(2.00)\t0.00000",
@@ -191,7 +186,7 @@ TEST(GraphGoodnessOfFit, SampleQuantilesStayInsideTheSample) {
     file.effects = {{"edge", {-1.6, 0.0}}};
     file.iterations = 10;
     file.samples = 20;
-    EXPECT_EQ(run(dir, file, 1),
+    EXPECT_EQ(run_vexa(dir, file, 1),
               "vexa: goodness of fit keeps no sample: 10 proposals at 1 sample per 0 proposals "
               "(iterations must be at least sample_count)\n");
 }

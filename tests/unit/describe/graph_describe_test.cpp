@@ -1,149 +1,177 @@
-// Hand-worked networks: geodesic quartiles, the edge-triangle profile and the exact text of
-// the descriptive files.
+// Descriptive statistics against independent truth: the bundled networks against values that
+// networkx computed once (tests/data/describe/make_expected.py), geodesics against Floyd-Warshall
+// on random networks, and hand-worked quartiles and exact text of the descriptive files.
 
 #include "describe/graph_describe.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
+#include <map>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "base/errors.h"
+#include "support/brute_force.h"
+#include "support/test_support.h"
 
 namespace vexa {
 namespace {
 
-Graph network(int n, const std::vector<std::pair<int, int>>& edges) {
-    Graph g = create(n, 0, 0);
-    for (const auto& [a, b] : edges) {
-        add_edge(g, a, b);
-        update_shared_partners(g, a, b, 1);
-    }
-    return g;
-}
+template <typename T>
+std::vector<double> as_doubles(const std::vector<T>& v) { return {v.begin(), v.end()}; }
 
-GeodesicQuartiles quartiles_of(Graph g) {
+std::vector<double> quartiles_of(Graph g) {
     DescribeScratch scratch;
     geodesics(g, scratch);
-    return geodesic_quartiles(scratch);
+    const GeodesicQuartiles q = geodesic_quartiles(scratch);
+    return {double(q.g25), double(q.g50), double(q.g75)};
 }
 
-void expect_quartiles(const GeodesicQuartiles& q, int g25, int g50, int g75, const char* name) {
-    EXPECT_EQ(q.g25, g25) << name;
-    EXPECT_EQ(q.g50, g50) << name;
-    EXPECT_EQ(q.g75, g75) << name;
+class AgainstNetworkx : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(AgainstNetworkx, EveryMeasureMatches) {
+    const std::string network = GetParam();
+    std::map<std::string, std::vector<double>> expected;  // "key value value ..." per line
+    std::istringstream lines(
+        testing::read_text(testing::data_path("describe/" + network + ".expected.txt")));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::istringstream fields(line);
+        std::string key;
+        fields >> key;
+        for (double v = 0.0; fields >> v;) expected[key].push_back(v);
+    }
+    Graph g = read_graph(testing::data_path(network + ".txt"), int(expected.at("nodes")[0]), 0, 0);
+    ASSERT_EQ(g.edge_count, expected.at("edges")[0]);
+    DescribeScratch scratch;
+    geodesics(g, scratch);
+    EXPECT_EQ(as_doubles(g.degree), expected.at("degrees"));
+    EXPECT_EQ(as_doubles(g.triangles), expected.at("triangles"));
+    EXPECT_EQ(as_doubles(g.shared_partner_histogram), expected.at("shared_partner_histogram"));
+
+    const Clustering c = clustering(g);
+    EXPECT_NEAR(c.global, expected.at("transitivity")[0], 1e-12);
+    EXPECT_NEAR(c.mean_local, expected.at("average_clustering")[0], 1e-12);
+    EXPECT_NEAR(c.variance_local, expected.at("local_clustering_variance")[0], 1e-12);
+    EXPECT_EQ(c.giant, expected.at("component_sizes").front());
+
+    const std::vector<int64_t>& counts = scratch.geodesic_counts;  // [n]: no path
+    EXPECT_EQ(std::vector<double>(counts.begin() + 1, counts.end()), expected.at("geodesics"));
+    EXPECT_EQ(quartiles_of(g), expected.at("geodesic_quartiles"));
+
+    // From networkx's d, t and lone ties e: etnt = t e, etntratio = e / (d - 2) if t > 0, d > 2.
+    edge_triangle_profile(g);
+    const std::vector<double>& lone = expected.at("ties_in_no_triangle");
+    double lone_ends = 0.0, products = 0.0;
+    for (size_t v = 0; v < lone.size(); ++v) {
+        const double d = expected.at("degrees")[v], t = expected.at("triangles")[v];
+        EXPECT_EQ(g.node_doubles[v], t * lone[v]) << v;
+        EXPECT_EQ(g.node_values[v], t > 0 && d > 2 ? lone[v] / (d - 2) : 0.0) << v;
+        lone_ends += lone[v];
+        products += t * lone[v];
+    }
+    EXPECT_EQ(as_doubles(g.node_work_a), lone);
+    EXPECT_EQ(static_cast<double>(ties_in_no_triangle(g)), lone_ends / 2);
+    EXPECT_EQ(static_cast<double>(triangle_times_lone_ties(g)), products);
+}
+
+INSTANTIATE_TEST_SUITE_P(BundledNetworks, AgainstNetworkx,
+                         ::testing::Values("flomarriage", "faux.mesa.high"));
+
+// Floyd-Warshall over the adjacency matrix: the geodesics the search must reproduce.
+std::vector<int32_t> floyd_warshall(const testing::AdjacencyMatrix& m) {
+    const size_t n = static_cast<size_t>(m.n);
+    std::vector<int32_t> dist(n * n);
+    for (size_t i = 0; i < n * n; ++i) dist[i] = i % (n + 1) == 0 ? 0 : m.cells[i] ? 1 : no_path;
+    for (size_t k = 0; k < n; ++k)
+        for (size_t a = 0; a < n; ++a)
+            for (size_t b = 0; b < n; ++b)
+                dist[a * n + b] = std::min(dist[a * n + b], dist[a * n + k] + dist[k * n + b]);
+    return dist;
+}
+
+TEST(Geodesics, MatchFloydWarshall) {
+    DescribeScratch scratch;
+    const auto check = [&](const testing::AdjacencyMatrix& m, const std::string& name) {
+        Graph g = testing::graph_from(m, 0, 0);
+        std::fill(g.distance.begin(), g.distance.end(), 7);  // stale entries must not survive
+        geodesics(g, scratch);
+        const uint64_t* kept = scratch.arrivals.data();
+        geodesics(g, scratch);  // a second pass on the same network reuses the scratch
+        EXPECT_EQ(scratch.arrivals.data(), kept) << name;
+        EXPECT_EQ(std::vector<int32_t>(g.distance.begin(), g.distance.end()), floyd_warshall(m))
+            << name;
+        std::vector<int64_t> recounted;
+        geodesic_counts(g, recounted);
+        EXPECT_EQ(scratch.geodesic_counts, recounted) << name;
+    };
+    // Sizes straddle the word boundaries within a batch of 256 sources, and 257 leaves a
+    // second batch of one source; densities from scattered pieces to one dense component.
+    for (const int n : {1, 2, 5, 63, 64, 65, 130, 257}) {
+        for (const double density : {0.0, 0.02, 0.06, 0.5}) {
+            const uint32_t seed = static_cast<uint32_t>(n * 1000 + static_cast<int>(density * 100));
+            check(testing::random_matrix(n, density, seed),
+                  "n = " + std::to_string(n) + ", density = " + std::to_string(density));
+        }
+    }
+    // A chain 0-1-...-129: distances far beyond the few levels the search holds back.
+    testing::AdjacencyMatrix chain(130);
+    for (int v = 0; v + 1 < 130; ++v) chain.set(v, v + 1, true);
+    check(chain, "chain");
+}
+
+Graph network(int n, const std::vector<std::pair<int, int>>& edges) {
+    testing::AdjacencyMatrix m(n);
+    for (const auto& [a, b] : edges) m.set(a, b, true);
+    return testing::graph_from(m, 0, 0);
 }
 
 TEST(GeodesicQuartiles, HandDrawnNetworks) {
+    using Q = std::vector<double>;
     // Path 0-1-2-3-4: 10 pairs; by distance 1:4, 2:3, 3:2, 4:1, cumulative 4, 7, 9, 10.
     // 25% = 2.5 pairs -> 1; 50% = 5 -> 2; 75% = 7.5 -> 3.
-    expect_quartiles(quartiles_of(network(5, {{0, 1}, {1, 2}, {2, 3}, {3, 4}})), 1, 2, 3, "path 5");
+    EXPECT_EQ(quartiles_of(network(5, {{0, 1}, {1, 2}, {2, 3}, {3, 4}})), (Q{1, 2, 3}));
     // Path 0-1-2-3: 6 pairs, 1:3, 2:2, 3:1. Half the pairs (3) lie at distance 1 exactly,
     // and "at least half" is met there: G50 = 1. 75% = 4.5 -> 2.
-    expect_quartiles(quartiles_of(network(4, {{0, 1}, {1, 2}, {2, 3}})), 1, 1, 2, "path 4");
+    EXPECT_EQ(quartiles_of(network(4, {{0, 1}, {1, 2}, {2, 3}})), (Q{1, 1, 2}));
     // Star with centre 0 and leaves 1..4: 4 pairs at 1, 6 leaf pairs at 2.
-    expect_quartiles(quartiles_of(network(5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}})), 1, 2, 2, "star");
+    EXPECT_EQ(quartiles_of(network(5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}})), (Q{1, 2, 2}));
     // Triangle 0-1-2 and edge 3-4: 4 pairs at 1, the 6 pairs across count as distance n = 5.
-    //   0 - 1     3 - 4
-    //    \ /
-    //     2
-    expect_quartiles(quartiles_of(network(5, {{0, 1}, {1, 2}, {0, 2}, {3, 4}})), 1, 5, 5,
-                     "two components");
-    // No ties: every pair is unreachable. One node: no pairs at all.
-    expect_quartiles(quartiles_of(network(3, {})), 3, 3, 3, "empty");
-    expect_quartiles(quartiles_of(network(1, {})), 0, 0, 0, "one node");
+    EXPECT_EQ(quartiles_of(network(5, {{0, 1}, {1, 2}, {0, 2}, {3, 4}})), (Q{1, 5, 5}));
+    EXPECT_EQ(quartiles_of(network(1, {})), (Q{0, 0, 0}));  // one node: no pairs at all
 }
 
-// The triangle 0-1-2 with the pendant edge 2-3, and the separate edge 4-5:
-//
-//   0 --- 1
-//    \   /
-//      2 --- 3        4 --- 5
-//
-// et0 (ties in no triangle at v): 0, 0, 1 (2-3), 1, 1, 1. Triangles: 1, 1, 1, 0, 0, 0.
-// etnt = t x et0: 0, 0, 1, 0, 0, 0. etntratio: only node 2 has t > 0 and d > 2: 1 / (3 - 2).
-// Ties in no triangle: 2-3 and 4-5. Sum of t_v x et0_v: 1.
-Graph pendant_network() { return network(6, {{0, 1}, {1, 2}, {0, 2}, {2, 3}, {4, 5}}); }
-
-TEST(EdgeTriangleProfile, HandWorkedNetworks) {
-    // The per-node rows of the pendant network are checked as text below; here its totals.
-    Graph g = pendant_network();
-    EXPECT_EQ(ties_in_no_triangle(g), 2);
-    EXPECT_EQ(triangle_times_lone_ties(g), 1);
-
-    // Node 2 in two triangles with one pendant, and a path hanging off the pendant:
-    //
-    //   0 ----- 2 ----- 6
-    //    \     /|\     /
-    //     \   / | \   /
-    //       1   |   7
-    //           3 ----- 4 ----- 5
-    //
-    // d_2 = 5, t_2 = 2, et0_2 = 1: etnt 2, ratio 1 / (5 - 2). Node 3 (t = 0) keeps ratio 0,
-    // and 0, 1, 6, 7 (t = 1 but d = 2) too. Ties in no triangle: 2-3, 3-4, 4-5.
-    Graph wider =
-        network(8, {{0, 1}, {1, 2}, {0, 2}, {2, 6}, {2, 7}, {6, 7}, {2, 3}, {3, 4}, {4, 5}});
-    edge_triangle_profile(wider);
-    EXPECT_EQ(wider.node_work_a, (std::vector<int32_t>{0, 0, 1, 2, 2, 1, 0, 0}));
-    EXPECT_EQ(wider.node_doubles, (std::vector<double>{0, 0, 2, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(wider.node_values, (std::vector<double>{0, 0, 1.0 / 3.0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(triangle_times_lone_ties(wider), 2);
-    EXPECT_EQ(ties_in_no_triangle(wider), 3);
-}
-
-template <typename Write>
-std::string captured(Write write) {
-    char* buffer = nullptr;
-    size_t size = 0;
-    FILE* out = open_memstream(&buffer, &size);
-    try {
-        write(out);
-    } catch (...) {
-        std::fclose(out);
-        std::free(buffer);
-        throw;
-    }
-    std::fclose(out);
-    std::string text(buffer, size);
-    std::free(buffer);
-    return text;
-}
-
-TEST(DescriptiveFiles, ExactHeaderAndRowOnTheHandWorkedNetwork) {
+TEST(DescriptiveFiles, ExactHeaderAndRowOnAHandWorkedNetwork) {
+    //   0 --- 1
+    //    \   /
+    //      2 --- 3        4 --- 5
     // Degrees 2 2 3 1 1 1. Pairs at distance 1: 5, at 2: 2 (0-3, 1-3), none further, 8 apart.
     // Local clustering 1, 1, 1/3, 0, 0, 0: mean 7/18; global 3 x 1 / (1 + 1 + 3) = 0.6.
     // A node of 6 can be in at most (6-2)(6-1)/2 = 10 triangles: columns t0..t10.
     // Shared partners: 5 pairs share one (0-1, 0-2, 1-2, 0-3, 1-3), the other 10 none.
+    // et0 (ties in no triangle at v): 0, 0, 1 (2-3), 1, 1, 1. etnt = t x et0: 0, 0, 1, 0, 0, 0.
+    // etntratio: only node 2 has t > 0 and d > 2: 1 / (3 - 2).
     // Quartiles of the 15 pairs: 5 within distance 1 (a third), 7 within 2, the rest apart (6).
-    Graph g = pendant_network();
+    Graph g = network(6, {{0, 1}, {1, 2}, {0, 2}, {2, 3}, {4, 5}});
     DescribeScratch scratch;
     geodesics(g, scratch);
-    const std::string text = captured([&](FILE* f) {
-        write_degree_header(f, g);
-        write_degree_row(f, g);
-        write_geodesic_header(f, g);
-        write_geodesic_row(f, g, scratch);
-        write_cluster_giant_header(f);
-        write_cluster_giant_row(f, g);
-        write_triangle_header(f, g);
-        write_triangle_row(f, g);
-        write_two_path_header(f, g);
-        write_two_path_row(f, g);
-        write_edge_triangle_header(f, g);
-        write_edge_triangle_row(f, g);
-        write_quartile_header(f);
-        write_quartile_row(f, geodesic_quartiles(scratch));
+    const std::string text = testing::capture([&](FILE* f) {
+        write_degree_header(f, g), write_degree_row(f, g);
+        write_geodesic_header(f, g), write_geodesic_row(f, g, scratch);
+        write_cluster_giant_header(f), write_cluster_giant_row(f, g);
+        write_triangle_header(f, g), write_triangle_row(f, g);
+        write_two_path_header(f, g), write_two_path_row(f, g);
+        write_edge_triangle_header(f, g), write_edge_triangle_row(f, g);
+        write_quartile_header(f), write_quartile_row(f, geodesic_quartiles(scratch));
     });
     EXPECT_EQ(text,
               "d1\td2\td3\td4\td5\td6\tmean\tstddev\tskew\n"
               "2\t2\t3\t1\t1\t1\t1.666667\t0.816497\t0.476290\t\n"
-              "geo1\tgeo2\tgeo3\tgeo4\tgeo5\tgeoInf\n"
-              "5\t2\t0\t0\t0\t8\n"
-              "mlocal\tglobal\tgiant\n"
-              "0.388889\t0.600000\t4\n"
+              "geo1\tgeo2\tgeo3\tgeo4\tgeo5\tgeoInf\n" "5\t2\t0\t0\t0\t8\n"
+              "mlocal\tglobal\tgiant\n" "0.388889\t0.600000\t4\n"
               "t0\tt1\tt2\tt3\tt4\tt5\tt6\tt7\tt8\tt9\tt10\tmean\tstddev\tskew\t\n"
               "3\t3\t0\t0\t0\t0\t0\t0\t0\t0\t0\t0.500000\t0.547723\t0.000000\t\n"
               "tp0\ttp1\ttp2\ttp3\ttp4\tmean\tstddev\tskew\t\n"
@@ -156,10 +184,9 @@ TEST(DescriptiveFiles, ExactHeaderAndRowOnTheHandWorkedNetwork) {
               "0\t0\t1\t0\t0\t0\t0.166667\t0.408248\t1.360828\t"
               "0.000000\t0.000000\t1.000000\t0.000000\t0.000000\t0.000000\t"
               "0.166667\t0.408248\t1.360828\t\n"
-              "G25\tG50\tG75\n"
-              "1\t6\t6\n");
+              "G25\tG50\tG75\n" "1\t6\t6\n");
     // Without a geodesic pass there are no counts to write: refused, not read past the end.
-    EXPECT_THROW(captured([&](FILE* f) { write_geodesic_row(f, g, DescribeScratch{}); }),
+    EXPECT_THROW(testing::capture([&](FILE* f) { write_geodesic_row(f, g, DescribeScratch{}); }),
                  VexaError);
 }
 
