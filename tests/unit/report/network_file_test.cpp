@@ -6,47 +6,67 @@
 
 #include "base/errors.h"
 #include "numeric/rng.h"
+#include "report/pajek.h"
 #include "support/test_support.h"
 
 namespace vexa {
 namespace {
 
-TEST(NetworkFile, WrittenMatrixReadsBackAsTheSameGraph) {
+using testing::read_text;
+
+void tie(Graph& g, int i, int j) {
+    add_edge(g, i, j);
+    update_shared_partners(g, i, j, 1);
+}
+
+TEST(NetworkFile, MatrixAndPajekBlocksSpellTheAdjacency) {
     const std::string dir = testing::scratch_directory("network_file");
-
-    // A triangle 0-1-2 with node 3 isolated, written exactly.
+    // A triangle 0-1-2 with node 3 isolated: a network file has no blank before the line end, a
+    // Pajek block has one, and blocks are appended after what the file held.
     Graph small = create(4, 0, 0);
-    for (const auto& [i, j] : {std::pair{0, 1}, std::pair{1, 2}, std::pair{0, 2}}) {
-        add_edge(small, i, j);
-        update_shared_partners(small, i, j, 1);
-    }
+    tie(small, 0, 1);
+    tie(small, 1, 2);
+    tie(small, 0, 2);
     write_network_file(dir + "/small.txt", small);
-    EXPECT_EQ(testing::read_text(dir + "/small.txt"), "0 1 1 0\n1 0 1 0\n1 1 0 0\n0 0 0 0\n");
+    EXPECT_EQ(read_text(dir + "/small.txt"), "0 1 1 0\n1 0 1 0\n1 1 0 0\n0 0 0 0\n");
+    const std::string paj = dir + "/sim_pajek_flo.paj";
+    testing::write_text(paj, "earlier run\n");
+    write_pajek_block(small, "sample 1", paj);
+    write_pajek_block(create(2, 0, 0), "empty", paj);
+    EXPECT_EQ(read_text(paj),
+              "earlier run\n*Network sample 1\n*vertices 4\n*matrix\n0 1 1 0 \n1 0 1 0 \n1 1 0 0 \n0 0 0 0 \n\n\n"
+              "*Network empty\n*vertices 2\n*matrix\n0 0 \n0 0 \n\n\n");
 
-    // The bundled marriage network and a random 130-node graph (three words per row).
-    Graph flo = read_graph(testing::data_path("flomarriage.txt"), 16, 0, 0);
-    Graph big = create(130, 0, 0);
+    // The bundled marriage network writes back as its own file; a random 150-node graph (three
+    // words per row) reads back as the same graph, and its Pajek matrix follows has_edge cell by cell.
+    const Graph flo = read_graph(testing::data_path("flomarriage.txt"), 16, 0, 0);
+    write_network_file(dir + "/flo.txt", flo);
+    EXPECT_EQ(read_text(dir + "/flo.txt"), read_text(testing::data_path("flomarriage.txt")));
+    Graph big = create(150, 0, 0);
     Rng rng;
-    rng.seed(3);
-    for (int s = 0; s < 3000; ++s) {
-        const int i = rng.node(130), j = rng.node(130);
-        if (i != j && !has_edge(big, i, j)) {
-            add_edge(big, i, j);
-            update_shared_partners(big, i, j, 1);
-        }
+    rng.seed(11);
+    for (int s = 0; s < 2500; ++s) {
+        const int i = rng.node(150), j = rng.node(150);
+        if (i != j && !has_edge(big, i, j)) tie(big, i, j);
     }
-    for (const Graph* g : {&flo, &big}) {
-        const std::string path = sample_network_path(dir + "/sample", 4000.0 + g->node_count);
-        write_network_file(path, *g);
-        const Graph back = read_graph(path, g->node_count, 0, 0);
-        EXPECT_EQ(back.adjacency, g->adjacency) << path;
-        EXPECT_EQ(back.edge_count, g->edge_count) << path;
-        EXPECT_EQ(check_bookkeeping(back), "") << path;
+    const std::string path = sample_network_path(dir + "/sample", 150.0);
+    EXPECT_EQ(path, dir + "/sample150.txt");
+    write_network_file(path, big);
+    const Graph back = read_graph(path, 150, 0, 0);
+    EXPECT_EQ(back.adjacency, big.adjacency);
+    EXPECT_EQ(back.edge_count, big.edge_count);
+    EXPECT_EQ(check_bookkeeping(back), "");
+    std::string matrix = "*Network big\n*vertices 150\n*matrix\n";
+    for (int i = 0; i < 150; ++i) {
+        for (int j = 0; j < 150; ++j) matrix += has_edge(big, i, j) ? "1 " : "0 ";
+        matrix += "\n";
     }
-    EXPECT_EQ(flo.edge_count, 20);
+    write_pajek_block(big, "big", dir + "/big.paj");
+    EXPECT_EQ(read_text(dir + "/big.paj"), matrix + "\n\n");
 
     EXPECT_EQ(sample_network_path("out/net_sample", 25000.0), "out/net_sample25000.txt");
     EXPECT_THROW(write_network_file(dir + "/missing/x.txt", small), OutputFileError);
+    EXPECT_THROW(write_pajek_block(small, "x", dir + "/missing/x.paj"), OutputFileError);
 }
 
 }  // namespace
