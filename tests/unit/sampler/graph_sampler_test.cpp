@@ -151,98 +151,70 @@ TEST(GraphSampler, LongChainsKeepEveryStatisticEqualToARecount) {
     }
 }
 
-TEST(GraphSampler, DegreeCapMaskAndStepCount) {
-    const std::vector<Term> none;
-    // With the cap at 3 no addition is accepted at a node of degree 3, but removals still are.
-    {
-        Graph g = create(12, 0, 0);
-        GraphSampler sampler = make_graph_sampler(none, 0, 3, false, nullptr);
-        Rng rng;
-        rng.seed(4);
-        int removals = 0;
-        for (int s = 0; s < 3000; ++s) {
-            const int before = g.edge_count;
-            toggle_step(g, sampler, nullptr, rng);
-            removals += g.edge_count < before ? 1 : 0;
-            for (const int32_t d : g.degree) ASSERT_LE(d, 3);
-        }
-        EXPECT_GT(removals, 100);
-        EXPECT_EQ(g.degree_histogram[3] > 0, true);
+// A store holding the listed ties.
+Graph graph_of(int n, std::initializer_list<std::pair<int, int>> ties) {
+    Graph g = create(n, 0, 0);
+    for (const auto& [i, j] : ties) {
+        add_edge(g, i, j);
+        update_shared_partners(g, i, j, 1);
     }
-    // Only dyads that are ties of the mask ever change: here the 4-cycle 0-1-2-3.
-    {
-        Graph mask = create(8, 0, 0);
-        for (auto [i, j] : {std::pair{0, 1}, {1, 2}, {2, 3}, {3, 0}}) {
-            add_edge(mask, i, j);
-            update_shared_partners(mask, i, j, 1);
-        }
-        Graph g = create(8, 0, 0);
-        add_edge(g, 5, 6);
-        update_shared_partners(g, 5, 6, 1);
-        for (const bool fixed_edges : {false, true}) {
-            GraphSampler sampler = make_graph_sampler(none, 0, 9999, fixed_edges, &mask);
-            Rng rng;
-            rng.seed(8);
-            for (int s = 0; s < 500; ++s) sampler_step(g, sampler, nullptr, rng);
-            EXPECT_TRUE(has_edge(g, 5, 6));
-            for (int i = 0; i < 8; ++i) {
-                for (int j = i + 1; j < 8; ++j) {
-                    if (!has_edge(mask, i, j) && !(i == 5 && j == 6)) {
-                        EXPECT_FALSE(has_edge(g, i, j));
-                    }
-                }
+    return g;
+}
+
+TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
+    const std::vector<Term> none;
+    Rng rng;
+    rng.seed(4);
+    // With the cap at 3 no addition is accepted at a node of degree 3, but removals still are.
+    Graph capped = create(12, 0, 0);
+    GraphSampler cap = make_graph_sampler(none, 0, 3, false, nullptr);
+    int removals = 0;
+    for (int s = 0; s < 3000; ++s) {
+        const int before = capped.edge_count;
+        toggle_step(capped, cap, nullptr, rng);
+        removals += capped.edge_count < before ? 1 : 0;
+        for (const int32_t d : capped.degree) ASSERT_LE(d, 3);
+    }
+    EXPECT_GT(removals, 100);
+    EXPECT_GT(capped.degree_histogram[3], 0);
+    // Only dyads that are ties of the mask (the 4-cycle 0-1-2-3) ever change; 5-6 stays.
+    const Graph mask = graph_of(8, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
+    Graph g = graph_of(8, {{5, 6}});
+    for (const bool fixed_edges : {false, true}) {
+        GraphSampler sampler = make_graph_sampler(none, 0, 9999, fixed_edges, &mask);
+        for (int s = 0; s < 500; ++s) sampler_step(g, sampler, nullptr, rng);
+        for (int i = 0; i < 8; ++i) {
+            for (int j = i + 1; j < 8; ++j) {
+                EXPECT_TRUE(has_edge(mask, i, j) || has_edge(g, i, j) == (i == 5 && j == 6)) << i << j;
             }
         }
     }
     // run_sampler with 2.5 steps runs three: with every proposal accepted on a large empty
     // graph, three toggles leave three ties (this seed draws three different dyads).
-    {
-        Graph g = create(200, 0, 0);
-        GraphSampler sampler = make_graph_sampler(none, 0, 9999, false, nullptr);
-        Rng rng;
-        SeedSource seeds;
-        seeds.fixed = true;
-        seeds.base = 21;
-        run_sampler(g, sampler, nullptr, 2.5, rng, seeds);
-        EXPECT_EQ(g.edge_count, 3);
-        run_sampler(g, sampler, nullptr, 0.0, rng, seeds);
-        run_sampler(g, sampler, nullptr, -4.0, rng, seeds);
-        EXPECT_EQ(g.edge_count, 3);
-    }
-}
+    Graph large = create(200, 0, 0);
+    GraphSampler all = make_graph_sampler(none, 0, 9999, false, nullptr);
+    SeedSource seeds;
+    seeds.fixed = true;
+    seeds.base = 21;
+    run_sampler(large, all, nullptr, 2.5, rng, seeds);
+    run_sampler(large, all, nullptr, 0.0, rng, seeds);
+    run_sampler(large, all, nullptr, -4.0, rng, seeds);
+    EXPECT_EQ(large.edge_count, 3);
 
-TEST(GraphSampler, ProposalsThatCanNeverBeFoundAreRefused) {
-    const std::vector<Term> none;
-    const Graph empty_mask = create(6, 0, 0);
-    Graph g = create(6, 0, 0);
-    EXPECT_THROW(check_proposals_possible(g, make_graph_sampler(none, 0, 9999, false, &empty_mask)),
-                 SettingError);
-    EXPECT_THROW(check_proposals_possible(create(1, 0, 0), make_graph_sampler(none, 0, 9999, false, nullptr)),
-                 SettingError);
-    // Edge-preserving: a complete graph has no non-tie to move to.
-    Graph complete = create(5, 0, 0);
-    for (int i = 0; i < 5; ++i) {
-        for (int j = i + 1; j < 5; ++j) {
-            add_edge(complete, i, j);
-            update_shared_partners(complete, i, j, 1);
-        }
-    }
-    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, true, nullptr)),
-                 SettingError);
-    EXPECT_NO_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, false, nullptr)));
-    // Within a mask whose dyads are all ties the same holds.
-    Graph mask = create(5, 0, 0);
-    add_edge(mask, 0, 1);
-    add_edge(mask, 2, 3);
-    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, true, &mask)),
-                 SettingError);
-    // Fewer than two ties: the step itself declines at once.
-    Graph one = create(5, 0, 0);
-    add_edge(one, 0, 1);
-    update_shared_partners(one, 0, 1, 1);
+    // Proposals that could never be found are refused before the chain runs: no node pair, a
+    // mask without ties, an edge-preserving chain on a complete graph or inside a mask of ties.
+    const Graph complete = graph_of(5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}, {1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4}});
+    const Graph empty_mask = create(5, 0, 0);
+    const Graph tied_mask = graph_of(5, {{0, 1}, {2, 3}});
+    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, false, &empty_mask)), SettingError);
+    EXPECT_THROW(check_proposals_possible(create(1, 0, 0), all), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, true, nullptr)), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, true, &tied_mask)), SettingError);
+    EXPECT_NO_THROW(check_proposals_possible(complete, all));
+    // Fewer than two ties: the edge-preserving step declines at once.
+    Graph one = graph_of(5, {{0, 1}});
     GraphSampler swaps = make_graph_sampler(none, 0, 9999, true, nullptr);
     EXPECT_NO_THROW(check_proposals_possible(one, swaps));
-    Rng rng;
     EXPECT_EQ(swap_step(one, swaps, nullptr, rng), 0);
 }
 
