@@ -5,19 +5,13 @@
 #include <regex>
 #include <sstream>
 
+#include "effects/graph_catalogue.h"
 #include "entry/run_driver.h"
 #include "support/test_support.h"
 
 namespace vexa::testing {
 
 namespace {
-
-const char* const structural[] = {
-    "edge", "2-star", "3-star", "4-star", "5-star", "Triangle", "4-clique", "5-clique", "6-clique",
-    "7-clique", "Isolates", "Triangle2", "Bow_tie", "P3", "Q10", "Q20", "Q30", "Q31", "3Path", "cycle4",
-    "1ET", "2ET", "0ET", "ETNT", "two3star", "one2triangle", "one2et", "AS", "AS2", "AT", "AT2", "A2P",
-    "AC", "AET"};
-constexpr int first_alternating = 27;
 
 std::string number(double value) {
     char buffer[64];
@@ -48,12 +42,13 @@ std::string GraphRunFile::text() const {
         t += "degree_cap_given\n0\n";
     }
     t += "structural\n1\n";
-    for (int k = 0; k < 34; ++k) {
-        const auto found = effects.find(structural[k]);
+    for (const GraphEffectRow& effect : graph_catalogue()) {
+        if (effect.update_name == nullptr) continue;  // no run-file entry
+        const auto found = effects.find(effect.update_name);
         const bool included = found != effects.end();
-        t.append(structural[k]).append("\n").append(included ? "1" : "0").append("\n");
+        t.append(effect.update_name).append("\n").append(included ? "1" : "0").append("\n");
         t.append(number(included ? found->second.first : 0.0));
-        if (k >= first_alternating) t.append(" ").append(number(included ? found->second.second : 0.0));
+        if (effect.alternating()) t.append(" ").append(number(included ? found->second.second : 0.0));
         t.append("\n");
     }
     t += "attributes\n0\ncovariates\n0\n";

@@ -57,6 +57,8 @@ TEST_P(AgainstNetworkx, EveryMeasureMatches) {
     EXPECT_NEAR(c.mean_local, expected.at("average_clustering")[0], 1e-12);
     EXPECT_NEAR(c.variance_local, expected.at("local_clustering_variance")[0], 1e-12);
     EXPECT_EQ(c.giant, expected.at("component_sizes").front());
+    largest_component(g);  // the store's own reading of the filled distance matrix agrees
+    EXPECT_EQ(g.giant_size, c.giant);
 
     const std::vector<int64_t>& counts = scratch.geodesic_counts;  // [n]: no path
     EXPECT_EQ(std::vector<double>(counts.begin() + 1, counts.end()), expected.at("geodesics"));
