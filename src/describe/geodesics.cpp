@@ -57,7 +57,7 @@ void write_levels(Graph& graph, DescribeScratch& scratch, int base, const Lanes&
 
 }  // namespace
 
-void geodesics(Graph& graph, DescribeScratch& scratch) {
+void geodesics(Graph& graph, DescribeScratch& scratch, bool fill_distances) {
     const int n = graph.node_count;
     const size_t nodes = as_size(n);
 
@@ -98,7 +98,7 @@ void geodesics(Graph& graph, DescribeScratch& scratch) {
         }
         int32_t unwritten = 0;  // the first level not yet in the distance matrix
         for (int32_t level = 1;; ++level) {
-            if (level - unwritten == held_levels) {  // the ring is full: make room
+            if (fill_distances && level - unwritten == held_levels) {  // the ring is full: make room
                 write_levels(graph, scratch, base, batch, unwritten, level - 1, false);
                 unwritten = level;
             }
@@ -107,6 +107,7 @@ void geodesics(Graph& graph, DescribeScratch& scratch) {
             uint64_t* arriving =
                 scratch.arrivals.data() + as_size(level % held_levels) * level_stride;
             uint64_t grown = 0;
+            int64_t arrived = 0;
             for (size_t v = 0; v < nodes; ++v) {
                 uint64_t* fresh = arriving + v * lane_words;
                 uint64_t* seen = reached + v * lane_words;
@@ -124,10 +125,12 @@ void geodesics(Graph& graph, DescribeScratch& scratch) {
                     fresh[w] = found;
                     seen[w] |= found;
                     grown |= found;
+                    arrived += std::popcount(found);
                 }
             }
+            if (!fill_distances) counts[as_size(level)] += arrived;  // else write_levels counts
             if (grown == 0) {
-                write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
+                if (fill_distances) write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
                 break;
             }
         }

@@ -48,7 +48,9 @@ struct DescribeScratch {
 // reached. Fills graph.distance (0 on the diagonal, no_path where no path exists), sets
 // graph.giant_size and leaves the pair counts in scratch.geodesic_counts.
 // Cost O(n/256 * diameter * (n + E)) steps of a few words each, plus one write per entry.
-void geodesics(Graph& graph, DescribeScratch& scratch);
+// With fill_distances false only the pair counts (and giant_size) are found and the distance
+// matrix is left as it was: a sampling point needs the distribution, not the n^2 entries.
+void geodesics(Graph& graph, DescribeScratch& scratch, bool fill_distances = true);
 
 // The number of nodes of the largest connected component (1 for a network without ties).
 int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch);

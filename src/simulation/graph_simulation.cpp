@@ -195,7 +195,7 @@ void simulate_graph(Graph& graph, GraphSampler& sampler, const std::vector<doubl
         graph, sampler, parameters.data(), options, rng, console, [&](double i, double interval_accepted) {
             recount_edge_triangle_statistics(graph, terms);
             write_sample_statistics_row(statistics, i, graph, columns);
-            if (descriptive.need_geodesics()) geodesics(graph, scratch);
+            if (descriptive.need_geodesics()) geodesics(graph, scratch, false);
             descriptive.write_rows(graph, scratch);
             std::fprintf(accept, "%8.0f\t%8.4f\n", i, interval_accepted / options.interval);
             if (options.networks) write_sample_network(graph, i, files);
@@ -222,7 +222,7 @@ struct Measures {
 };
 
 Measures measure(Graph& graph, DescribeScratch& scratch) {
-    geodesics(graph, scratch);
+    geodesics(graph, scratch, false);
     Measures m;
     const Moments degrees = degree_moments(graph);
     m.degree_stddev = degrees.stddev;

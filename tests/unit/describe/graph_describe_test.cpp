@@ -109,6 +109,8 @@ TEST(Geodesics, MatchFloydWarshall) {
         std::vector<int64_t> recounted;
         geodesic_counts(g, recounted);
         EXPECT_EQ(scratch.geodesic_counts, recounted) << name;
+        geodesics(g, scratch, false);  // the counts alone, as a sampling point takes them
+        EXPECT_EQ(scratch.geodesic_counts, recounted) << name;
     };
     // Sizes straddle the word boundaries within a batch of 256 sources, and 257 leaves a
     // second batch of one source; densities from scattered pieces to one dense component.
