@@ -1,5 +1,6 @@
 #include "estimation/estimation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdarg>
 
@@ -29,6 +30,24 @@ void progress(const EstimationOutput& output, const char* format, ...) {
 // Runs K sampler steps: the counter starts at 0.0 and a step is taken while it is below K.
 void run_steps(Graph& graph, GraphSampler& sampler, const double* theta, double steps, Rng& rng) {
     for (double k = 0.0; k < steps; k += 1.0) sampler_step(graph, sampler, theta, rng);
+}
+
+// Takes `draws` statistics vectors, K steps apart, from a chain that is never reset between
+// them; returns them as rows and leaves their mean in `mean`.
+Matrix draw_statistics(Graph& graph, GraphSampler& sampler, const std::vector<double>& theta,
+                       int draws, double K, std::vector<double>& mean, Rng& rng) {
+    const size_t count = theta.size();
+    Matrix rows = make_matrix(std::max(draws, 0), static_cast<int>(count), 0.0);
+    std::fill(mean.begin(), mean.end(), 0.0);
+    for (int i = 0; i < draws; ++i) {
+        run_steps(graph, sampler, theta.data(), K, rng);
+        for (size_t k = 0; k < count; ++k) {
+            mean[k] += graph.statistics[k];
+            rows[i][k] = graph.statistics[k];
+        }
+    }
+    for (double& m : mean) m /= draws;
+    return rows;
 }
 
 // Centres the draws on their mean and adds their cross products onto D, then divides D by the
@@ -89,15 +108,7 @@ EstimationResult estimate_graph(Graph& graph, std::vector<double>& theta, Matrix
                      static_cast<double>(a), N1, K);
         progress(output, "  phase 1: %d draws of %.0f steps\n", N1, std::ceil(K));
 
-        Matrix draws = make_matrix(N1, p, 0.0);
-        for (int i = 0; i < N1; ++i) {
-            run_steps(graph, sampler, theta.data(), K, rng);
-            for (size_t k = 0; k < count; ++k) {
-                mean[k] += graph.statistics[k];
-                draws[i][k] = graph.statistics[k];
-            }
-        }
-        for (double& m : mean) m /= N1;
+        Matrix draws = draw_statistics(graph, sampler, theta, N1, K, mean, rng);
         print_values(report, "mean statistics in phase1:", mean.data(), count);
         accumulate_covariance(D, draws, mean, variance);
         if (invert_in_place(D) == 0) {
@@ -162,9 +173,7 @@ EstimationResult estimate_graph(Graph& graph, std::vector<double>& theta, Matrix
 
         // Phase 3.
         const int N3 = settings.phase3_steps;
-        Matrix final_draws = make_matrix(N3 > 0 ? N3 : 0, p, 0.0);
         OutFile phase3(output.report_path, OpenMode::append);
-        for (double& m : mean) m = 0.0;
         progress(output, "  phase 3: %d draws of %.0f steps\n", N3, std::ceil(K));
         run_sampler(graph, sampler, theta.data(), N3 * 0.1 * K, rng, seeds);
         std::fprintf(phase3,
@@ -172,14 +181,7 @@ EstimationResult estimate_graph(Graph& graph, std::vector<double>& theta, Matrix
                      "num of steps = %d\nnum of iterations in each step = %f\n"
                      "***************************************\n",
                      N3, K);
-        for (int i = 0; i < N3; ++i) {
-            run_steps(graph, sampler, theta.data(), K, rng);
-            for (size_t k = 0; k < count; ++k) {
-                mean[k] += graph.statistics[k];
-                final_draws[i][k] = graph.statistics[k];
-            }
-        }
-        for (double& m : mean) m /= N3;
+        Matrix final_draws = draw_statistics(graph, sampler, theta, N3, K, mean, rng);
         print_values(phase3, "mean statistics in phase3:", mean.data(), count);
         accumulate_covariance(D, final_draws, mean, variance);
         invert_in_place(D);  // a singular phase-3 matrix is reported through its entries
