@@ -67,16 +67,16 @@ void compute_totals(Graph& graph, const std::vector<Term>& terms) {
     }
     for (const Term& term : terms) {
         const GraphEffectRow& row = graph_row(term.effect);
-        const std::string label = effect_label(row.report_name, row.alternating(), term.lambda);
+        const auto label = [&] { return effect_label(row.report_name, row.alternating(), term.lambda); };
         const int need = clique_need(term.effect);
         if (graph.clique_depth < need) {
             throw SettingError(format_message(
                 "vexa: the effect %s needs cliques of up to %d nodes, but the network keeps them up to %d",
-                label.c_str(), need, graph.clique_depth));
+                label().c_str(), need, graph.clique_depth));
         }
         if (term.slot < 0 || static_cast<size_t>(term.slot) >= graph.statistics.size()) {
             throw SettingError(format_message("vexa: the effect %s has slot %d, outside the %zu statistics",
-                                              label.c_str(), term.slot, graph.statistics.size()));
+                                              label().c_str(), term.slot, graph.statistics.size()));
         }
     }
     if (graph.clique_depth >= 1) count_cliques(graph);

@@ -1,7 +1,6 @@
 #include "effects/graph_catalogue.h"
 
 #include <cstddef>
-#include <cstring>
 
 #include "effects/graph_effects.h"
 

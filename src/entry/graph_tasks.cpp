@@ -178,9 +178,11 @@ void run_graph_task(RunContext& context) {
     const int p = static_cast<int>(parameters.size());
     const int n = s.node_count;
     const int depth = model.clique_order;
+    if (n < 1) {
+        throw SettingError(format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
+    }
     Graph observed;
     if (s.task == 1) {
-        if (n < 1) throw SettingError(format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
         const double target = std::trunc(static_cast<double>(n) * (n - 1) * s.initial_density * 0.5);
         if (!(target >= 0.0) || target > static_cast<double>(n) * (n - 1) / 2.0) {
             throw SettingError(format_message(
@@ -191,7 +193,6 @@ void run_graph_task(RunContext& context) {
         }
         observed = random_graph(n, static_cast<int64_t>(target), p, depth, context.rng, context.seeds);
     } else {
-        if (n < 1) throw SettingError(format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
         observed = read_graph(s.network_file, n, p, depth);
     }
     const std::vector<Term> terms = graph_terms(model);

@@ -1,12 +1,9 @@
 #include "entry/run_driver.h"
 
-#include <cmath>
 #include <cstdio>
 #include <new>
 
 #include "base/errors.h"
-#include "base/text_file.h"
-#include "effects/graph_catalogue.h"
 #include "effects/parameter_labels.h"
 #include "entry/graph_tasks.h"
 #include "entry/run_file.h"

@@ -134,37 +134,32 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
     int32_t* partner_histogram = g.shared_partner_histogram.data();
     const size_t column_i = as_size(i);
     const size_t column_j = as_size(j);
-    // A neighbour k of i now shares (or no longer shares) partner i with j: pair {k, j}; a
-    // neighbour of j likewise with i. The partner itself (in the lists after an addition) is
-    // not its own shared partner.
-    for (const int32_t k : g.neighbours[column_i]) {
-        if (k == j) continue;
-        const size_t kk = as_size(k);
-        const int32_t value = partners_j[kk] + delta;
-        partners_j[kk] = value;
-        partners[kk * n + column_j] = value;
-        partner_histogram[value] += 1;
-        partner_histogram[value - delta] -= 1;
-    }
-    const uint64_t* row_i = g.row(i);
     int32_t* triangles = g.triangles.data();
     int32_t* triangle_histogram = g.triangle_histogram.data();
-    for (const int32_t k : g.neighbours[column_j]) {
-        if (k == i) continue;
-        const size_t kk = as_size(k);
-        const int32_t value = partners_i[kk] + delta;
-        partners_i[kk] = value;
-        partners[kk * n + column_i] = value;
-        partner_histogram[value] += 1;
-        partner_histogram[value - delta] -= 1;
-        // A common neighbour k closes (or opens) the triangle i, j, k.
-        if ((row_i[k >> 6] >> (k & 63)) & 1u) {
-            const int32_t t = triangles[kk] + delta;
-            triangles[kk] = t;
-            triangle_histogram[t] += 1;
-            triangle_histogram[t - delta] -= 1;
+    // Every neighbour k of `from` other than `to` now shares (or no longer shares) partner
+    // `from` with `to`: the pair {k, to} moves by delta. The partner itself (in the lists after
+    // an addition) is not its own shared partner.
+    const auto move_pairs = [&](size_t from, int to, int32_t* partners_to, size_t column_to,
+                                const uint64_t* closing_row) {
+        for (const int32_t k : g.neighbours[from]) {
+            if (k == to) continue;
+            const size_t kk = as_size(k);
+            const int32_t value = partners_to[kk] + delta;
+            partners_to[kk] = value;
+            partners[kk * n + column_to] = value;
+            partner_histogram[value] += 1;
+            partner_histogram[value - delta] -= 1;
+            // A common neighbour k closes (or opens) the triangle i, j, k; counted on one pass.
+            if (closing_row != nullptr && row_has(closing_row, k)) {
+                const int32_t t = triangles[kk] + delta;
+                triangles[kk] = t;
+                triangle_histogram[t] += 1;
+                triangle_histogram[t - delta] -= 1;
+            }
         }
-    }
+    };
+    move_pairs(column_i, j, partners_j, column_j, nullptr);
+    move_pairs(column_j, i, partners_i, column_i, g.row(i));
     const int32_t s = partners_i[column_j];
     if (s != 0) {
         for (const int v : {i, j}) {

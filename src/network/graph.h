@@ -109,6 +109,9 @@ double density(const Graph& graph);
 // the first disagreement, or an empty string when the store is consistent. O(n^2 words).
 std::string check_bookkeeping(const Graph& graph);
 
+// Whether bit b of a row (of the adjacency, say) is set.
+inline bool row_has(const uint64_t* row, int b) { return (row[b >> 6] >> (b & 63)) & 1u; }
+
 // Calls fn(k) for every node k set in a word range of a row: the word-wide neighbour scan.
 template <typename Fn>
 inline void for_each_bit(uint64_t word, int base, Fn&& fn) {
