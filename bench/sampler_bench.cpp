@@ -45,7 +45,7 @@ void BM_SamplerProposals(benchmark::State& state) {
     seeds.base = 3;
     Graph g = random_graph(n, static_cast<int64_t>(5.0 * n), 4, 0, rng, seeds);
     compute_totals(g, terms);
-    GraphSampler sampler = make_graph_sampler(g, terms, 4, 9999, false, nullptr);
+    GraphSampler sampler = make_graph_sampler(terms, 4, 9999, false, nullptr);
     for (int k = 0; k < 20 * n; ++k) toggle_step(g, sampler, parameters.data(), rng);  // settle
     double accepted = 0.0;
     for (auto _ : state) accepted += toggle_step(g, sampler, parameters.data(), rng);

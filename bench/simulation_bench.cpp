@@ -50,7 +50,7 @@ void BM_Simulation(benchmark::State& state) {
     const std::string dir = (std::filesystem::temp_directory_path() / "vexa_bench_simulation").string();
     std::filesystem::create_directories(dir);
     Setup s = alternating_setup(1000);
-    GraphSampler sampler = make_graph_sampler(s.graph, s.terms, 4, 9999, false, nullptr);
+    GraphSampler sampler = make_graph_sampler(s.terms, 4, 9999, false, nullptr);
     SimulationOptions options;
     options.interval = 10000.0;
     options.proposals = options.interval * samples;
@@ -94,7 +94,7 @@ BENCHMARK(BM_SampleDescription)->Unit(benchmark::kMillisecond);
 // The 10,000 sampler steps between two samples.
 void BM_StepsBetweenSamples(benchmark::State& state) {
     Setup s = alternating_setup(1000);
-    GraphSampler sampler = make_graph_sampler(s.graph, s.terms, 4, 9999, false, nullptr);
+    GraphSampler sampler = make_graph_sampler(s.terms, 4, 9999, false, nullptr);
     Rng rng;
     rng.seed(9);
     for (auto _ : state) {

@@ -91,6 +91,8 @@ double change_a2p(const Graph& g, const Term& term, int i, int j, int added) {
     const int32_t* pi = g.partners_row(i);
     const int32_t* pj = g.partners_row(j);
     const int fix = correction(added);
+    prefetch_partners(g, pi, j);
+    prefetch_partners(g, pj, i);
     double sum = 0.0;
     for_each_neighbour(g, j, [&](int k) { sum += w(term, pi[k] + fix); });
     for_each_neighbour(g, i, [&](int k) { sum += w(term, pj[k] + fix); });

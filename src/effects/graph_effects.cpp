@@ -135,6 +135,9 @@ int64_t q_increase(const Graph& g, int i, int j, int added, QKind kind) {
     const int32_t* pj = g.partners_row(j);
     const int fix = correction(added);
     const int step = kind.order - 1;  // C(L + 1, m) - C(L, m) = C(L, m - 1)
+    // Every entry read below is one of these.
+    prefetch_partners(g, pi, j);
+    prefetch_partners(g, pj, i);
     const uint64_t* ri = g.row(i);
     const uint64_t* rj = g.row(j);
     int left = degree_of(g, i) + degree_of(g, j);
@@ -263,6 +266,7 @@ double total_q31(const Graph& g, const Term&) { return as_double(q_count(g, {3, 
 double change_cycle4(const Graph& g, const Term&, int i, int j, int added) {
     const int32_t* pi = g.partners_row(i);
     const int fix = correction(added);
+    prefetch_partners(g, pi, j);
     int64_t sum = 0;
     for_each_neighbour(g, j, [&](int k) { sum += pi[k] + fix; });
     return as_double(sum);

@@ -201,7 +201,7 @@ void run_graph_task(RunContext& context) {
     if (s.constraint_given == 1) {
         mask = std::make_unique<Graph>(read_graph(s.constraint_file, n, 0, 0));
     }
-    GraphSampler sampler = make_graph_sampler(observed, terms, p, s.degree_cap, s.sampler_variant == 1, mask.get());
+    GraphSampler sampler = make_graph_sampler(terms, p, s.degree_cap, s.sampler_variant == 1, mask.get());
     check_proposals_possible(observed, sampler);
 
     switch (s.task) {

@@ -33,52 +33,15 @@ void check_after_step([[maybe_unused]] Graph& graph, [[maybe_unused]] const Grap
 #endif
 }
 
-// The dyad the next single-dyad step will propose, read off a copy of the generator.
-std::pair<int, int> next_dyad(Rng& peek, int n) {
-    const int i = peek.node(n);
-    int j = i;
-    while (j == i) j = peek.node(n);
-    return {i, j};
-}
-
-// Asks for the memory of the two steps after this one: the shared partners that the next
-// step's dyad will read along its neighbour lists (those lists were asked for one step ago),
-// and the neighbour lists, degrees and adjacency word of the step after. Draws come from a
-// copy of the generator, taken after this step's dyad, assuming this step and the next draw
-// their uniform number; when they do not, the hint is merely wasted.
-void look_ahead(const Graph& graph, const Rng& rng) {
-    const int n = graph.node_count;
-    Rng peek = rng;
-    peek.next();  // this step's uniform number
-    const auto [i1, j1] = next_dyad(peek, n);
-    peek.next();
-    const auto [i2, j2] = next_dyad(peek, n);
-    const int32_t* partners_i = graph.partners_row(i1);
-    const int32_t* partners_j = graph.partners_row(j1);
-    __builtin_prefetch(partners_i + j1);
-    for (const int32_t k : graph.neighbours_of(j1)) __builtin_prefetch(partners_i + k);
-    for (const int32_t k : graph.neighbours_of(i1)) __builtin_prefetch(partners_j + k);
-    for (const int v : {i2, j2}) {
-        __builtin_prefetch(graph.neighbours_of(v).data());
-        __builtin_prefetch(graph.degree.data() + v);
-        __builtin_prefetch(graph.triangles.data() + v);
-    }
-    __builtin_prefetch(graph.row(i2) + (j2 >> 6));
-}
-
 bool allowed(const GraphSampler& sampler, int i, int j) {
     return !sampler.use_mask || has_edge(*sampler.mask, i, j);
 }
 
 }  // namespace
 
-GraphSampler make_graph_sampler(const Graph& graph, const std::vector<Term>& terms,
-                                int32_t statistic_count, int32_t max_degree, bool fixed_edges,
-                                const Graph* mask) {
+GraphSampler make_graph_sampler(const std::vector<Term>& terms, int32_t statistic_count,
+                                int32_t max_degree, bool fixed_edges, const Graph* mask) {
     GraphSampler sampler;
-    // Worth it once the shared-partner matrix is far beyond the caches (n above about 2,000).
-    const double matrix_bytes = static_cast<double>(graph.node_count) * graph.node_count * sizeof(int32_t);
-    sampler.look_ahead = matrix_bytes > 16e6;
     sampler.terms = &terms;
     sampler.statistic_count = statistic_count;
     sampler.max_degree = max_degree;
@@ -133,7 +96,6 @@ int toggle_step(Graph& graph, GraphSampler& sampler, const double* parameters, R
     int j = i;
     if (!sampler.use_mask) {
         while (j == i) j = rng.node(n);
-        if (sampler.look_ahead) look_ahead(graph, rng);
     } else {
         while (j == i || !has_edge(*sampler.mask, i, j)) {
             i = rng.node(n);

@@ -21,21 +21,16 @@ struct GraphSampler {
     bool fixed_edges = false;                  // the edge-preserving step instead of the toggle
     bool use_mask = false;                     // only dyads that are ties of `mask` may change
     const Graph* mask = nullptr;
-    // On networks whose shared-partner matrix is far larger than the caches, each step asks
-    // in advance for the memory the next two steps will read (a hint only: no draw, state or
-    // result changes).
-    bool look_ahead = false;
     // Work vectors of change statistics, one entry per statistic, allocated once.
     std::vector<double> change_vector;
     std::vector<double> removal_changes;
     std::vector<double> addition_changes;
 };
 
-// A sampler over the terms for networks of the graph's size; mask may be null. `fixed_edges`
+// A sampler over the terms; mask may be null. `fixed_edges`
 // follows the run file's sampler variant (1 selects the edge-preserving step).
-GraphSampler make_graph_sampler(const Graph& graph, const std::vector<Term>& terms,
-                                int32_t statistic_count, int32_t max_degree, bool fixed_edges,
-                                const Graph* mask);
+GraphSampler make_graph_sampler(const std::vector<Term>& terms, int32_t statistic_count,
+                                int32_t max_degree, bool fixed_edges, const Graph* mask);
 
 // Throws SettingError when the chain could never find a proposal on this graph: fewer than
 // two nodes, a mask without ties, or an edge-preserving chain whose allowed dyads are all ties

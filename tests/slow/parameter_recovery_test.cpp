@@ -43,7 +43,7 @@ Graph simulate(int n, const std::vector<Truth>& truth, uint32_t seed) {
     seeds.base = seed;
     Graph g = random_graph(n, n, p, 0, rng, seeds);
     compute_totals(g, terms);
-    GraphSampler sampler = make_graph_sampler(g, terms, p, 9999, false, nullptr);
+    GraphSampler sampler = make_graph_sampler(terms, p, 9999, false, nullptr);
     run_sampler(g, sampler, parameters.data(), 400.0 * n * n, rng, seeds);
     return g;
 }

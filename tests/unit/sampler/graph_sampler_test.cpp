@@ -45,7 +45,7 @@ TEST(GraphSampler, AcceptanceRuleAtItsEdges) {
     {
         const std::vector<Term> none;
         Graph g = create(20, 0, 0);
-        GraphSampler sampler = make_graph_sampler(g, none, 0, 9999, false, nullptr);
+        GraphSampler sampler = make_graph_sampler(none, 0, 9999, false, nullptr);
         Rng rng;
         rng.seed(3);
         for (int s = 0; s < 500; ++s) ASSERT_EQ(toggle_step(g, sampler, nullptr, rng), 1);
@@ -68,7 +68,7 @@ TEST(GraphSampler, AcceptanceRuleAtItsEdges) {
     while (std::exp(below) >= u) below = std::nextafter(below, -1.0);
     for (const auto& [parameter, accepted] : {std::pair{theta, 1}, std::pair{below, 0}}) {
         Graph g = create(10, 1, 0);
-        GraphSampler sampler = make_graph_sampler(g, terms, 1, 9999, false, nullptr);
+        GraphSampler sampler = make_graph_sampler(terms, 1, 9999, false, nullptr);
         Rng rng;
         rng.seed(99);
         EXPECT_EQ(toggle_step(g, sampler, &parameter, rng), accepted);
@@ -85,7 +85,7 @@ TEST(GraphSampler, RejectedStepsLeaveTheStoreAndStatisticsExactlyAsTheyWere) {
     compute_totals(g, terms);
     // Strongly favouring ties: removals are all but certain to be rejected; additions accepted.
     const std::vector<double> parameters{8.0, 0.0, 0.0, 0.0, 0.0};
-    GraphSampler toggles = make_graph_sampler(g, terms, 5, 9999, false, nullptr);
+    GraphSampler toggles = make_graph_sampler(terms, 5, 9999, false, nullptr);
     Rng rng;
     rng.seed(17);
     int rejected = 0;
@@ -99,7 +99,7 @@ TEST(GraphSampler, RejectedStepsLeaveTheStoreAndStatisticsExactlyAsTheyWere) {
     EXPECT_GT(rejected, 50);
     // The edge-preserving step: a strongly negative triangle parameter rejects most moves.
     const std::vector<double> against{0.0, 0.0, -9.0, 0.0, 0.0};
-    GraphSampler swaps = make_graph_sampler(g, terms, 5, 9999, true, nullptr);
+    GraphSampler swaps = make_graph_sampler(terms, 5, 9999, true, nullptr);
     compute_totals(g, terms);
     rejected = 0;
     for (int s = 0; s < 400; ++s) {
@@ -134,7 +134,7 @@ TEST(GraphSampler, LongChainsKeepEveryStatisticEqualToARecount) {
     for (const bool fixed_edges : {false, true}) {
         Graph g = random_store(18, 40, fixed_edges ? 2u : 1u, p, 8);
         compute_totals(g, terms);
-        GraphSampler sampler = make_graph_sampler(g, terms, p, 9999, fixed_edges, nullptr);
+        GraphSampler sampler = make_graph_sampler(terms, p, 9999, fixed_edges, nullptr);
         Rng rng;
         rng.seed(fixed_edges ? 12 : 11);
         int accepted = 0;
@@ -167,7 +167,7 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     rng.seed(4);
     // With the cap at 3 no addition is accepted at a node of degree 3, but removals still are.
     Graph capped = create(12, 0, 0);
-    GraphSampler cap = make_graph_sampler(capped, none, 0, 3, false, nullptr);
+    GraphSampler cap = make_graph_sampler(none, 0, 3, false, nullptr);
     int removals = 0;
     for (int s = 0; s < 3000; ++s) {
         const int before = capped.edge_count;
@@ -181,7 +181,7 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     const Graph mask = graph_of(8, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
     Graph g = graph_of(8, {{5, 6}});
     for (const bool fixed_edges : {false, true}) {
-        GraphSampler sampler = make_graph_sampler(g, none, 0, 9999, fixed_edges, &mask);
+        GraphSampler sampler = make_graph_sampler(none, 0, 9999, fixed_edges, &mask);
         for (int s = 0; s < 500; ++s) sampler_step(g, sampler, nullptr, rng);
         for (int i = 0; i < 8; ++i) {
             for (int j = i + 1; j < 8; ++j) {
@@ -192,7 +192,7 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     // run_sampler with 2.5 steps runs three: with every proposal accepted on a large empty
     // graph, three toggles leave three ties (this seed draws three different dyads).
     Graph large = create(200, 0, 0);
-    GraphSampler all = make_graph_sampler(large, none, 0, 9999, false, nullptr);
+    GraphSampler all = make_graph_sampler(none, 0, 9999, false, nullptr);
     SeedSource seeds;
     seeds.fixed = true;
     seeds.base = 21;
@@ -206,14 +206,14 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     const Graph complete = graph_of(5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}, {1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4}});
     const Graph empty_mask = create(5, 0, 0);
     const Graph tied_mask = graph_of(5, {{0, 1}, {2, 3}});
-    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(complete, none, 0, 9999, false, &empty_mask)), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, false, &empty_mask)), SettingError);
     EXPECT_THROW(check_proposals_possible(create(1, 0, 0), all), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(complete, none, 0, 9999, true, nullptr)), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(complete, none, 0, 9999, true, &tied_mask)), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, true, nullptr)), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, make_graph_sampler(none, 0, 9999, true, &tied_mask)), SettingError);
     EXPECT_NO_THROW(check_proposals_possible(complete, all));
     // Fewer than two ties: the edge-preserving step declines at once.
     Graph one = graph_of(5, {{0, 1}});
-    GraphSampler swaps = make_graph_sampler(one, none, 0, 9999, true, nullptr);
+    GraphSampler swaps = make_graph_sampler(none, 0, 9999, true, nullptr);
     EXPECT_NO_THROW(check_proposals_possible(one, swaps));
     EXPECT_EQ(swap_step(one, swaps, nullptr, rng), 0);
 }
