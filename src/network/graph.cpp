@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "base/errors.h"
@@ -23,7 +24,7 @@ size_t as_size(int value) { return static_cast<size_t>(value); }
 double store_bytes(int n) {
     const double nodes = n;
     const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
-    return 8.0 * nodes * nodes + 4.0 * triangle_entries + 48.0 * nodes +
+    return 8.0 * nodes * nodes + 4.0 * triangle_entries + 112.0 * nodes +
            nodes * ((nodes + 63.0) / 64.0) * 8.0;
 }
 
@@ -42,15 +43,35 @@ inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32
     histogram[as_size(old_value)] -= 1;
 }
 
-// Removes v from a neighbour list by moving the last entry into its place.
-void forget_neighbour(std::vector<int32_t>& list, int v) {
-    for (size_t k = 0; k < list.size(); ++k) {
+// Removes v from a neighbour list of `length` entries by moving the last entry into its place.
+void forget_neighbour(int32_t* list, int32_t length, int v) {
+    for (int32_t k = 0; k < length; ++k) {
         if (list[k] == v) {
-            list[k] = list.back();
-            list.pop_back();
+            list[k] = list[length - 1];
             return;
         }
     }
+}
+
+size_t all_neighbour_slots(const Graph& g) {
+    const size_t n = as_size(g.node_count);
+    return n * (n - 1);
+}
+
+// Spreads the neighbour rows to twice their stride (n - 1 at most), moving them from the last
+// row down so that no row is overwritten before it has moved. The room was reserved when the
+// store was created; only a store copied by value reserves it here, once.
+void widen_neighbour_rows(Graph& g) {
+    const size_t n = as_size(g.node_count);
+    const size_t old_stride = as_size(g.neighbour_stride);
+    const size_t new_stride = std::min(2 * old_stride, n - 1);
+    if (g.neighbour_lists.capacity() < all_neighbour_slots(g)) g.neighbour_lists.reserve(all_neighbour_slots(g));
+    g.neighbour_lists.resize(n * new_stride);
+    int32_t* lists = g.neighbour_lists.data();
+    for (size_t v = n - 1; v >= 1; --v) {
+        std::memmove(lists + v * new_stride, lists + v * old_stride, as_size(g.degree[v]) * sizeof(int32_t));
+    }
+    g.neighbour_stride = static_cast<int32_t>(new_stride);
 }
 
 }  // namespace
@@ -91,9 +112,9 @@ Graph create(int n, int statistic_count, int clique_depth) {
     g.statistics.assign(as_size(statistic_count), 0.0);
     g.clique_counts.assign(as_size(clique_depth), 0.0);
     g.clique_changes.assign(as_size(clique_depth), 0.0);
-    // Room for a typical degree up front, so that a chain seldom grows a list.
-    g.neighbours.resize(nodes);
-    for (auto& list : g.neighbours) list.reserve(as_size(std::min(n - 1, 16)));
+    g.neighbour_stride = std::min(n - 1, 16);
+    g.neighbour_lists.reserve(all_neighbour_slots(g));
+    g.neighbour_lists.resize(nodes * as_size(g.neighbour_stride));
     return g;
 }
 
@@ -101,11 +122,12 @@ void destroy(Graph& graph) { graph = Graph{}; }
 
 void add_edge(Graph& g, int i, int j) {
     if (has_edge(g, i, j)) return;
+    if (std::max(g.degree[as_size(i)], g.degree[as_size(j)]) == g.neighbour_stride) widen_neighbour_rows(g);
     g.edge_count += 1;
     g.row(i)[j >> 6] |= uint64_t{1} << (j & 63);
     g.row(j)[i >> 6] |= uint64_t{1} << (i & 63);
-    g.neighbours[as_size(i)].push_back(j);
-    g.neighbours[as_size(j)].push_back(i);
+    g.neighbour_row(i)[g.degree[as_size(i)]] = j;
+    g.neighbour_row(j)[g.degree[as_size(j)]] = i;
     for (const int v : {i, j}) {
         const int32_t d = ++g.degree[as_size(v)];
         move_count(g.degree_histogram, d - 1, d);
@@ -117,8 +139,8 @@ void remove_edge(Graph& g, int i, int j) {
     g.edge_count -= 1;
     g.row(i)[j >> 6] &= ~(uint64_t{1} << (j & 63));
     g.row(j)[i >> 6] &= ~(uint64_t{1} << (i & 63));
-    forget_neighbour(g.neighbours[as_size(i)], j);
-    forget_neighbour(g.neighbours[as_size(j)], i);
+    forget_neighbour(g.neighbour_row(i), g.degree[as_size(i)], j);
+    forget_neighbour(g.neighbour_row(j), g.degree[as_size(j)], i);
     for (const int v : {i, j}) {
         const int32_t d = --g.degree[as_size(v)];
         move_count(g.degree_histogram, d + 1, d);
@@ -141,7 +163,7 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
     // an addition) is not its own shared partner.
     const auto move_pairs = [&](size_t from, int to, int32_t* partners_to, size_t column_to,
                                 const uint64_t* closing_row) {
-        for (const int32_t k : g.neighbours[from]) {
+        for (const int32_t k : g.neighbours_of(static_cast<int>(from))) {
             if (k == to) continue;
             const size_t kk = as_size(k);
             const int32_t value = partners_to[kk] + delta;
@@ -196,7 +218,12 @@ void copy(const Graph& source, Graph& target, int statistic_count) {
     }
     target.clique_counts = source.clique_counts;
     target.clique_changes = source.clique_changes;
-    target.neighbours = source.neighbours;
+    // Keeps the target's reserved room, so that its toggles do not allocate either.
+    target.neighbour_stride = source.neighbour_stride;
+    if (target.neighbour_lists.capacity() < all_neighbour_slots(source)) {
+        target.neighbour_lists.reserve(all_neighbour_slots(source));
+    }
+    target.neighbour_lists.assign(source.neighbour_lists.begin(), source.neighbour_lists.end());
 }
 
 Graph read_graph(const std::string& path, int n, int statistic_count, int clique_depth) {
@@ -265,11 +292,8 @@ std::string check_bookkeeping(const Graph& g) {
         }
         degree_histogram[as_size(d)] += 1;
         degree_sum += d;
-        const std::vector<int32_t>& list = g.neighbours[as_size(a)];
-        if (static_cast<int>(list.size()) != d) {
-            return format_message("node %d lists %zu neighbours, degree %d", a, list.size(), d);
-        }
-        std::vector<int32_t> sorted = list;
+        const std::span<const int32_t> list = g.neighbours_of(a);
+        std::vector<int32_t> sorted(list.begin(), list.end());
         std::sort(sorted.begin(), sorted.end());
         for (size_t k = 0; k < sorted.size(); ++k) {
             if (!has_edge(g, a, sorted[k]) || (k > 0 && sorted[k] == sorted[k - 1])) {

@@ -11,6 +11,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -48,8 +49,13 @@ struct Graph {
     std::vector<double> clique_counts;              // K: entry k-1 = number of k-cliques
     std::vector<double> clique_changes;             // K: entry k-1 = change for the dyad last examined
     // The neighbours of every node in no particular order, kept with the adjacency: on sparse
-    // networks a neighbour scan reads a few words instead of a whole bit row.
-    std::vector<std::vector<int32_t>> neighbours;
+    // networks a neighbour scan reads a few words instead of a whole bit row. Node v's list is
+    // the first degree[v] entries of row v, rows `neighbour_stride` entries apart: packed
+    // close, the lists of a sparse network stay in cache. A degree that outgrows the stride
+    // spreads the rows to twice the stride in place, within room for n - 1 entries a node
+    // reserved (not touched) when the store is created, so that no toggle allocates.
+    int32_t neighbour_stride = 0;
+    std::vector<int32_t, LargeAllocator<int32_t>> neighbour_lists;
 
     const uint64_t* row(int i) const {
         return adjacency.data() + static_cast<size_t>(i) * static_cast<size_t>(row_words);
@@ -61,7 +67,13 @@ struct Graph {
         return shared_partners[static_cast<size_t>(a) * static_cast<size_t>(node_count) +
                                static_cast<size_t>(b)];
     }
-    const std::vector<int32_t>& neighbours_of(int v) const { return neighbours[static_cast<size_t>(v)]; }
+    int32_t* neighbour_row(int v) {
+        return neighbour_lists.data() + static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride);
+    }
+    std::span<const int32_t> neighbours_of(int v) const {
+        return {neighbour_lists.data() + static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride),
+                static_cast<size_t>(degree[static_cast<size_t>(v)])};
+    }
     const int32_t* partners_row(int a) const {
         return shared_partners.data() + static_cast<size_t>(a) * static_cast<size_t>(node_count);
     }

@@ -73,6 +73,16 @@ TEST(GraphStore, NoOpTogglesChangeNothingAndACopyHoldsEveryArray) {
     copy(g, target, 0);
     EXPECT_TRUE(same_store(g, target));
     EXPECT_EQ(check_bookkeeping(target), "");
+    // Copies between stores whose neighbour lists are spaced differently go on toggling
+    // soundly: a dense network into a fresh store, a fresh one over the dense copy.
+    Graph dense = create(70, 0, 0);
+    toggle_randomly(dense, 4000, rng);
+    copy(dense, target, 0);
+    toggle_randomly(target, 500, rng);
+    EXPECT_EQ(check_bookkeeping(target), "");
+    copy(create(70, 0, 0), dense, 0);
+    toggle_randomly(dense, 4000, rng);
+    EXPECT_EQ(check_bookkeeping(dense), "");
 }
 
 TEST(GraphStore, HandWorkedNetworkAndTinySizes) {
