@@ -53,19 +53,20 @@ void forget_neighbour(int32_t* list, int32_t length, int v) {
     }
 }
 
-size_t all_neighbour_slots(const Graph& g) {
+// Reserves (without touching) room for n - 1 neighbours a node. Stores made by `create`
+// have it; a store copied by value gets it here, once.
+void reserve_neighbour_room(Graph& g) {
     const size_t n = as_size(g.node_count);
-    return n * (n - 1);
+    if (g.neighbour_lists.capacity() < n * (n - 1)) g.neighbour_lists.reserve(n * (n - 1));
 }
 
 // Spreads the neighbour rows to twice their stride (n - 1 at most), moving them from the last
-// row down so that no row is overwritten before it has moved. The room was reserved when the
-// store was created; only a store copied by value reserves it here, once.
+// row down so that no row is overwritten before it has moved.
 void widen_neighbour_rows(Graph& g) {
     const size_t n = as_size(g.node_count);
     const size_t old_stride = as_size(g.neighbour_stride);
     const size_t new_stride = std::min(2 * old_stride, n - 1);
-    if (g.neighbour_lists.capacity() < all_neighbour_slots(g)) g.neighbour_lists.reserve(all_neighbour_slots(g));
+    reserve_neighbour_room(g);
     g.neighbour_lists.resize(n * new_stride);
     int32_t* lists = g.neighbour_lists.data();
     for (size_t v = n - 1; v >= 1; --v) {
@@ -113,7 +114,7 @@ Graph create(int n, int statistic_count, int clique_depth) {
     g.clique_counts.assign(as_size(clique_depth), 0.0);
     g.clique_changes.assign(as_size(clique_depth), 0.0);
     g.neighbour_stride = std::min(n - 1, 16);
-    g.neighbour_lists.reserve(all_neighbour_slots(g));
+    reserve_neighbour_room(g);
     g.neighbour_lists.resize(nodes * as_size(g.neighbour_stride));
     return g;
 }
@@ -218,11 +219,9 @@ void copy(const Graph& source, Graph& target, int statistic_count) {
     }
     target.clique_counts = source.clique_counts;
     target.clique_changes = source.clique_changes;
-    // Keeps the target's reserved room, so that its toggles do not allocate either.
+    // Into the target's reserved room, so that its toggles do not allocate either.
     target.neighbour_stride = source.neighbour_stride;
-    if (target.neighbour_lists.capacity() < all_neighbour_slots(source)) {
-        target.neighbour_lists.reserve(all_neighbour_slots(source));
-    }
+    reserve_neighbour_room(target);
     target.neighbour_lists.assign(source.neighbour_lists.begin(), source.neighbour_lists.end());
 }
 

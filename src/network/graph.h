@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/large_allocator.h"
@@ -67,12 +68,12 @@ struct Graph {
         return shared_partners[static_cast<size_t>(a) * static_cast<size_t>(node_count) +
                                static_cast<size_t>(b)];
     }
-    int32_t* neighbour_row(int v) {
+    const int32_t* neighbour_row(int v) const {
         return neighbour_lists.data() + static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride);
     }
+    int32_t* neighbour_row(int v) { return const_cast<int32_t*>(std::as_const(*this).neighbour_row(v)); }
     std::span<const int32_t> neighbours_of(int v) const {
-        return {neighbour_lists.data() + static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride),
-                static_cast<size_t>(degree[static_cast<size_t>(v)])};
+        return {neighbour_row(v), static_cast<size_t>(degree[static_cast<size_t>(v)])};
     }
     const int32_t* partners_row(int a) const {
         return shared_partners.data() + static_cast<size_t>(a) * static_cast<size_t>(node_count);
