@@ -1,0 +1,69 @@
+#pragma once
+// The catalogues of both network kinds as readers and writers see them (labels, lambda
+// defaults, orders), and the rows with their functions as the terms of a store type need them.
+//
+// Orders: a structural catalogue lists its effects in report order; the run file (and the
+// update file) may list them in another order, given as `run_file_order`. An attribute
+// catalogue lists its effects in run-file order; the parameter vector (and every report that
+// labels it) may take them in another order, given as `vector_order`.
+
+#include <cstdint>
+#include <span>
+
+#include "effects/term.h"
+#include "network/network_kind.h"
+
+namespace vexa {
+
+// The four kinds of attribute effects, in the order their sections appear and their
+// parameters follow the structural ones.
+enum class AttributeKind : int32_t { binary = 0, continuous = 1, categorical = 2, covariate = 3 };
+inline constexpr int attribute_kind_count = 4;
+
+struct CatalogueView {
+    std::span<const EffectDescription> rows;
+    std::span<const int32_t> run_file_order;  // rows with a run-file entry, in run-file order
+    std::span<const int32_t> vector_order;    // rows in parameter-vector order
+};
+
+const CatalogueView& structural_catalogue(NetworkKind kind);
+const CatalogueView& attribute_catalogue(NetworkKind kind, AttributeKind which);
+
+// The rows with their functions, for the terms of a store type. Defined beside each kind's
+// catalogue for the store types of that kind.
+template <class Store>
+std::span<const EffectRow<Store>> structural_rows();
+template <class Store>
+std::span<const EffectRow<Store>> attribute_rows(AttributeKind which);
+
+// The descriptions of a row table, computed at compile time, so that the labels and the
+// functions of an effect stand in one row.
+template <class Store, std::size_t N>
+constexpr std::array<EffectDescription, N> descriptions_of(const std::array<EffectRow<Store>, N>& rows) {
+    std::array<EffectDescription, N> about{};
+    for (std::size_t k = 0; k < N; ++k) about[k] = rows[k].about;
+    return about;
+}
+
+// Compile-time checks a row table should pass: names unique where they must be.
+constexpr bool same_text(const char* a, const char* b) {
+    if (a == nullptr || b == nullptr) return a == b;
+    while (*a != '\0' && *a == *b) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
+// Every order lists distinct rows of the table.
+template <std::size_t N, std::size_t M>
+constexpr bool valid_order(const std::array<int32_t, M>& order) {
+    std::array<bool, N> seen{};
+    for (const int32_t k : order) {
+        if (k < 0 || static_cast<std::size_t>(k) >= N || seen[static_cast<std::size_t>(k)]) return false;
+        seen[static_cast<std::size_t>(k)] = true;
+    }
+    return true;
+}
+
+}  // namespace vexa

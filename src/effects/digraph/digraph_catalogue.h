@@ -1,0 +1,34 @@
+#pragma once
+// The catalogue of digraph structural effects: one row per effect in report order, with every
+// label the engine prints for it, its lambda default, the variant its family's function
+// switches on, and its total and change functions.
+
+#include <cstdint>
+
+#include "effects/catalogue.h"
+
+namespace vexa {
+
+struct Digraph;
+
+enum class DigraphEffect : int32_t {
+    arc, reciprocity, in_star2, out_star2, in_star3, out_star3, in_star4, out_star4, mixed_star2,
+    t1, t2, t3, t4, t5, t6, t7, t8, t9, t10, sink, source, isolates,
+    ain_s, aout_s, ain_s2, aout_s2, ain1out_s, one_in_aout_s, ain_aout_s,
+    at_t, at_c, at_d, at_u, at_td, at_tu, at_du, at_tdu,
+    a2p_t, a2p_d, a2p_u, a2p_td, a2p_tu, a2p_du, a2p_tdu,
+};
+inline constexpr int digraph_effect_count = 44;
+
+// Variants of the two-path families: each combined effect sums the kinds whose bits it holds.
+// AT-C is the transitive count taken over reversed arcs; it has a bit of its own.
+inline constexpr int16_t two_path_t = 1;  // i->x->j
+inline constexpr int16_t two_path_c = 2;  // the cycle closed by j->i over i->x->j
+inline constexpr int16_t two_path_d = 4;  // x->i and x->j: common senders
+inline constexpr int16_t two_path_u = 8;  // i->x and j->x: common receivers
+
+inline const EffectDescription& digraph_about(DigraphEffect effect) {
+    return structural_catalogue(NetworkKind::digraph).rows[static_cast<size_t>(effect)];
+}
+
+}  // namespace vexa
