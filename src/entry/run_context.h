@@ -8,7 +8,8 @@
 #include <cstdio>
 #include <string>
 
-#include "effects/model.h"
+#include "base/progress.h"
+#include "model/model.h"
 #include "numeric/rng.h"
 
 namespace vexa {
@@ -105,7 +106,8 @@ struct RunContext {
     OutputNames names;
     Rng rng;
     SeedSource seeds;
-    FILE* console = stdout;
+    FILE* console = stdout;  // the run's messages
+    Progress progress;       // what the computations say while they run
 };
 
 }  // namespace vexa

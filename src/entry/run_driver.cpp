@@ -4,9 +4,9 @@
 #include <new>
 
 #include "base/errors.h"
-#include "effects/parameter_labels.h"
-#include "entry/graph_tasks.h"
+#include "entry/graph_kind.h"
 #include "entry/run_file.h"
+#include "model/parameter_labels.h"
 
 namespace vexa {
 
@@ -26,7 +26,7 @@ const char* task_name(int32_t task) {
 // their statistics are not built yet: refuse a model that includes one rather than fit it
 // without the effect.
 void refuse_attribute_effects(const RunContext& context) {
-    for (const ParameterLabel& label : graph_parameter_labels(context.model, LabelStyle::simulation)) {
+    for (const ParameterLabel& label : parameter_labels(context.model, LabelStyle::simulation)) {
         if (label.structural) continue;
         throw SettingError(format_message(
             "vexa: run file '%s' includes the attribute effect '%s'; attribute and covariate "
@@ -40,6 +40,7 @@ void refuse_attribute_effects(const RunContext& context) {
 void run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
     context.console = options.console != nullptr ? options.console : stdout;
+    context.progress = console_progress(context.console);
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
     RunFile file = read_run_file(run_file, context.console);

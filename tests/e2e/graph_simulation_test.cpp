@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "entry/run_driver.h"
-#include "simulation/graph_simulation.h"
+#include "simulation/goodness_of_fit.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 

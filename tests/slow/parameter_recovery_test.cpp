@@ -9,9 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "effects/graph_catalogue.h"
+#include "effects/graph/graph_catalogue.h"
 #include "report/network_file.h"
-#include "sampler/graph_sampler.h"
+#include "model/terms.h"
+#include "sampler/steps.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 
@@ -35,16 +36,15 @@ Graph simulate(int n, const std::vector<Truth>& truth, uint32_t seed) {
         setting.lambda = static_cast<float>(t.lambda);
         parameters.push_back(t.value);
     }
-    const std::vector<Term> terms = graph_terms(model);
+    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
     const int p = static_cast<int>(parameters.size());
     Rng rng;
     SeedSource seeds;
     seeds.fixed = true;
     seeds.base = seed;
-    Graph g = random_graph(n, n, p, 0, rng, seeds);
-    compute_totals(g, terms);
-    GraphSampler sampler = make_graph_sampler(terms, p, 9999, false, nullptr);
-    run_sampler(g, sampler, parameters.data(), 400.0 * n * n, rng, seeds);
+    Graph g = random_graph(n, n, rng, seeds);
+    Chain<Graph> chain = make_chain(g, terms, p, SamplerSettings{}, rng);
+    run_sampler(chain, parameters.data(), 400.0 * n * n, seeds);
     return g;
 }
 

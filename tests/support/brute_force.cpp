@@ -56,8 +56,8 @@ AdjacencyMatrix random_matrix(int n, double density, uint32_t seed) {
     return m;
 }
 
-Graph graph_from(const AdjacencyMatrix& matrix, int statistic_count, int clique_depth) {
-    Graph g = create(matrix.n, statistic_count, clique_depth);
+Graph graph_from(const AdjacencyMatrix& matrix) {
+    Graph g = create_graph(matrix.n);
     for (int a = 0; a < matrix.n; ++a) {
         for (int b = a + 1; b < matrix.n; ++b) {
             if (matrix(a, b)) {

@@ -5,7 +5,7 @@
 #include <regex>
 #include <sstream>
 
-#include "effects/graph_catalogue.h"
+#include "effects/graph/graph_catalogue.h"
 #include "entry/run_driver.h"
 #include "support/test_support.h"
 
@@ -42,11 +42,12 @@ std::string GraphRunFile::text() const {
         t += "degree_cap_given\n0\n";
     }
     t += "structural\n1\n";
-    for (const GraphEffectRow& effect : graph_catalogue()) {
-        if (effect.update_name == nullptr) continue;  // no run-file entry
-        const auto found = effects.find(effect.update_name);
+    const CatalogueView& catalogue = structural_catalogue(NetworkKind::graph);
+    for (const int32_t index : catalogue.run_file_order) {
+        const EffectDescription& effect = catalogue.rows[static_cast<size_t>(index)];
+        const auto found = effects.find(effect.labels.update_name);
         const bool included = found != effects.end();
-        t.append(effect.update_name).append("\n").append(included ? "1" : "0").append("\n");
+        t.append(effect.labels.update_name).append("\n").append(included ? "1" : "0").append("\n");
         t.append(number(included ? found->second.first : 0.0));
         if (effect.alternating()) t.append(" ").append(number(included ? found->second.second : 0.0));
         t.append("\n");

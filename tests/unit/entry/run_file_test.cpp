@@ -2,15 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <cmath>
 #include <filesystem>
 #include <sstream>
 
 #include "base/errors.h"
-#include "effects/attribute_catalogue.h"
-#include "effects/digraph_catalogue.h"
-#include "effects/graph_catalogue.h"
-#include "entry/parameter_vector.h"
+#include "effects/catalogue.h"
+#include "model/parameter_vector.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 
@@ -50,6 +50,15 @@ std::string outcome(const std::string& path) {
 // "name slot value lambda; " of structural effects picked by their run-file name, then
 // "kind:effect.attribute=slot:value, " of the attribute entries included or carrying a value (kinds:
 // 0 binary, 1 continuous, 2 categorical, 3 covariate); the parameter vector.
+// The largest clique size an included effect reads.
+int clique_order_of(const Model& m) {
+    int order = 0;
+    for (size_t r = 0; r < m.structural.size(); ++r) {
+        if (m.structural[r].slot != -1) order = std::max<int>(order, structural_catalogue(m.kind).rows[r].clique_order);
+    }
+    return order;
+}
+
 std::string dump(const RunFile& f, const Strings& picks) {
     const RunSettings& s = f.settings;
     const Model& m = f.model;
@@ -61,7 +70,7 @@ std::string dump(const RunFile& f, const Strings& picks) {
                   s.network_file.c_str(), s.constraint_file.c_str(), s.pajek_output, s.degree_distribution_output,
                   s.geodesic_output, s.cluster_giant_output, s.triangle_distribution_output,
                   s.twopath_distribution_output, s.et0nt_distribution_output, s.burn_in, s.sample_count,
-                  s.thinning_interval, m.clique_order, m.parameter_count(), m.structural_given, m.attributes_given,
+                  s.thinning_interval, clique_order_of(m), m.parameter_count(), m.structural_given, m.attributes_given,
                   double(s.initial_density), s.subphase_count, double(s.start_a_value), s.multiplication_factor,
                   s.phase3_steps, s.estimation_runs, s.gof_after_estimation, s.parameter_sets_file.c_str());
     std::ostringstream out(line, std::ios::ate);
@@ -70,8 +79,7 @@ std::string dump(const RunFile& f, const Strings& picks) {
     for (const std::string& pick : picks) {
         for (size_t r = 0; r < m.structural.size(); ++r) {
             const EffectSetting& e = m.structural[r];
-            const char* row = m.kind == NetworkKind::digraph ? digraph_catalogue()[r].update_name
-                                                             : graph_catalogue()[r].update_name;
+            const char* row = structural_catalogue(m.kind).rows[r].labels.update_name;
             if (row != nullptr && pick == row) out << pick << ' ' << e.slot << ' ' << e.value << ' ' << e.lambda << "; ";
         }
     }

@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "effects/model.h"
+#include "effects/graph/graph_catalogue.h"
+#include "model/model.h"
+#include "model/terms.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 
@@ -23,24 +25,23 @@ TEST(LogOdds, EveryPairCarriesItsChangesAndTheWeightedSumOfThem) {
     for (const GraphEffect effect : {GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle}) {
         model.structural[static_cast<size_t>(effect)].slot = model.structural_included++;
     }
-    const std::vector<Term> terms = graph_terms(model);
-    Graph g = create(5, 3, 0);
+    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
+    Graph g = create_graph(5);
     for (const auto& [i, j] : {std::pair{0, 1}, {0, 2}, {1, 2}, {2, 3}}) {
         add_edge(g, i, j);
         update_shared_partners(g, i, j, 1);
     }
-    compute_totals(g, terms);
     const Graph before = g;
     const std::vector<double> theta{-2.0, 0.25, 1.5};
     std::string logodds;
     const std::string changes = testing::capture([&](FILE* change_out) {
         logodds = testing::capture([&](FILE* logodds_out) {
-            write_change_statistics_and_logodds(g, terms, theta, graph_parameter_labels(model, LabelStyle::column),
+            write_change_statistics_and_logodds(g, terms, theta, parameter_labels(model, LabelStyle::column),
                                                 change_out, logodds_out);
         });
     });
     EXPECT_TRUE(g.adjacency == before.adjacency && g.shared_partners == before.shared_partners &&
-                g.degree == before.degree && g.triangles == before.triangles && g.statistics == before.statistics);
+                g.degree == before.degree && g.triangles == before.triangles);
 
     // Per pair (i, j), counted by hand on the network without the tie: the tie itself, the
     // 2-stars it adds (d_i + d_j) and the triangles it closes (common neighbours).

@@ -4,10 +4,11 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/errors.h"
-#include "effects/graph_catalogue.h"
+#include "effects/graph/graph_catalogue.h"
 #include "report/spss.h"
 #include "report/update_files.h"
 #include "support/run_files.h"
@@ -146,10 +147,15 @@ TEST(SpssSyntax, VariablesFollowTheParameterVectorWithTheirFormats) {
     write_spss_file(path, simple, "out/sim_simulation_flo.txt");
     EXPECT_EQ(read_text(path), expected_syntax({"edge F8.0", "star2 F8.0", "as F8.4"}));
 
-    // Digraph catalogue rows arc 0, T1 9, T7 15, AT-U 32, AT-TD 33: the list puts the triad t7 before
-    // t1 and AT-U (uktri) after the combined triangles.
-    EXPECT_EQ(syntax_of(with_structural(NetworkKind::digraph, {0, 9, 15, 32, 33})),
-              expected_syntax({"arc F8.0", "t7 F8.0", "t1 F8.0", "attd F8.4", "uktri F8.4"}));
+    // Digraph catalogue rows arc 0, T1 9, T7 15, AT-U 32, AT-TD 33, given slots in another order:
+    // SPSS names the table's columns by position, so the list follows the slots.
+    Model digraph = empty_model(NetworkKind::digraph);
+    digraph.structural_given = true;
+    for (const auto& [row, slot] : std::vector<std::pair<size_t, int32_t>>{{0, 0}, {15, 1}, {9, 2}, {33, 3}, {32, 4}}) {
+        digraph.structural[row].slot = slot;
+    }
+    digraph.structural_included = 5;
+    EXPECT_EQ(syntax_of(digraph), expected_syntax({"arc F8.0", "t7 F8.0", "t1 F8.0", "attd F8.4", "uktri F8.4"}));
 
     // Attribute effects in parameter-vector order: binary effects effect by effect in vector order
     // (T3u, O2b spelt o2bu here, interaction, activity: run-file rows 9, 5, 1, 0), then continuous,
