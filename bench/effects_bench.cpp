@@ -35,7 +35,8 @@ Setup make_setup(int n, const std::vector<GraphEffect>& effects, float lambda) {
     s.graph = vexa::random_graph(n, int64_t{5} * n, rng, seeds);
     vexa::Model model = vexa::empty_model(vexa::NetworkKind::graph);
     for (int k = 0; k < count; ++k) {
-        vexa::EffectSetting& setting = model.structural[static_cast<size_t>(effects[static_cast<size_t>(k)])];
+        vexa::EffectSetting& setting =
+            model.structural[static_cast<size_t>(effects[static_cast<size_t>(k)])];
         setting.slot = k;
         setting.lambda = lambda;
         s.parameters.push_back(k == 0 ? -4.0 : 0.3 + 0.1 * k);
@@ -72,10 +73,12 @@ void evaluate(benchmark::State& state, Setup& s) {
         const auto [i, j] = s.dyads[k++ & 8191];
         if (vexa::has_edge(s.graph, i, j)) {
             vexa::remove_edge(s.graph, i, j);
-            sink += vexa::change_statistics(s.graph, s.terms, s.workspace, s.parameters.data(), changes.data(), i, j, 0);
+            sink += vexa::change_statistics(s.graph, s.terms, s.workspace, s.parameters.data(),
+                                            changes.data(), i, j, 0);
             vexa::add_edge(s.graph, i, j);  // rejected: the partner data never changed
         } else {
-            sink += vexa::change_statistics(s.graph, s.terms, s.workspace, s.parameters.data(), changes.data(), i, j, 1);
+            sink += vexa::change_statistics(s.graph, s.terms, s.workspace, s.parameters.data(),
+                                            changes.data(), i, j, 1);
         }
     }
     benchmark::DoNotOptimize(sink);
@@ -83,20 +86,22 @@ void evaluate(benchmark::State& state, Setup& s) {
 }
 
 void BM_EdgeStarTriangle(benchmark::State& state) {
-    Setup s = make_setup(static_cast<int>(state.range(0)), {GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle},
-                         0.0f);
+    Setup s = make_setup(static_cast<int>(state.range(0)),
+                         {GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle}, 0.0f);
     evaluate(state, s);
 }
 
 void BM_EdgeAlternating(benchmark::State& state) {
-    Setup s = make_setup(static_cast<int>(state.range(0)),
-                         {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}, 2.0f);
+    Setup s =
+        make_setup(static_cast<int>(state.range(0)),
+                   {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}, 2.0f);
     evaluate(state, s);
 }
 
 // The alternating clique effect, counting cliques up to 8 nodes.
 void BM_EdgeAlternatingCliques(benchmark::State& state) {
-    Setup s = make_setup(static_cast<int>(state.range(0)), {GraphEffect::edge, GraphEffect::ac}, 2.0f);
+    Setup s =
+        make_setup(static_cast<int>(state.range(0)), {GraphEffect::edge, GraphEffect::ac}, 2.0f);
     evaluate(state, s);
 }
 

@@ -21,16 +21,17 @@ vexa::Graph random_store(int n, double mean_degree) {
 // histogram, the n x n bit matrix and the per-node arrays.
 double model_bytes(int n) {
     const double nodes = n;
-    return 4.0 * nodes * nodes + 4.0 * ((nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0) + nodes * nodes / 8.0 +
-           nodes * 4.0 * 4.0;
+    return 4.0 * nodes * nodes + 4.0 * ((nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0) +
+           nodes * nodes / 8.0 + nodes * 4.0 * 4.0;
 }
 
-// The bytes the store touches (its neighbour lists reserve more address space than this, untouched).
+// The bytes the store touches (its neighbour lists reserve more address space than this,
+// untouched).
 double held_bytes(const vexa::Graph& g) {
     auto bytes = [](const auto& v) { return static_cast<double>(v.size() * sizeof(v[0])); };
-    return bytes(g.adjacency) + bytes(g.shared_partners) + bytes(g.degree_histogram) + bytes(g.degree) +
-           bytes(g.shared_partner_histogram) + bytes(g.triangles) + bytes(g.triangle_histogram) +
-           bytes(g.neighbour_lists);
+    return bytes(g.adjacency) + bytes(g.shared_partners) + bytes(g.degree_histogram) +
+           bytes(g.degree) + bytes(g.shared_partner_histogram) + bytes(g.triangles) +
+           bytes(g.triangle_histogram) + bytes(g.neighbour_lists);
 }
 
 void BM_TogglePair(benchmark::State& state) {
@@ -41,8 +42,12 @@ void BM_TogglePair(benchmark::State& state) {
     rng.seed(7);
     std::vector<std::pair<int, int>> dyads;
     while (dyads.size() < 4096) {
-        const int i = static_cast<int>((static_cast<uint32_t>(rng.next()) << 15 | static_cast<uint32_t>(rng.next())) % static_cast<uint32_t>(n));
-        const int j = static_cast<int>((static_cast<uint32_t>(rng.next()) << 15 | static_cast<uint32_t>(rng.next())) % static_cast<uint32_t>(n));
+        const int i = static_cast<int>(
+            (static_cast<uint32_t>(rng.next()) << 15 | static_cast<uint32_t>(rng.next())) %
+            static_cast<uint32_t>(n));
+        const int j = static_cast<int>(
+            (static_cast<uint32_t>(rng.next()) << 15 | static_cast<uint32_t>(rng.next())) %
+            static_cast<uint32_t>(n));
         if (i != j && !vexa::has_edge(g, i, j)) dyads.emplace_back(i, j);
     }
     size_t k = 0;

@@ -20,7 +20,8 @@ using namespace vexa;
 
 Model alternating_model() {
     Model model = empty_model(NetworkKind::graph);
-    for (const GraphEffect effect : {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
+    for (const GraphEffect effect :
+         {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
         EffectSetting& setting = model.structural[static_cast<size_t>(effect)];
         setting.slot = model.structural_included++;
         setting.lambda = graph_about(effect).lambda_default;
@@ -70,7 +71,9 @@ void BM_ExampleEstimation(benchmark::State& state, const char* run_file) {
     std::fclose(quiet);
     std::filesystem::current_path(saved);
 }
-BENCHMARK_CAPTURE(BM_ExampleEstimation, markov, "flomarriage_markov.txt")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_ExampleEstimation, alternating, "flomarriage_alternating.txt")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ExampleEstimation, markov, "flomarriage_markov.txt")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ExampleEstimation, alternating, "flomarriage_alternating.txt")
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -27,7 +27,8 @@ struct Setup {
 
 Setup alternating_setup(int n) {
     Setup s;
-    for (const GraphEffect effect : {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
+    for (const GraphEffect effect :
+         {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
         EffectSetting& setting = s.model.structural[static_cast<size_t>(effect)];
         setting.slot = s.model.structural_included++;
         setting.lambda = graph_about(effect).lambda_default;

@@ -99,7 +99,8 @@ void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances
         }
         int32_t unwritten = 0;  // the first level not yet in the distance matrix
         for (int32_t level = 1;; ++level) {
-            if (fill_distances && level - unwritten == held_levels) {  // the ring is full: make room
+            if (fill_distances &&
+                level - unwritten == held_levels) {  // the ring is full: make room
                 write_levels(graph, scratch, base, batch, unwritten, level - 1, false);
                 unwritten = level;
             }
@@ -131,7 +132,8 @@ void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances
             }
             if (!fill_distances) counts[as_size(level)] += arrived;  // else write_levels counts
             if (grown == 0) {
-                if (fill_distances) write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
+                if (fill_distances)
+                    write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
                 break;
             }
         }

@@ -10,7 +10,8 @@ const CatalogueView& graph_structural_catalogue();
 const CatalogueView& digraph_structural_catalogue();
 
 const CatalogueView& structural_catalogue(NetworkKind kind) {
-    return kind == NetworkKind::digraph ? digraph_structural_catalogue() : graph_structural_catalogue();
+    return kind == NetworkKind::digraph ? digraph_structural_catalogue()
+                                        : graph_structural_catalogue();
 }
 
 WeightTable weight_table(float lambda) {

@@ -15,15 +15,17 @@ Graph KindTraits<Graph>::random_start(RunContext& context) {
     const int n = s.node_count;
     const double target = std::trunc(static_cast<double>(n) * (n - 1) * s.initial_density * 0.5);
     if (!(target >= 0.0) || target > static_cast<double>(n) * (n - 1) / 2.0) {
-        throw SettingError(format_message(
-            "vexa: run file '%s': initial_density %g asks for %.0f ties, but %d nodes have only %.0f dyads",
-            s.run_file.c_str(), static_cast<double>(s.initial_density), target, n,
-            static_cast<double>(n) * (n - 1) / 2.0));
+        throw SettingError(
+            format_message("vexa: run file '%s': initial_density %g asks for %.0f ties, but %d "
+                           "nodes have only %.0f dyads",
+                           s.run_file.c_str(), static_cast<double>(s.initial_density), target, n,
+                           static_cast<double>(n) * (n - 1) / 2.0));
     }
     return random_graph(n, static_cast<int64_t>(target), context.rng, context.seeds);
 }
 
-void KindTraits<Graph>::adjust_start(const Model& model, const Graph& observed, std::vector<double>& parameters) {
+void KindTraits<Graph>::adjust_start(const Model& model, const Graph& observed,
+                                     std::vector<double>& parameters) {
     const EffectSetting& edge = model.structural[static_cast<size_t>(GraphEffect::edge)];
     if (edge.slot != -1 && edge.value == 0.0) {
         const double d = density(observed);
@@ -33,8 +35,9 @@ void KindTraits<Graph>::adjust_start(const Model& model, const Graph& observed, 
 }
 
 const std::vector<std::string>& KindTraits<Graph>::measure_names() {
-    static const std::vector<std::string> names{"Std Dev degree dist", "Skew degree dist", "Global Clustering",
-                                                "Mean Local Clustering", "Variance Local Clustering"};
+    static const std::vector<std::string> names{"Std Dev degree dist", "Skew degree dist",
+                                                "Global Clustering", "Mean Local Clustering",
+                                                "Variance Local Clustering"};
     return names;
 }
 
@@ -48,8 +51,11 @@ SampleMeasures KindTraits<Graph>::measure(const Graph& graph, DescribeScratch& s
     return m;
 }
 
-KindTraits<Graph>::SampleFiles::SampleFiles(const Graph& graph, const RunSettings& s, const OutputNames& names) {
-    const auto open = [](const std::string& path) { return std::make_unique<OutFile>(path, OpenMode::truncate); };
+KindTraits<Graph>::SampleFiles::SampleFiles(const Graph& graph, const RunSettings& s,
+                                            const OutputNames& names) {
+    const auto open = [](const std::string& path) {
+        return std::make_unique<OutFile>(path, OpenMode::truncate);
+    };
     if (s.degree_distribution_output == 1) {
         degree = open(names.degree_distribution);
         write_degree_header(*degree, graph);
@@ -80,7 +86,8 @@ KindTraits<Graph>::SampleFiles::SampleFiles(const Graph& graph, const RunSetting
 
 void KindTraits<Graph>::SampleFiles::write_rows(const Graph& graph, DescribeScratch& scratch,
                                                 const SampleMeasures* measured) {
-    if (measured == nullptr && (geodesic != nullptr || cluster != nullptr)) geodesics(graph, scratch, false);
+    if (measured == nullptr && (geodesic != nullptr || cluster != nullptr))
+        geodesics(graph, scratch, false);
     if (degree) write_degree_row(*degree, graph);
     if (geodesic) {
         write_geodesic_row(*geodesic, graph, scratch);
@@ -98,7 +105,8 @@ void KindTraits<Graph>::SampleFiles::close() {
     }
 }
 
-void KindTraits<Graph>::write_sample_network(const Graph& graph, double sample, const OutputNames& names,
+void KindTraits<Graph>::write_sample_network(const Graph& graph, double sample,
+                                             const OutputNames& names,
                                              const std::string& network_name) {
     write_network_file(sample_network_path(names.sample_statistics, sample), graph);
     char label[64];

@@ -29,7 +29,8 @@ struct KindTraits<Graph> {
     static Graph random_start(RunContext& context);
 
     // An edge effect started at exactly 0 starts at the observed log-odds of a tie instead.
-    static void adjust_start(const Model& model, const Graph& observed, std::vector<double>& parameters);
+    static void adjust_start(const Model& model, const Graph& observed,
+                             std::vector<double>& parameters);
     static void after_run(RunContext&, const EstimationRun&) {}
     static void before_gof_after_estimation(RunContext&) {}
 
@@ -43,7 +44,8 @@ struct KindTraits<Graph> {
         SampleFiles(const Graph& graph, const RunSettings& settings, const OutputNames& names);
         // One row per enabled file. `measured` says that the scratch holds the geodesics of
         // this network already (goodness of fit measured it).
-        void write_rows(const Graph& graph, DescribeScratch& scratch, const SampleMeasures* measured);
+        void write_rows(const Graph& graph, DescribeScratch& scratch,
+                        const SampleMeasures* measured);
         void close();
 
         std::unique_ptr<OutFile> degree, geodesic, quartiles, cluster, triangle, twopath, et0nt;

@@ -26,8 +26,8 @@ struct RunSettings {
     int32_t network_kind = 0;     // 1 graph, 2 digraph
 
     int32_t node_count = 0;
-    float initial_density = 0.0f;    // task 1
-    std::string network_file;        // tasks 2 to 4
+    float initial_density = 0.0f;  // task 1
+    std::string network_file;      // tasks 2 to 4
     int32_t degree_cap_given = 0;
     int32_t degree_cap = 9999;
     int32_t constraint_given = 0;
@@ -97,7 +97,7 @@ OutputNames form_output_names(const std::string& directory, const std::string& n
 struct RunOptions {
     bool fixed_seed = false;  // seed the k-th seeding of the run with seed + k
     uint32_t seed = 0;
-    FILE* console = stdout;   // progress and messages
+    FILE* console = stdout;  // progress and messages
 };
 
 struct RunContext {

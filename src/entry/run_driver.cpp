@@ -50,10 +50,11 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     context.names = std::move(file.names);
     const RunSettings& settings = context.settings;
     if (!file.task_known) {
-        std::fprintf(context.console,
-                     "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
-                     "4 on kinds 1 (graph) and 2 (digraph), so nothing was run\n",
-                     run_file.c_str(), settings.task, settings.network_kind);
+        std::fprintf(
+            context.console,
+            "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
+            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run\n",
+            run_file.c_str(), settings.task, settings.network_kind);
         return;
     }
     if (settings.network_kind == 2) {
@@ -64,10 +65,11 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
         return;
     }
     if (settings.task == 4) {
-        std::fprintf(context.console,
-                     "vexa: the Bayesian goodness of fit is not available in this version; '%s' was "
-                     "read but not run\n",
-                     run_file.c_str());
+        std::fprintf(
+            context.console,
+            "vexa: the Bayesian goodness of fit is not available in this version; '%s' was "
+            "read but not run\n",
+            run_file.c_str());
         return;
     }
     refuse_attribute_effects(context);

@@ -186,7 +186,8 @@ void size_section(AttributeSection& section, int32_t effects, int32_t count) {
 void size_all_sections(Model& model) {
     for (int k = 0; k < attribute_kind_count; ++k) {
         const auto kind = static_cast<AttributeKind>(k);
-        size_section(model.section(kind), static_cast<int32_t>(attribute_catalogue(model.kind, kind).rows.size()), 0);
+        size_section(model.section(kind),
+                     static_cast<int32_t>(attribute_catalogue(model.kind, kind).rows.size()), 0);
     }
 }
 
@@ -279,7 +280,8 @@ void read_attribute_sub_block(Reader& reader, Model& model, AttributeKind kind,
         section.names = std::move(data.names);
         section.data = std::move(data.data);
     }
-    size_section(section, static_cast<int32_t>(attribute_catalogue(model.kind, kind).rows.size()), count);
+    size_section(section, static_cast<int32_t>(attribute_catalogue(model.kind, kind).rows.size()),
+                 count);
     read_attribute_entries(reader, model, kind, word);
 }
 
@@ -299,7 +301,10 @@ void read_covariate_section(Reader& reader, Model& model, int32_t node_count) {
     AttributeData data = read_covariate_file(section.file, node_count);
     section.names = std::move(data.names);
     section.data = std::move(data.data);
-    size_section(section, static_cast<int32_t>(attribute_catalogue(model.kind, AttributeKind::covariate).rows.size()), 1);
+    size_section(
+        section,
+        static_cast<int32_t>(attribute_catalogue(model.kind, AttributeKind::covariate).rows.size()),
+        1);
     read_attribute_entries(reader, model, AttributeKind::covariate, "covariate");
 }
 

@@ -34,7 +34,9 @@ struct KindTraits;
 
 namespace task_detail {
 
-inline SamplingPlan sampling_plan(const RunSettings& s) { return {s.iterations, s.thinning_interval}; }
+inline SamplingPlan sampling_plan(const RunSettings& s) {
+    return {s.iterations, s.thinning_interval};
+}
 
 template <class Store>
 void write_statistics_file(const std::string& path, const Model& model, const Store& store,
@@ -44,7 +46,8 @@ void write_statistics_file(const std::string& path, const Model& model, const St
     prepare_workspace(workspace, terms);
     compute_totals(store, terms, workspace, statistics);
     OutFile out(path, OpenMode::truncate);
-    write_statistics_report(out, parameter_labels(model, LabelStyle::report, LabelOrder::catalogue), statistics);
+    write_statistics_report(out, parameter_labels(model, LabelStyle::report, LabelOrder::catalogue),
+                            statistics);
     out.close();
 }
 
@@ -74,10 +77,12 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
     run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
 
     context.seeds.reseed(context.rng);
-    const std::vector<ParameterLabel> labels = parameter_labels(context.model, LabelStyle::simulation);
+    const std::vector<ParameterLabel> labels =
+        parameter_labels(context.model, LabelStyle::simulation);
     {
         OutFile report(names.simulation, OpenMode::truncate);
-        write_simulation_heading(report, Store::kind, setup.observed.node_count, labels, parameters, plan);
+        write_simulation_heading(report, Store::kind, setup.observed.node_count, labels, parameters,
+                                 plan);
         report.close();
         OutFile parameter_file(names.parameter, OpenMode::truncate);
         write_parameter_lines(parameter_file, labels, parameters);
@@ -97,7 +102,8 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
             write_sample_statistics_row(statistics, i, chain.statistics, columns);
             files.write_rows(setup.observed, scratch, nullptr);
             write_accept_row(accept, i, interval_accepted / plan.interval);
-            if (s.pajek_output == 1) Traits::write_sample_network(setup.observed, i, names, s.network_name);
+            if (s.pajek_output == 1)
+                Traits::write_sample_network(setup.observed, i, names, s.network_name);
         });
     write_accepted_total(accept, Store::kind, accepted);
     accept.close();
@@ -110,8 +116,8 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
 }
 
 template <class Store>
-void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup, const std::vector<double>& parameters,
-                     const SamplingPlan& plan) {
+void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
+                     const std::vector<double>& parameters, const SamplingPlan& plan) {
     using Traits = KindTraits<Store>;
     const RunSettings& s = context.settings;
     const OutputNames& names = context.names;
@@ -142,7 +148,8 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup, const std::ve
     const SampleMeasures observed_measures = Traits::measure(setup.observed, scratch);
     {
         OutFile report(names.gof, OpenMode::append);
-        write_gof_heading(report, Store::kind, parameter_labels(model, LabelStyle::simulation), parameters, plan);
+        write_gof_heading(report, Store::kind, parameter_labels(model, LabelStyle::simulation),
+                          parameters, plan);
         report.close();
     }
 
@@ -162,20 +169,24 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup, const std::ve
         run_proposals(chain, parameters.data(), plan, context.progress, [&](double i, double) {
             recount_uncarried(chain);
             write_sample_statistics_row(statistics, i, chain.statistics, columns);
-            for (size_t k = 0; k < static_cast<size_t>(p); ++k) sample.statistics[k].push_back(chain.statistics[k]);
+            for (size_t k = 0; k < static_cast<size_t>(p); ++k)
+                sample.statistics[k].push_back(chain.statistics[k]);
             sample.numbers.push_back(i);
             const SampleMeasures measures = Traits::measure(working, scratch);
-            for (size_t m = 0; m < measures.values.size(); ++m) sample.measures[m].push_back(measures.values[m]);
+            for (size_t m = 0; m < measures.values.size(); ++m)
+                sample.measures[m].push_back(measures.values[m]);
             sample.quartiles.push_back(measures.quartiles);
             files.write_rows(working, scratch, &measures);
-            if (s.pajek_output == 1) Traits::write_sample_network(working, i, names, s.network_name);
+            if (s.pajek_output == 1)
+                Traits::write_sample_network(working, i, names, s.network_name);
         });
     statistics.close();
     files.close();
 
     OutFile report(names.gof, OpenMode::append);
-    write_gof_comparisons(report, Store::kind, accepted, plan.proposals, parameter_labels(model, LabelStyle::gof),
-                          observed_statistics, Traits::measure_names(), observed_measures.values, sample);
+    write_gof_comparisons(report, Store::kind, accepted, plan.proposals,
+                          parameter_labels(model, LabelStyle::gof), observed_statistics,
+                          Traits::measure_names(), observed_measures.values, sample);
     write_gof_quartiles(report, observed_measures.quartiles, sample);
     report.close();
     const Mahalanobis distance = mahalanobis(sample.statistics, observed_statistics);
@@ -197,7 +208,8 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
     Model& model = context.model;
     if (parameters.empty()) {
         throw SettingError(format_message(
-            "vexa: run file '%s' includes no effect, so there is nothing to estimate", s.run_file.c_str()));
+            "vexa: run file '%s' includes no effect, so there is nothing to estimate",
+            s.run_file.c_str()));
     }
     KindTraits<Store>::adjust_start(model, setup.observed, parameters);
     EstimationSettings settings;
@@ -227,9 +239,11 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             print(report, "STOCHASTIC APPROXIMATION RUN %d\n\n", run + 1);
             report.close();
         }
-        std::fprintf(context.console, "vexa: estimation run %d of %d\n", run + 1, s.estimation_runs);
+        std::fprintf(context.console, "vexa: estimation run %d of %d\n", run + 1,
+                     s.estimation_runs);
         std::fflush(context.console);
-        const EstimationRun result = estimate(chain, parameters, D, settings, context.seeds, context.progress);
+        const EstimationRun result =
+            estimate(chain, parameters, D, settings, context.seeds, context.progress);
         {
             OutFile report(names.estimation, OpenMode::append);
             write_estimation_run(report, result, labels);
@@ -264,7 +278,8 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             OutFile changes(names.change_statistics, OpenMode::truncate);
             OutFile logodds(names.logodds, OpenMode::truncate);
             write_change_statistics_and_logodds(setup.observed, setup.terms, parameters,
-                                                parameter_labels(model, LabelStyle::column), changes, logodds);
+                                                parameter_labels(model, LabelStyle::column),
+                                                changes, logodds);
             changes.close();
             logodds.close();
         }
@@ -295,7 +310,8 @@ void run_task(RunContext& context) {
     task_detail::TaskSetup<Store> setup;
     setup.observed = s.task == 1 ? Traits::random_start(context) : Traits::read(s.network_file, n);
     setup.terms = make_terms<Store>(context.model);
-    task_detail::write_statistics_file(context.names.start_statistics, context.model, setup.observed, setup.terms);
+    task_detail::write_statistics_file(context.names.start_statistics, context.model,
+                                       setup.observed, setup.terms);
     if (s.constraint_given == 1) {
         setup.mask = std::make_unique<DyadMask>(read_dyad_mask(s.constraint_file, n, Store::kind));
     }
@@ -305,17 +321,12 @@ void run_task(RunContext& context) {
     check_proposals_possible(setup.observed, setup.sampler);
 
     switch (s.task) {
-        case 1:
-            task_detail::simulate(context, setup, parameters);
-            break;
-        case 2:
-            task_detail::estimate_model(context, setup, parameters);
-            break;
+        case 1: task_detail::simulate(context, setup, parameters); break;
+        case 2: task_detail::estimate_model(context, setup, parameters); break;
         case 3:
             task_detail::goodness_of_fit(context, setup, parameters, task_detail::sampling_plan(s));
             break;
-        default:
-            break;
+        default: break;
     }
 }
 

@@ -84,8 +84,9 @@ void accumulate_covariance(Matrix& D, Matrix& draws, const std::vector<double>& 
 // One run on the chain (its statistics hold the observed totals), continuing from theta and
 // the caller's matrix D (zero at the first run).
 template <class Store>
-EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& D, const EstimationSettings& settings,
-                       SeedSource& seeds, const Progress& progress) {
+EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& D,
+                       const EstimationSettings& settings, SeedSource& seeds,
+                       const Progress& progress) {
     using estimation_detail::accumulate_covariance;
     using estimation_detail::draw_statistics;
     EstimationRun run;
@@ -94,7 +95,8 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     seeds.reseed(*chain.rng);
     std::vector<double> mean(count, 0.0), variance(count, 0.0);
     float a = settings.start_a_value;
-    run.observed.assign(chain.statistics.begin(), chain.statistics.begin() + static_cast<std::ptrdiff_t>(count));
+    run.observed.assign(chain.statistics.begin(),
+                        chain.statistics.begin() + static_cast<std::ptrdiff_t>(count));
     const std::vector<double>& observed = run.observed;
     run.starting = theta;
     run.gain = a;
@@ -139,10 +141,12 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
                 const double* z = chain.statistics.data();
                 for (int j = 0; j < p; ++j) {
                     for (int l = 0; l < p; ++l) {
-                        theta[static_cast<size_t>(j)] -= (z[l] - observed[static_cast<size_t>(l)]) * a * D[l][j];
+                        theta[static_cast<size_t>(j)] -=
+                            (z[l] - observed[static_cast<size_t>(l)]) * a * D[l][j];
                     }
                 }
-                for (size_t l = 0; l < count; ++l) crossing[l] += (z[l] - observed[l]) * (previous[l] - observed[l]);
+                for (size_t l = 0; l < count; ++l)
+                    crossing[l] += (z[l] - observed[l]) * (previous[l] - observed[l]);
                 for (size_t l = 0; l < count; ++l) parameter_sum[l] += theta[l];
                 ++i;
                 if (i >= n_max) break;

@@ -22,10 +22,10 @@ struct EffectSetting {
 
 // One attribute sub-block of the run file (or the covariate section).
 struct AttributeSection {
-    bool given = false;               // its flag was 1
-    int32_t count = 0;                // number of attributes (covariates) of this kind
-    std::string file;                 // the attribute or covariate file named in the run file
-    std::vector<std::string> names;   // one per attribute, from that file
+    bool given = false;              // its flag was 1
+    int32_t count = 0;               // number of attributes (covariates) of this kind
+    std::string file;                // the attribute or covariate file named in the run file
+    std::vector<std::string> names;  // one per attribute, from that file
     // Per attribute: n node values (a covariate: n x n, row-major), a missing value read as 0,
     // and per node whether the value is missing.
     std::vector<std::vector<double>> data;
@@ -39,13 +39,15 @@ struct AttributeSection {
 
 struct Model {
     NetworkKind kind = NetworkKind::graph;
-    bool structural_given = false;            // the structural section flag was 1
-    std::vector<EffectSetting> structural;    // one per catalogue row of the kind
-    bool attributes_given = false;            // the attribute block flag was 1
+    bool structural_given = false;          // the structural section flag was 1
+    std::vector<EffectSetting> structural;  // one per catalogue row of the kind
+    bool attributes_given = false;          // the attribute block flag was 1
     std::array<AttributeSection, attribute_kind_count> attributes;  // covariate included
-    int32_t structural_included = 0;          // included structural effects
+    int32_t structural_included = 0;                                // included structural effects
 
-    AttributeSection& section(AttributeKind which) { return attributes[static_cast<size_t>(which)]; }
+    AttributeSection& section(AttributeKind which) {
+        return attributes[static_cast<size_t>(which)];
+    }
     const AttributeSection& section(AttributeKind which) const {
         return attributes[static_cast<size_t>(which)];
     }

@@ -15,13 +15,13 @@
 namespace vexa {
 
 struct ParameterLabel {
-    std::string name;       // without lambda
-    int32_t position = 0;   // index into the parameter and statistics vectors
+    std::string name;      // without lambda
+    int32_t position = 0;  // index into the parameter and statistics vectors
     bool alternating = false;
     float lambda = 0.0f;
-    bool integral = true;   // a count, printed with %.0f where counts are
+    bool integral = true;  // a count, printed with %.0f where counts are
     bool structural = true;
-    int32_t row = 0;        // catalogue row of the effect
+    int32_t row = 0;          // catalogue row of the effect
     const char* format = "";  // its SPSS format
 };
 

@@ -50,15 +50,16 @@ std::vector<Term<Store>> make_terms(const Model& model) {
         terms.push_back(term_of(rows[k], k, setting.slot, effective_lambda(model, k)));
     }
     int32_t position = model.structural_included;
-    for_each_included_attribute_effect(model, [&](AttributeKind kind, int32_t effect, int32_t attribute) {
-        const EffectRow<Store>& row = attribute_rows<Store>(kind)[static_cast<size_t>(effect)];
-        Term<Store> term = term_of(row, static_cast<size_t>(effect), position++, 0.0f);
-        const AttributeSection& section = model.section(kind);
-        const auto a = static_cast<size_t>(attribute);
-        if (a < section.data.size()) term.values = section.data[a].data();
-        if (a < section.missing.size()) term.missing = section.missing[a].data();
-        terms.push_back(term);
-    });
+    for_each_included_attribute_effect(
+        model, [&](AttributeKind kind, int32_t effect, int32_t attribute) {
+            const EffectRow<Store>& row = attribute_rows<Store>(kind)[static_cast<size_t>(effect)];
+            Term<Store> term = term_of(row, static_cast<size_t>(effect), position++, 0.0f);
+            const AttributeSection& section = model.section(kind);
+            const auto a = static_cast<size_t>(attribute);
+            if (a < section.data.size()) term.values = section.data[a].data();
+            if (a < section.missing.size()) term.missing = section.missing[a].data();
+            terms.push_back(term);
+        });
     return terms;
 }
 

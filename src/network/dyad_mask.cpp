@@ -7,7 +7,8 @@ namespace vexa {
 
 DyadMask make_dyad_mask(int n, NetworkKind) {
     if (n < 1) {
-        throw SettingError(format_message("vexa: a network needs at least one node (node count %d)", n));
+        throw SettingError(
+            format_message("vexa: a network needs at least one node (node count %d)", n));
     }
     DyadMask mask;
     mask.node_count = n;
@@ -19,8 +20,8 @@ DyadMask make_dyad_mask(int n, NetworkKind) {
 void allow_dyad(DyadMask& mask, NetworkKind kind, int i, int j) {
     if (i == j || mask.allows(i, j)) return;
     const auto set = [&](int a, int b) {
-        mask.bits[static_cast<size_t>(a) * static_cast<size_t>(mask.row_words) + static_cast<size_t>(b >> 6)] |=
-            uint64_t{1} << (b & 63);
+        mask.bits[static_cast<size_t>(a) * static_cast<size_t>(mask.row_words) +
+                  static_cast<size_t>(b >> 6)] |= uint64_t{1} << (b & 63);
     };
     set(i, j);
     if (kind == NetworkKind::graph) set(j, i);

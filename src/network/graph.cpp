@@ -32,7 +32,8 @@ double physical_memory_bytes() {
 #if defined(__unix__)
     const long pages = sysconf(_SC_PHYS_PAGES);
     const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0) return static_cast<double>(pages) * static_cast<double>(page_size);
+    if (pages > 0 && page_size > 0)
+        return static_cast<double>(pages) * static_cast<double>(page_size);
 #endif
     return 0.0;  // unknown: do not refuse
 }
@@ -70,7 +71,8 @@ void widen_neighbour_rows(Graph& g) {
     g.neighbour_lists.resize(n * new_stride);
     int32_t* lists = g.neighbour_lists.data();
     for (size_t v = n - 1; v >= 1; --v) {
-        std::memmove(lists + v * new_stride, lists + v * old_stride, as_size(g.degree[v]) * sizeof(int32_t));
+        std::memmove(lists + v * new_stride, lists + v * old_stride,
+                     as_size(g.degree[v]) * sizeof(int32_t));
     }
     g.neighbour_stride = static_cast<int32_t>(new_stride);
 }
@@ -79,14 +81,15 @@ void widen_neighbour_rows(Graph& g) {
 
 Graph create_graph(int n) {
     if (n < 1) {
-        throw SettingError(format_message("vexa: a network needs at least one node (node count %d)", n));
+        throw SettingError(
+            format_message("vexa: a network needs at least one node (node count %d)", n));
     }
     const double needed = store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(
-            "vexa: a network of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB", n,
-            needed / 1e9, available / 1e9));
+            "vexa: a network of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB",
+            n, needed / 1e9, available / 1e9));
     }
     Graph g;
     const size_t nodes = as_size(n);
@@ -143,10 +146,10 @@ Graph& Graph::operator=(const Graph& other) {
     return *this;
 }
 
-
 void add_edge(Graph& g, int i, int j) {
     if (has_edge(g, i, j)) return;
-    if (std::max(g.degree[as_size(i)], g.degree[as_size(j)]) == g.neighbour_stride) widen_neighbour_rows(g);
+    if (std::max(g.degree[as_size(i)], g.degree[as_size(j)]) == g.neighbour_stride)
+        widen_neighbour_rows(g);
     g.edge_count += 1;
     g.row(i)[j >> 6] |= uint64_t{1} << (j & 63);
     g.row(j)[i >> 6] |= uint64_t{1} << (i & 63);
@@ -263,7 +266,8 @@ std::string check_bookkeeping(const Graph& g) {
         int d = 0;
         for (int w = 0; w < g.row_words; ++w) d += std::popcount(g.row(a)[w]);
         if (d != g.degree[as_size(a)]) {
-            return format_message("degree of node %d is %d, recount %d", a, g.degree[as_size(a)], d);
+            return format_message("degree of node %d is %d, recount %d", a, g.degree[as_size(a)],
+                                  d);
         }
         degree_histogram[as_size(d)] += 1;
         degree_sum += d;
@@ -312,7 +316,8 @@ std::string check_bookkeeping(const Graph& g) {
         }
         triangle_histogram[as_size(t)] += 1;
     }
-    if (triangle_histogram != g.triangle_histogram) return "triangle histogram disagrees with a recount";
+    if (triangle_histogram != g.triangle_histogram)
+        return "triangle histogram disagrees with a recount";
     return {};
 }
 

@@ -34,11 +34,12 @@ struct Graph {
     std::vector<uint64_t> adjacency;  // n rows of row_words; node j is bit j%64 of word j/64
     // Symmetric n x n; the diagonal is not kept. On large pages where the system has them.
     std::vector<int32_t, LargeAllocator<int32_t>> shared_partners;
-    std::vector<int32_t> degree_histogram;          // n: entry d = nodes of degree d
-    std::vector<int32_t> degree;                    // n
-    std::vector<int32_t> shared_partner_histogram;  // n-1: entry s = unordered pairs with s partners
-    std::vector<int32_t> triangles;                 // n: triangles at each node
-    std::vector<int32_t> triangle_histogram;        // (n-2)(n-1)/2 + 1: entry t = nodes in t triangles
+    std::vector<int32_t> degree_histogram;  // n: entry d = nodes of degree d
+    std::vector<int32_t> degree;            // n
+    std::vector<int32_t>
+        shared_partner_histogram;             // n-1: entry s = unordered pairs with s partners
+    std::vector<int32_t> triangles;           // n: triangles at each node
+    std::vector<int32_t> triangle_histogram;  // (n-2)(n-1)/2 + 1: entry t = nodes in t triangles
     // The neighbours of every node in no particular order, kept with the adjacency: on sparse
     // networks a neighbour scan reads a few words instead of a whole bit row. Node v's list is
     // the first degree[v] entries of row v, rows `neighbour_stride` entries apart: packed
@@ -65,9 +66,12 @@ struct Graph {
                                static_cast<size_t>(b)];
     }
     const int32_t* neighbour_row(int v) const {
-        return neighbour_lists.data() + static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride);
+        return neighbour_lists.data() +
+               static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride);
     }
-    int32_t* neighbour_row(int v) { return const_cast<int32_t*>(std::as_const(*this).neighbour_row(v)); }
+    int32_t* neighbour_row(int v) {
+        return const_cast<int32_t*>(std::as_const(*this).neighbour_row(v));
+    }
     std::span<const int32_t> neighbours_of(int v) const {
         return {neighbour_row(v), static_cast<size_t>(degree[static_cast<size_t>(v)])};
     }

@@ -16,18 +16,21 @@ void print_values(FILE* out, const char* heading, const std::vector<double>& val
 
 }  // namespace
 
-void write_estimation_settings(FILE* out, const std::string& network_name, const EstimationSettings& settings,
-                               int32_t estimation_runs) {
+void write_estimation_settings(FILE* out, const std::string& network_name,
+                               const EstimationSettings& settings, int32_t estimation_runs) {
     print(out, "STOCHASTIC ESTIMATION FOR NETWORK %s\n", network_name.c_str());
     print(out, "ESTIMATION SETTINGS\n");
     print(out, "Number of sub-phases in estimation (phase 2) = %d\n", settings.subphase_count);
-    print(out, "starting a-value in estimation (phase 2) = %f\n", static_cast<double>(settings.start_a_value));
-    print(out, "Multiplication factor for estimation (phase 2) = %d\n", settings.multiplication_factor);
+    print(out, "starting a-value in estimation (phase 2) = %f\n",
+          static_cast<double>(settings.start_a_value));
+    print(out, "Multiplication factor for estimation (phase 2) = %d\n",
+          settings.multiplication_factor);
     print(out, "Number of steps in final simulation (phase 3) = %d\n", settings.phase3_steps);
     print(out, "Number of estimation runs = %d\n\n", estimation_runs);
 }
 
-void write_estimation_run(FILE* out, const EstimationRun& run, const std::vector<ParameterLabel>& labels) {
+void write_estimation_run(FILE* out, const EstimationRun& run,
+                          const std::vector<ParameterLabel>& labels) {
     print_values(out, "original statistics:", run.observed);
     print_values(out, "starting parameters:", run.starting);
     print(out,
@@ -44,7 +47,8 @@ void write_estimation_run(FILE* out, const EstimationRun& run, const std::vector
     print(out, "Phase 2 started\n");
     for (size_t k = 0; k < run.subphases.size(); ++k) {
         const Subphase& subphase = run.subphases[k];
-        print(out, "\n\nSubphase %zu started with a valued %f\n", k, static_cast<double>(subphase.gain));
+        print(out, "\n\nSubphase %zu started with a valued %f\n", k,
+              static_cast<double>(subphase.gain));
         print(out, "\nSubphase %zu has gone up to %d steps\n", k, subphase.steps);
         print(out, "Parameter after Subphase %zu:", k);
         for (const double value : subphase.parameters) print(out, "%8.5f\t", value);
@@ -62,9 +66,12 @@ void write_estimation_run(FILE* out, const EstimationRun& run, const std::vector
     write_covariance_matrix(out, run.covariance);
 }
 
-void write_estimation_summary(FILE* out, const std::vector<ParameterLabel>& labels, const std::vector<double>& theta,
-                              const std::vector<double>& standard_errors, const std::vector<double>& t_ratios) {
-    print(out, "\nEstimation Result for Network SUMMARY (parameter, standard error, t-statistics)\n");
+void write_estimation_summary(FILE* out, const std::vector<ParameterLabel>& labels,
+                              const std::vector<double>& theta,
+                              const std::vector<double>& standard_errors,
+                              const std::vector<double>& t_ratios) {
+    print(out,
+          "\nEstimation Result for Network SUMMARY (parameter, standard error, t-statistics)\n");
     print(out,
           "NOTE: t-statistics = (observation - sample mean)/standard error\n"
           "effects\testimates\tstderr\tt-ratio\n");

@@ -24,9 +24,10 @@ void write_gof_heading(FILE* out, NetworkKind kind, const std::vector<ParameterL
 // of the descriptive measures (named, observed values in the sample's measure order), and the
 // acceptance rate.
 void write_gof_comparisons(FILE* out, NetworkKind kind, double accepted, double proposals,
-                           const std::vector<ParameterLabel>& labels, const std::vector<double>& observed,
-                           const std::vector<std::string>& measure_names, const std::vector<double>& observed_measures,
-                           const GofSample& sample);
+                           const std::vector<ParameterLabel>& labels,
+                           const std::vector<double>& observed,
+                           const std::vector<std::string>& measure_names,
+                           const std::vector<double>& observed_measures, const GofSample& sample);
 
 // The three quartile blocks.
 void write_gof_quartiles(FILE* out, const GeodesicQuartiles& observed, const GofSample& sample);
@@ -36,7 +37,7 @@ void write_gof_mahalanobis(FILE* out, NetworkKind kind, const Mahalanobis& dista
 
 // The sample with each sample's distance: "id", the statistics (`columns` in sample style) and
 // "mahalanobis"; one row per sample.
-void write_gof_sample_table(FILE* out, const std::vector<ParameterLabel>& columns, const GofSample& sample,
-                            const Mahalanobis& distance);
+void write_gof_sample_table(FILE* out, const std::vector<ParameterLabel>& columns,
+                            const GofSample& sample, const Mahalanobis& distance);
 
 }  // namespace vexa

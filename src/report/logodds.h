@@ -20,8 +20,8 @@ namespace vexa {
 template <class Store>
 void write_change_statistics_and_logodds(Store& store, const std::vector<Term<Store>>& terms,
                                          const std::vector<double>& parameters,
-                                         const std::vector<ParameterLabel>& columns, FILE* change_out,
-                                         FILE* logodds_out) {
+                                         const std::vector<ParameterLabel>& columns,
+                                         FILE* change_out, FILE* logodds_out) {
     print(change_out, "i\tj\ttie\t");
     for (const ParameterLabel& column : columns) print(change_out, "%s\t", column.name.c_str());
     print(change_out, "\n");
@@ -36,10 +36,11 @@ void write_change_statistics_and_logodds(Store& store, const std::vector<Term<St
         for (int j = directed ? 0 : i + 1; j < n; ++j) {
             if (i == j) continue;
             const bool tie = has_tie(store, i, j);
-            // A present tie is evaluated as a removal: the store then counts the network without it.
+            // A present tie is evaluated as a removal: the store then counts the network without
+            // it.
             if (tie) remove_tie(store, i, j);
-            const double logodds =
-                change_statistics(store, terms, workspace, parameters.data(), changes.data(), i, j, tie ? 0 : 1);
+            const double logodds = change_statistics(store, terms, workspace, parameters.data(),
+                                                     changes.data(), i, j, tie ? 0 : 1);
             if (tie) add_tie(store, i, j);
             print(change_out, "%d\t%d\t%d\t", i + 1, j + 1, tie ? 1 : 0);
             for (const ParameterLabel& column : columns) {

@@ -14,10 +14,12 @@ namespace vexa {
 
 // One line per parameter, "label\t%.5f" (with its lambda for an alternating effect);
 // `labels` in simulation style.
-void write_parameter_lines(FILE* out, const std::vector<ParameterLabel>& labels, const std::vector<double>& parameters);
+void write_parameter_lines(FILE* out, const std::vector<ParameterLabel>& labels,
+                           const std::vector<double>& parameters);
 
 // The heading of the simulation report: the network's size, the parameters and the plan.
-void write_simulation_heading(FILE* out, NetworkKind kind, int node_count, const std::vector<ParameterLabel>& labels,
+void write_simulation_heading(FILE* out, NetworkKind kind, int node_count,
+                              const std::vector<ParameterLabel>& labels,
                               const std::vector<double>& parameters, const SamplingPlan& plan);
 // "Accepted %.0f proposed graphs." (or digraphs), without a line end: it closes the report
 // and the accept file.

@@ -11,8 +11,9 @@ namespace {
 
 constexpr std::array<const char*, 5> graph_files{
     "stupdate.vexa", "biupdate.vexa", "contupdate.vexa", "catupdate.vexa", "covupdate.vexa"};
-constexpr std::array<const char*, 5> digraph_files{
-    "distupdate.vexa", "dibiupdate.vexa", "dicontupdate.vexa", "dicatupdate.vexa", "dicovupdate.vexa"};
+constexpr std::array<const char*, 5> digraph_files{"distupdate.vexa", "dibiupdate.vexa",
+                                                   "dicontupdate.vexa", "dicatupdate.vexa",
+                                                   "dicovupdate.vexa"};
 
 const char* kind_words(AttributeKind kind) {
     switch (kind) {
@@ -80,8 +81,8 @@ void write_attribute_update(FILE* out, const Model& model, AttributeKind kind) {
     check_section(section, catalogue.rows.size(), kind);
     for (size_t a = 0; a < static_cast<size_t>(section.count); ++a) {
         for (size_t e = 0; e < catalogue.rows.size(); ++e) {
-            print(out, "%s_%s\n%.5f\n", section.names[a].c_str(), catalogue.rows[e].labels.update_name,
-                  section.value[e][a]);
+            print(out, "%s_%s\n%.5f\n", section.names[a].c_str(),
+                  catalogue.rows[e].labels.update_name, section.value[e][a]);
         }
     }
 }

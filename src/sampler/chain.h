@@ -24,9 +24,9 @@ struct SamplerSettings {
     // Graphs: 1 the edge-preserving move, anything else the toggle. Digraphs: 1 the arc-count-
     // preserving swap, 2 the out-degree-preserving receiver move, anything else the toggle.
     int32_t variant = 0;
-    int32_t max_degree = 9999;     // graphs: no tie is added at a node of this degree;
-                                   // digraphs: the cap on out-degrees
-    int32_t max_in_degree = 9999;  // digraphs: the cap on in-degrees
+    int32_t max_degree = 9999;       // graphs: no tie is added at a node of this degree;
+                                     // digraphs: the cap on out-degrees
+    int32_t max_in_degree = 9999;    // digraphs: the cap on in-degrees
     const DyadMask* mask = nullptr;  // when set, only the dyads it allows may change
 };
 
@@ -49,8 +49,8 @@ struct Chain {
 // A chain on `store` under `terms` with `statistic_count` statistics; its statistics are the
 // store's totals. The store, the terms, the mask and the generator must outlive the chain.
 template <class Store>
-Chain<Store> make_chain(Store& store, const std::vector<Term<Store>>& terms, int32_t statistic_count,
-                        const SamplerSettings& settings, Rng& rng) {
+Chain<Store> make_chain(Store& store, const std::vector<Term<Store>>& terms,
+                        int32_t statistic_count, const SamplerSettings& settings, Rng& rng) {
     Chain<Store> chain;
     chain.store = &store;
     chain.terms = &terms;
@@ -85,7 +85,8 @@ void recount_uncarried(Chain<Store>& chain) {
     if (cliques) prepare_totals(*chain.store, chain.workspace);
     for (const Term<Store>& term : *chain.terms) {
         if (!term.carried) {
-            chain.statistics[static_cast<size_t>(term.slot)] = term.total(*chain.store, term, chain.workspace);
+            chain.statistics[static_cast<size_t>(term.slot)] =
+                term.total(*chain.store, term, chain.workspace);
         }
     }
 }

@@ -37,8 +37,9 @@ void check_after_step([[maybe_unused]] Chain<Store>& chain) {
         const size_t slot = static_cast<size_t>(term.slot);
         const double kept = chain.statistics[slot];
         if (std::fabs(kept - recounted[slot]) > 1e-6 * (1.0 + std::fabs(kept))) {
-            throw VexaError(format_message("vexa: statistic %d drifted: %.9g carried, %.9g recounted", term.slot,
-                                           kept, recounted[slot]));
+            throw VexaError(
+                format_message("vexa: statistic %d drifted: %.9g carried, %.9g recounted",
+                               term.slot, kept, recounted[slot]));
         }
     }
 #endif
@@ -57,7 +58,8 @@ bool addition_capped(const Store& store, const SamplerSettings& settings, int i,
         return store.degree[static_cast<size_t>(i)] >= settings.max_degree ||
                store.degree[static_cast<size_t>(j)] >= settings.max_degree;
     } else {
-        return store.out_degree(i) == settings.max_degree || store.in_degree(j) == settings.max_in_degree;
+        return store.out_degree(i) == settings.max_degree ||
+               store.in_degree(j) == settings.max_in_degree;
     }
 }
 
@@ -83,7 +85,8 @@ int toggle_step(Chain<Store>& chain, const double* parameters) {
     double* changes = chain.change_vector.data();
     if (!has_tie(store, i, j)) {
         if (chain_detail::addition_capped(store, chain.settings, i, j)) return 0;
-        const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
+        const double s =
+            change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
         if (rng.unit() > std::exp(s)) return 0;
         chain_detail::add_changes(chain, chain.change_vector, 1.0);
         add_tie(store, i, j);
@@ -142,11 +145,11 @@ int swap_step(Chain<Store>& chain, const double* parameters) {
     }
     const std::vector<Term<Store>>& terms = *chain.terms;
     remove_tie(store, r, s);
-    const double s_remove =
-        change_statistics(store, terms, chain.workspace, parameters, chain.removal_changes.data(), r, s, 0);
+    const double s_remove = change_statistics(store, terms, chain.workspace, parameters,
+                                              chain.removal_changes.data(), r, s, 0);
     update_after_toggle(store, r, s, 0);
-    const double s_add =
-        change_statistics(store, terms, chain.workspace, parameters, chain.addition_changes.data(), t, w, 1);
+    const double s_add = change_statistics(store, terms, chain.workspace, parameters,
+                                           chain.addition_changes.data(), t, w, 1);
     const double p = std::exp(s_add - s_remove);
     const double u = rng.unit();
     const bool rejected = Store::kind == NetworkKind::graph ? u > p : !(u < p);
@@ -157,7 +160,8 @@ int swap_step(Chain<Store>& chain, const double* parameters) {
     }
     double* statistics = chain.statistics.data();
     for (int32_t k = 0; k < chain.statistic_count(); ++k) {
-        statistics[k] += chain.addition_changes[static_cast<size_t>(k)] - chain.removal_changes[static_cast<size_t>(k)];
+        statistics[k] += chain.addition_changes[static_cast<size_t>(k)] -
+                         chain.removal_changes[static_cast<size_t>(k)];
     }
     add_tie(store, t, w);
     update_after_toggle(store, t, w, 1);

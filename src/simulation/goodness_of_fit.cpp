@@ -21,7 +21,9 @@ int quantile_index(double share, int count) {
 QuartileComparison compare_quartile(int32_t observed, std::vector<int32_t> sample) {
     std::sort(sample.begin(), sample.end());
     const int n = static_cast<int>(sample.size());
-    const auto at = [&](double share) { return sample[static_cast<size_t>(quantile_index(share, n))]; };
+    const auto at = [&](double share) {
+        return sample[static_cast<size_t>(quantile_index(share, n))];
+    };
     QuartileComparison c;
     c.median = at(0.5);
     c.range = at(0.75) - at(0.25);
@@ -39,7 +41,8 @@ QuartileComparison compare_quartile(int32_t observed, std::vector<int32_t> sampl
     return c;
 }
 
-Mahalanobis mahalanobis(const std::vector<std::vector<double>>& rows, const std::vector<double>& observed) {
+Mahalanobis mahalanobis(const std::vector<std::vector<double>>& rows,
+                        const std::vector<double>& observed) {
     const size_t p = rows.size();
     const size_t N = p > 0 ? rows[0].size() : 0;
     std::vector<double> mean(p, 0.0);
@@ -60,12 +63,14 @@ Mahalanobis mahalanobis(const std::vector<std::vector<double>>& rows, const std:
         double form = 0.0;
         for (size_t a = 0; a < p; ++a) {
             for (size_t b = 0; b < p; ++b) {
-                form += (value_of(a) - mean[a]) * C[static_cast<int>(a)][b] * (value_of(b) - mean[b]);
+                form +=
+                    (value_of(a) - mean[a]) * C[static_cast<int>(a)][b] * (value_of(b) - mean[b]);
             }
         }
         return form;
     };
-    for (size_t s = 0; s < N; ++s) result.sample_forms[s] = quadratic_form([&](size_t a) { return rows[a][s]; });
+    for (size_t s = 0; s < N; ++s)
+        result.sample_forms[s] = quadratic_form([&](size_t a) { return rows[a][s]; });
     result.observed_form = quadratic_form([&](size_t a) { return observed[a]; });
     result.observed_distance = std::sqrt(result.observed_form);
     size_t closer = 0;

@@ -50,11 +50,12 @@ struct Mahalanobis {
     bool available = false;            // false when the sampled statistics are collinear
     std::vector<double> sample_forms;  // each sample's quadratic form about the sample mean
     double observed_form = 0.0;
-    double observed_distance = 0.0;    // the square root of the observed form
-    double closer_percent = 0.0;       // 100 x samples whose form is below the observed one / N
+    double observed_distance = 0.0;  // the square root of the observed form
+    double closer_percent = 0.0;     // 100 x samples whose form is below the observed one / N
 };
 // Over the statistic rows (one row per statistic, one value per sample), with the covariance
 // divided by N.
-Mahalanobis mahalanobis(const std::vector<std::vector<double>>& rows, const std::vector<double>& observed);
+Mahalanobis mahalanobis(const std::vector<std::vector<double>>& rows,
+                        const std::vector<double>& observed);
 
 }  // namespace vexa

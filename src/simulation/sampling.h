@@ -23,8 +23,8 @@ double planned_samples(const SamplingPlan& plan);
 // each sampling point and the acceptances at the end. Returns the total accepted at sampling
 // points.
 template <class Store, class OnSample>
-double run_proposals(Chain<Store>& chain, const double* parameters, const SamplingPlan& plan, const Progress& progress,
-                     OnSample&& on_sample) {
+double run_proposals(Chain<Store>& chain, const double* parameters, const SamplingPlan& plan,
+                     const Progress& progress, OnSample&& on_sample) {
     double accepted_interval = 0.0;
     double accepted_total = 0.0;
     double next_sample = plan.interval;

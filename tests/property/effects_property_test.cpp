@@ -136,11 +136,14 @@ private:
         for (int v = 0; v < n; ++v) to[static_cast<size_t>(v)] = v;
         Rng shuffle;
         shuffle.seed(seed * 13u + 1u);
-        for (size_t k = to.size(); k > 1; --k) std::swap(to[k - 1], to[static_cast<size_t>(shuffle.next()) % k]);
-        expect_same(total(Fixture::build(Fixture::relabel(matrix, to))), truth, "total after relabelling");
+        for (size_t k = to.size(); k > 1; --k)
+            std::swap(to[k - 1], to[static_cast<size_t>(shuffle.next()) % k]);
+        expect_same(total(Fixture::build(Fixture::relabel(matrix, to))), truth,
+                    "total after relabelling");
 
         if (!about_.carried) {
-            EXPECT_EQ(change(store, 0, n > 1 ? 1 : 0, 1), 0.0) << "a statistic the chain does not carry is never weighed";
+            EXPECT_EQ(change(store, 0, n > 1 ? 1 : 0, 1), 0.0)
+                << "a statistic the chain does not carry is never weighed";
             return;
         }
 
@@ -158,7 +161,8 @@ private:
             }
         }
         EXPECT_EQ(check_bookkeeping(store), "");
-        EXPECT_TRUE(Fixture::adjacency(store).cells == matrix.cells) << "the toggles restored the network";
+        EXPECT_TRUE(Fixture::adjacency(store).cells == matrix.cells)
+            << "the toggles restored the network";
 
         // A shuffled build-up from the empty network.
         std::vector<std::pair<int, int>> ties;
@@ -167,11 +171,14 @@ private:
         }
         Rng rng;
         rng.seed(seed * 7u + 3u);
-        for (size_t k = ties.size(); k > 1; --k) std::swap(ties[k - 1], ties[static_cast<size_t>(rng.next()) % k]);
+        for (size_t k = ties.size(); k > 1; --k)
+            std::swap(ties[k - 1], ties[static_cast<size_t>(rng.next()) % k]);
         Store built = Fixture::build(typename Fixture::Matrix(n));
         double running = total(built);
-        expect_same(running, Fixture::value(Fixture::count(typename Fixture::Matrix(n)), case_.row, case_.lambda),
-                    "empty network");
+        expect_same(
+            running,
+            Fixture::value(Fixture::count(typename Fixture::Matrix(n)), case_.row, case_.lambda),
+            "empty network");
         for (const auto& [i, j] : ties) {
             running += change(built, i, j, 1);
             add_tie(built, i, j);
@@ -199,10 +206,12 @@ TEST_P(EffectProperty, TotalsAndChangesAgreeWithRecounts) {
 
 std::string case_name(const ::testing::TestParamInfo<RowCase>& info) {
     const RowCase& c = info.param;
-    const char* column = structural_catalogue(c.kind).rows[static_cast<size_t>(c.row)].labels.sample_column;
+    const char* column =
+        structural_catalogue(c.kind).rows[static_cast<size_t>(c.row)].labels.sample_column;
     char buffer[96];
-    std::snprintf(buffer, sizeof buffer, "%s_%s_lambda%d_n%d", c.kind == NetworkKind::graph ? "graph" : "digraph",
-                  column, static_cast<int>(c.lambda * 10.0f), c.n);
+    std::snprintf(buffer, sizeof buffer, "%s_%s_lambda%d_n%d",
+                  c.kind == NetworkKind::graph ? "graph" : "digraph", column,
+                  static_cast<int>(c.lambda * 10.0f), c.n);
     std::string name = buffer;
     for (char& ch : name) {
         if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "effects/graph/graph_catalogue.h"
-#include "report/network_file.h"
 #include "model/terms.h"
+#include "report/network_file.h"
 #include "sampler/steps.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
@@ -64,16 +64,19 @@ void recover(const char* tag, int n, const std::vector<Truth>& truth, int replic
         for (const Truth& t : truth) file.effects[t.name] = {0.0, t.lambda};
         file.runs = 4;
         testing::run_vexa(dir, file, static_cast<uint32_t>(r + 1));
-        const auto summary = testing::last_summary(testing::read_text(std::string(dir).append("/out/estimation_").append(file.name).append(".txt")));
+        const auto summary = testing::last_summary(testing::read_text(
+            std::string(dir).append("/out/estimation_").append(file.name).append(".txt")));
         if (summary.size() != truth.size()) continue;  // degenerate: no summary
         bool all_converged = true;
         for (size_t k = 0; k < truth.size(); ++k) {
             all_converged = all_converged && std::fabs(summary[k].t) < 0.1;
-            if (std::fabs(summary[k].estimate - truth[k].value) <= 2.0 * summary[k].se) ++covered[k];
+            if (std::fabs(summary[k].estimate - truth[k].value) <= 2.0 * summary[k].se)
+                ++covered[k];
         }
         converged += all_converged ? 1 : 0;
         std::printf("%s %2d (%d ties):", tag, r, g.edge_count);
-        for (const auto& row : summary) std::printf("  %s %.3f (%.3f)", row.label.c_str(), row.estimate, row.se);
+        for (const auto& row : summary)
+            std::printf("  %s %.3f (%.3f)", row.label.c_str(), row.estimate, row.se);
         std::printf("\n");
     }
     std::printf("%s: %d of %d converged; covered:", tag, converged, replications);

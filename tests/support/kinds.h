@@ -24,7 +24,9 @@ struct KindFixture<Graph> {
     using Matrix = AdjacencyMatrix;
     using Counts = BruteCounts;
 
-    static Matrix random(int n, double density, uint32_t seed) { return random_matrix(n, density, seed); }
+    static Matrix random(int n, double density, uint32_t seed) {
+        return random_matrix(n, density, seed);
+    }
     static Graph build(const Matrix& matrix) { return graph_from(matrix); }
     static Matrix adjacency(const Graph& graph) { return adjacency_of(graph); }
     static Counts count(const Matrix& matrix) { return brute_force_counts(matrix); }
@@ -38,7 +40,8 @@ struct KindFixture<Graph> {
         Matrix out(matrix.n);
         for (int a = 0; a < matrix.n; ++a) {
             for (int b = a + 1; b < matrix.n; ++b) {
-                if (matrix(a, b)) out.set(to[static_cast<size_t>(a)], to[static_cast<size_t>(b)], true);
+                if (matrix(a, b))
+                    out.set(to[static_cast<size_t>(a)], to[static_cast<size_t>(b)], true);
             }
         }
         return out;
@@ -59,14 +62,16 @@ inline Model model_of(NetworkKind kind, const std::vector<int>& rows) {
     Model model = empty_model(kind);
     for (const int row : rows) {
         model.structural[static_cast<size_t>(row)].slot = model.structural_included++;
-        model.structural[static_cast<size_t>(row)].lambda = structural_catalogue(kind).rows[static_cast<size_t>(row)].lambda_default;
+        model.structural[static_cast<size_t>(row)].lambda =
+            structural_catalogue(kind).rows[static_cast<size_t>(row)].lambda_default;
     }
     return model;
 }
 
 // The totals of every term of a store, by slot.
 template <class Store>
-std::vector<double> totals_of(const Store& store, const std::vector<Term<Store>>& terms, size_t count) {
+std::vector<double> totals_of(const Store& store, const std::vector<Term<Store>>& terms,
+                              size_t count) {
     std::vector<double> statistics(count, 0.0);
     Workspace workspace;
     prepare_workspace(workspace, terms);

@@ -49,7 +49,8 @@ std::string GraphRunFile::text() const {
         const bool included = found != effects.end();
         t.append(effect.labels.update_name).append("\n").append(included ? "1" : "0").append("\n");
         t.append(number(included ? found->second.first : 0.0));
-        if (effect.alternating()) t.append(" ").append(number(included ? found->second.second : 0.0));
+        if (effect.alternating())
+            t.append(" ").append(number(included ? found->second.second : 0.0));
         t.append("\n");
     }
     t += "attributes\n0\ncovariates\n0\n";
@@ -66,7 +67,8 @@ std::string GraphRunFile::text() const {
         row("runs", std::to_string(runs));
         row("gof_after", std::to_string(gof_after));
     } else {
-        const char* labels[] = {"pajek", "degree", "geodesic", "cluster", "triangle", "twopath", "et0nt"};
+        const char* labels[] = {"pajek",    "degree",  "geodesic", "cluster",
+                                "triangle", "twopath", "et0nt"};
         for (int k = 0; k < 7; ++k) row(labels[k], std::to_string(flags[k]));
         row("burn_in", number(burn_in));
         row("iterations", number(iterations));

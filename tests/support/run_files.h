@@ -2,9 +2,9 @@
 // Graph run files for end-to-end tests, built from a few settings, and a guard that runs a
 // test in its own working directory (update files land there).
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
-#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>

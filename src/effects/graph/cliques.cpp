@@ -19,7 +19,8 @@ using CliqueTally = std::array<int64_t, max_clique_depth>;
 // Counts the cliques inside `candidates` (a set of local nodes, each with the mask `higher` of
 // its neighbours numbered above it): tally[size + m - 1] gains the number of m-node cliques,
 // for m up to max_size - size. Every clique is met once, from its lowest node.
-void count_in_masks(const uint64_t* higher, uint64_t candidates, int size, int max_size, int64_t* tally) {
+void count_in_masks(const uint64_t* higher, uint64_t candidates, int size, int max_size,
+                    int64_t* tally) {
     if (size + 1 >= max_size) {
         tally[size] += std::popcount(candidates);
         return;
@@ -35,8 +36,8 @@ void count_in_masks(const uint64_t* higher, uint64_t candidates, int size, int m
 
 // The same on the graph's rows, for sets too large for one word: the candidates at each level
 // are the AND of the rows chosen so far, from node `first` on.
-void count_in_rows(const Graph& g, const uint64_t** rows, int row_count, int first, int size, int max_size,
-                   int64_t* tally) {
+void count_in_rows(const Graph& g, const uint64_t** rows, int row_count, int first, int size,
+                   int max_size, int64_t* tally) {
     for (int w = first >> 6; w < g.row_words; ++w) {
         uint64_t bits = ~uint64_t{0};
         for (int r = 0; r < row_count; ++r) bits &= rows[r][w];
@@ -102,7 +103,8 @@ void count_among_common(const Graph& g, int i, int j, int first, int max_size, i
 }
 
 int usable_depth(const Workspace& w) {
-    return std::min({static_cast<int>(w.clique_depth), max_clique_depth, static_cast<int>(w.clique_counts.size()),
+    return std::min({static_cast<int>(w.clique_depth), max_clique_depth,
+                     static_cast<int>(w.clique_counts.size()),
                      static_cast<int>(w.clique_changes.size())});
 }
 
@@ -118,9 +120,11 @@ void count_cliques(const Graph& g, Workspace& w) {
     if (depth >= 2) w.clique_counts[1] = g.edge_count;
     if (depth < 3) return;
     CliqueTally tally{};
-    for_each_edge(g, [&](int u, int v) { count_among_common(g, u, v, v + 1, depth - 2, tally.data()); });
+    for_each_edge(
+        g, [&](int u, int v) { count_among_common(g, u, v, v + 1, depth - 2, tally.data()); });
     for (int k = 3; k <= depth; ++k) {
-        w.clique_counts[static_cast<size_t>(k - 1)] = static_cast<double>(tally[static_cast<size_t>(k - 3)]);
+        w.clique_counts[static_cast<size_t>(k - 1)] =
+            static_cast<double>(tally[static_cast<size_t>(k - 3)]);
     }
 }
 
@@ -140,12 +144,12 @@ void fill_clique_changes(const Graph& g, Workspace& w, int i, int j) {
     if (s < 2) return;
     CliqueTally tally{};
     count_among_common(g, i, j, 0, depth - 2, tally.data());
-    for (int k = 4; k <= depth; ++k) changes[k - 1] = static_cast<double>(tally[static_cast<size_t>(k - 3)]);
+    for (int k = 4; k <= depth; ++k)
+        changes[k - 1] = static_cast<double>(tally[static_cast<size_t>(k - 3)]);
 }
 
 void prepare_totals(const Graph& graph, Workspace& workspace) {
     if (workspace.clique_depth >= 1) count_cliques(graph, workspace);
 }
-
 
 }  // namespace vexa

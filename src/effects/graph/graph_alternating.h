@@ -1,6 +1,6 @@
 #pragma once
-// The alternating effects of graphs: geometrically weighted sums whose decay lambda gives the weight
-// w(m) = (1 - 1/lambda)^m from the term's single-precision table. Totals read the same table
+// The alternating effects of graphs: geometrically weighted sums whose decay lambda gives the
+// weight w(m) = (1 - 1/lambda)^m from the term's single-precision table. Totals read the same table
 // as the changes, so a total and the sum of its changes agree to rounding.
 
 #include <array>
@@ -11,14 +11,19 @@
 
 namespace vexa::graph_terms {
 
-
 template <class G>
-inline double w(const Term<G>& term, int m) { return static_cast<double>(weight(term, m)); }
+inline double w(const Term<G>& term, int m) {
+    return static_cast<double>(weight(term, m));
+}
 template <class G>
-inline double lambda_of(const Term<G>& term) { return static_cast<double>(term.lambda); }
+inline double lambda_of(const Term<G>& term) {
+    return static_cast<double>(term.lambda);
+}
 // Below lambda 1 the star, triangle, two-path and clique series are switched off.
 template <class G>
-inline bool switched_off(const Term<G>& term) { return term.lambda < 1.0f; }
+inline bool switched_off(const Term<G>& term) {
+    return term.lambda < 1.0f;
+}
 
 // c[3] - r c[4] + r^2 c[5] - r^3 c[6] + r^4 c[7]: the 4- to 8-clique entries with alternating
 // signs, r = 1/lambda rounded to single precision. Entries the store does not keep count 0.
@@ -32,8 +37,6 @@ inline double alternating_cliques(const std::vector<double>& c, float lambda) {
     }
     return sum;
 }
-
-
 
 // AS, AS2: lambda^2 times the sum over v of (w(d_v) - 1 + d_v / lambda); 0 below lambda 1.
 // Change lambda (2 - w(d_i) - w(d_j)), O(1); total from the degree histogram, O(n).
@@ -61,14 +64,16 @@ inline double total_as(const G& g, const Term<G>& term, const Workspace&) {
 // neighbour k, worth lambda (w(L) - w(L + 1)) = w(L). Change O(words) over the common
 // neighbours (nothing when s = 0); total O(n words + E).
 template <class G>
-inline double change_at(const G& g, const Term<G>& term, const Workspace&, int i, int j, int added) {
+inline double change_at(const G& g, const Term<G>& term, const Workspace&, int i, int j,
+                        int added) {
     if (switched_off(term)) return 0.0;
     const int32_t s = g.partners(i, j);
     double sum = lambda_of(term) * (1.0 - w(term, s));
     const int32_t* pi = g.partners_row(i);
     const int32_t* pj = g.partners_row(j);
     const int fix = correction(added);
-    for_each_common_neighbour(g, i, j, s, [&](int k) { sum += w(term, pi[k] + fix) + w(term, pj[k] + fix); });
+    for_each_common_neighbour(g, i, j, s,
+                              [&](int k) { sum += w(term, pi[k] + fix) + w(term, pj[k] + fix); });
     return sum;
 }
 template <class G>
@@ -84,7 +89,8 @@ inline double total_at(const G& g, const Term<G>& term, const Workspace&) {
 // neighbour of i, worth w(L) each. Change O(words + d_i + d_j); total from the shared-partner
 // histogram, O(n).
 template <class G>
-inline double change_a2p(const G& g, const Term<G>& term, const Workspace&, int i, int j, int added) {
+inline double change_a2p(const G& g, const Term<G>& term, const Workspace&, int i, int j,
+                         int added) {
     if (switched_off(term)) return 0.0;
     const int32_t* pi = g.partners_row(i);
     const int32_t* pj = g.partners_row(j);
@@ -125,7 +131,8 @@ inline double total_ac(const G&, const Term<G>& term, const Workspace& workspace
 // moves from t (1 - w(d_i - 2)) to (t + s)(1 - w(d_i - 1)); a common neighbour gains one
 // triangle at unchanged degree. Change O(words) over the common neighbours; total O(n).
 template <class G>
-inline double change_aet(const G& g, const Term<G>& term, const Workspace&, int i, int j, int added) {
+inline double change_aet(const G& g, const Term<G>& term, const Workspace&, int i, int j,
+                         int added) {
     const int32_t s = g.partners(i, j);
     const int fix = correction(added);
     const int di = degree_of(g, i);
@@ -134,7 +141,8 @@ inline double change_aet(const G& g, const Term<G>& term, const Workspace&, int 
     const double uj = triangles_at(g, j) + fix * s;
     double sum = (1.0 - w(term, di - 1)) * (ui + s) + (1.0 - w(term, dj - 1)) * (uj + s) -
                  (1.0 - w(term, di - 2)) * ui - (1.0 - w(term, dj - 2)) * uj;
-    for_each_common_neighbour(g, i, j, s, [&](int k) { sum += 1.0 - w(term, degree_of(g, k) - 2); });
+    for_each_common_neighbour(g, i, j, s,
+                              [&](int k) { sum += 1.0 - w(term, degree_of(g, k) - 2); });
     return lambda_of(term) * sum;
 }
 template <class G>

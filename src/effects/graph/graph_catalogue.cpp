@@ -64,8 +64,10 @@ constexpr bool names_unique() {
     const auto& r = rows<Graph>;
     for (size_t k = 0; k < r.size(); ++k) {
         for (size_t m = k + 1; m < r.size(); ++m) {
-            if (same_text(r[k].about.labels.report_name, r[m].about.labels.report_name)) return false;
-            if (same_text(r[k].about.labels.sample_column, r[m].about.labels.sample_column)) return false;
+            if (same_text(r[k].about.labels.report_name, r[m].about.labels.report_name))
+                return false;
+            if (same_text(r[k].about.labels.sample_column, r[m].about.labels.sample_column))
+                return false;
             if (r[k].about.labels.update_name != nullptr &&
                 same_text(r[k].about.labels.update_name, r[m].about.labels.update_name)) {
                 return false;
@@ -81,7 +83,8 @@ constexpr std::array<int32_t, graph_effect_count - 1> run_file_order = [] {
     std::array<int32_t, graph_effect_count - 1> order{};
     int32_t next = 0;
     for (int32_t k = 0; k < graph_effect_count; ++k) {
-        if (rows<Graph>[static_cast<size_t>(k)].about.labels.update_name != nullptr) order[static_cast<size_t>(next++)] = k;
+        if (rows<Graph>[static_cast<size_t>(k)].about.labels.update_name != nullptr)
+            order[static_cast<size_t>(next++)] = k;
     }
     return order;
 }();

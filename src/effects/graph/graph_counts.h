@@ -9,16 +9,15 @@
 
 namespace vexa::graph_terms {
 
-
 inline double as_double(int64_t v) { return static_cast<double>(v); }
-
 
 // Sum over the nodes of C(d, k), from the degree histogram.
 inline double star_total(const Graph& g, int k) {
     double sum = 0.0;
     for (size_t d = 0; d < g.degree_histogram.size(); ++d) {
         const int32_t nodes = g.degree_histogram[d];
-        if (nodes != 0) sum += static_cast<double>(nodes) * as_double(choose(static_cast<int64_t>(d), k));
+        if (nodes != 0)
+            sum += static_cast<double>(nodes) * as_double(choose(static_cast<int64_t>(d), k));
     }
     return sum;
 }
@@ -85,8 +84,8 @@ inline int64_t et1_increase(const Graph& g, int i, int j, int added) {
     const int32_t s = g.partners(i, j);
     const int64_t di = degree_of(g, i);
     const int64_t dj = degree_of(g, j);
-    int64_t sum = triangles_without(g, i, s, added) + triangles_without(g, j, s, added) +
-                  (di + dj - 2) * s;
+    int64_t sum =
+        triangles_without(g, i, s, added) + triangles_without(g, j, s, added) + (di + dj - 2) * s;
     for_each_common_neighbour(g, i, j, s, [&](int k) { sum += degree_of(g, k) - 2; });
     return sum;
 }
@@ -105,7 +104,8 @@ inline int64_t et2_increase(const Graph& g, int i, int j, int added) {
     const int32_t s = g.partners(i, j);
     const int64_t di = degree_of(g, i);
     const int64_t dj = degree_of(g, j);
-    int64_t sum = s * (choose2(di - 1) + choose2(dj - 1)) + (di - 2) * triangles_without(g, i, s, added) +
+    int64_t sum = s * (choose2(di - 1) + choose2(dj - 1)) +
+                  (di - 2) * triangles_without(g, i, s, added) +
                   (dj - 2) * triangles_without(g, j, s, added);
     for_each_common_neighbour(g, i, j, s, [&](int k) { sum += choose2(degree_of(g, k) - 2); });
     return sum;
@@ -148,7 +148,9 @@ inline int64_t q_increase(const Graph& g, int i, int j, int added, QKind kind) {
         left -= std::popcount(a) + std::popcount(b);
         const int base = w * 64;
         if (kind.tied) {
-            for_each_bit(a & b, base, [&](int k) { sum += choose(pi[k] + fix, step) + choose(pj[k] + fix, step); });
+            for_each_bit(a & b, base, [&](int k) {
+                sum += choose(pi[k] + fix, step) + choose(pj[k] + fix, step);
+            });
         } else {
             for_each_bit(b & ~a, base, [&](int k) { sum += choose(pi[k] + fix, step); });
             for_each_bit(a & ~b, base, [&](int k) { sum += choose(pj[k] + fix, step); });
@@ -168,54 +170,67 @@ inline int64_t q_count(const Graph& g, QKind kind) {
     return sum;
 }
 
-
 // edge: the number of edges. O(1).
 template <class G>
 inline double change_edge(const G&, const Term<G>&, const Workspace&, int, int, int) {
     return 1.0;
 }
 template <class G>
-inline double total_edge(const G& g, const Term<G>& , const Workspace&) { return g.edge_count; }
+inline double total_edge(const G& g, const Term<G>&, const Workspace&) {
+    return g.edge_count;
+}
 
-// k-stars (k = the variant, 2 to 5): the sum over nodes of C(d, k). Change C(d_i, k-1) + C(d_j, k-1), O(1);
-// total from the degree histogram, O(n).
+// k-stars (k = the variant, 2 to 5): the sum over nodes of C(d, k). Change C(d_i, k-1) + C(d_j,
+// k-1), O(1); total from the degree histogram, O(n).
 template <class G>
 inline double change_star(const G& g, const Term<G>& term, const Workspace&, int i, int j, int) {
     return star_change(g, i, j, term.variant);
 }
 template <class G>
-inline double total_star(const G& g, const Term<G>& term, const Workspace&) { return star_total(g, term.variant); }
+inline double total_star(const G& g, const Term<G>& term, const Workspace&) {
+    return star_total(g, term.variant);
+}
 
 // Triangle (and P0): the number of triangles. Change s, O(1); total a third of the sum of
 // the per-node triangle counts, O(n).
 template <class G>
-inline double change_triangle(const G& g, const Term<G>& , const Workspace&, int i, int j, int) { return g.partners(i, j); }
+inline double change_triangle(const G& g, const Term<G>&, const Workspace&, int i, int j, int) {
+    return g.partners(i, j);
+}
 template <class G>
-inline double total_triangle(const G& g, const Term<G>& , const Workspace&) { return as_double(triangle_count(g)); }
+inline double total_triangle(const G& g, const Term<G>&, const Workspace&) {
+    return as_double(triangle_count(g));
+}
 
 // Isolates: nodes of degree 0. Change minus the isolated endpoints, O(1); total O(1).
 template <class G>
-inline double change_isolates(const G& g, const Term<G>& , const Workspace&, int i, int j, int) {
+inline double change_isolates(const G& g, const Term<G>&, const Workspace&, int i, int j, int) {
     return -static_cast<double>((degree_of(g, i) == 0 ? 1 : 0) + (degree_of(g, j) == 0 ? 1 : 0));
 }
 template <class G>
-inline double total_isolates(const G& g, const Term<G>& , const Workspace&) { return g.degree_histogram[0]; }
+inline double total_isolates(const G& g, const Term<G>&, const Workspace&) {
+    return g.degree_histogram[0];
+}
 
 // Triangle2: pairs of triangles sharing an edge, the sum over edges of C(L_e, 2). Change
 // O(words) over the common neighbours (nothing when s = 0); total O(n words + E).
 template <class G>
-inline double change_triangle2(const G& g, const Term<G>& , const Workspace&, int i, int j, int added) {
+inline double change_triangle2(const G& g, const Term<G>&, const Workspace&, int i, int j,
+                               int added) {
     return as_double(triangle2_increase(g, i, j, added));
 }
 template <class G>
-inline double total_triangle2(const G& g, const Term<G>& , const Workspace&) { return as_double(triangle2_count(g)); }
+inline double total_triangle2(const G& g, const Term<G>&, const Workspace&) {
+    return as_double(triangle2_count(g));
+}
 
 // Bow_tie: pairs of triangles sharing exactly one node, the sum over v of C(t_v, 2) minus
 // twice Triangle2 (a pair sharing an edge is seen at both its shared nodes). Change: at i,
 // C(t + s, 2) - C(t, 2) = s t + C(s, 2); at a common neighbour t_k; minus twice the Triangle2
 // change. O(words) over the common neighbours.
 template <class G>
-inline double change_bow_tie(const G& g, const Term<G>& , const Workspace&, int i, int j, int added) {
+inline double change_bow_tie(const G& g, const Term<G>&, const Workspace&, int i, int j,
+                             int added) {
     const int32_t s = g.partners(i, j);
     const int64_t ti = triangles_without(g, i, s, added);
     const int64_t tj = triangles_without(g, j, s, added);
@@ -231,7 +246,7 @@ inline double change_bow_tie(const G& g, const Term<G>& , const Workspace&, int 
     return as_double(s * (ti + tj) + 2 * choose2(s) + at_common - 2 * t2);
 }
 template <class G>
-inline double total_bow_tie(const G& g, const Term<G>& , const Workspace&) {
+inline double total_bow_tie(const G& g, const Term<G>&, const Workspace&) {
     int64_t sum = 0;
     for (const int32_t t : g.triangles) sum += choose2(t);
     return as_double(sum - 2 * triangle2_count(g));
@@ -240,19 +255,23 @@ inline double total_bow_tie(const G& g, const Term<G>& , const Workspace&) {
 // 3Path: 3-trails, the sum over edges uv of (d_u - 1)(d_v - 1); a triangle counts three
 // times. Change O(words + d_i + d_j); total O(n words + E).
 template <class G>
-inline double change_path3(const G& g, const Term<G>& , const Workspace&, int i, int j, int) {
+inline double change_path3(const G& g, const Term<G>&, const Workspace&, int i, int j, int) {
     return as_double(path3_increase(g, i, j));
 }
 template <class G>
-inline double total_path3(const G& g, const Term<G>& , const Workspace&) { return as_double(path3_count(g)); }
+inline double total_path3(const G& g, const Term<G>&, const Workspace&) {
+    return as_double(path3_count(g));
+}
 
 // P3: simple paths on four distinct nodes, 3Path minus three times Triangle. Cost as 3Path.
 template <class G>
-inline double change_p3(const G& g, const Term<G>& , const Workspace&, int i, int j, int) {
+inline double change_p3(const G& g, const Term<G>&, const Workspace&, int i, int j, int) {
     return as_double(path3_increase(g, i, j) - 3 * int64_t{g.partners(i, j)});
 }
 template <class G>
-inline double total_p3(const G& g, const Term<G>& , const Workspace&) { return as_double(path3_count(g) - 3 * triangle_count(g)); }
+inline double total_p3(const G& g, const Term<G>&, const Workspace&) {
+    return as_double(path3_count(g) - 3 * triangle_count(g));
+}
 
 // Q10, Q20, Q30: the sum over untied pairs of C(L, m), m = 1, 2, 3; Q31: the sum over tied
 // pairs of C(L, 3). The variant is 10 m, plus 1 for tied pairs. Change O(words + d_i + d_j)
@@ -260,7 +279,8 @@ inline double total_p3(const G& g, const Term<G>& , const Workspace&) { return a
 inline QKind q_kind(int variant) { return {variant / 10, variant % 10 == 1}; }
 template <class G>
 inline double change_q(const G& g, const Term<G>& term, const Workspace&, int i, int j, int added) {
-    if (term.variant == 10) return static_cast<double>(degree_of(g, i) + degree_of(g, j) - 3 * g.partners(i, j));
+    if (term.variant == 10)
+        return static_cast<double>(degree_of(g, i) + degree_of(g, j) - 3 * g.partners(i, j));
     return as_double(q_increase(g, i, j, added, q_kind(term.variant)));
 }
 template <class G>
@@ -272,7 +292,7 @@ inline double total_q(const G& g, const Term<G>& term, const Workspace&) {
 // neighbours k of j of the partners of i and k (less the stale j during a removal),
 // O(words + d_j); total from the shared-partner histogram, O(n).
 template <class G>
-inline double change_cycle4(const G& g, const Term<G>& , const Workspace&, int i, int j, int added) {
+inline double change_cycle4(const G& g, const Term<G>&, const Workspace&, int i, int j, int added) {
     const int32_t* pi = g.partners_row(i);
     const int fix = correction(added);
     prefetch_partners(g, pi, j);
@@ -281,7 +301,7 @@ inline double change_cycle4(const G& g, const Term<G>& , const Workspace&, int i
     return as_double(sum);
 }
 template <class G>
-inline double total_cycle4(const G& g, const Term<G>& , const Workspace&) {
+inline double total_cycle4(const G& g, const Term<G>&, const Workspace&) {
     int64_t sum = 0;
     for (size_t s = 0; s < g.shared_partner_histogram.size(); ++s) {
         sum += g.shared_partner_histogram[s] * choose2(static_cast<int64_t>(s));
@@ -292,25 +312,30 @@ inline double total_cycle4(const G& g, const Term<G>& , const Workspace&) {
 // 1ET: a triangle with one further tie at one corner, the sum over v of t_v (d_v - 2).
 // Change O(words) over the common neighbours; total O(n).
 template <class G>
-inline double change_et1(const G& g, const Term<G>& , const Workspace&, int i, int j, int added) {
+inline double change_et1(const G& g, const Term<G>&, const Workspace&, int i, int j, int added) {
     return as_double(et1_increase(g, i, j, added));
 }
 template <class G>
-inline double total_et1(const G& g, const Term<G>& , const Workspace&) { return as_double(et1_count(g)); }
+inline double total_et1(const G& g, const Term<G>&, const Workspace&) {
+    return as_double(et1_count(g));
+}
 
 // 2ET: a triangle with two further ties at one corner, the sum over v of t_v C(d_v - 2, 2).
 // Change O(words) over the common neighbours; total O(n).
 template <class G>
-inline double change_et2(const G& g, const Term<G>& , const Workspace&, int i, int j, int added) {
+inline double change_et2(const G& g, const Term<G>&, const Workspace&, int i, int j, int added) {
     return as_double(et2_increase(g, i, j, added));
 }
 template <class G>
-inline double total_et2(const G& g, const Term<G>& , const Workspace&) { return as_double(et2_count(g)); }
+inline double total_et2(const G& g, const Term<G>&, const Workspace&) {
+    return as_double(et2_count(g));
+}
 
 // k-cliques, k = 4..7 (the variant): read from the census and the clique changes of the
 // workspace, O(1).
 template <class G>
-inline double change_clique(const G&, const Term<G>& term, const Workspace& workspace, int, int, int) {
+inline double change_clique(const G&, const Term<G>& term, const Workspace& workspace, int, int,
+                            int) {
     return clique_entry(workspace.clique_changes, static_cast<size_t>(term.variant));
 }
 template <class G>
@@ -327,7 +352,7 @@ inline double change_unweighted(const G&, const Term<G>&, const Workspace&, int,
 
 // 0ET: edges in no triangle. O(n words + E).
 template <class G>
-inline double total_et0(const G& g, const Term<G>& , const Workspace&) {
+inline double total_et0(const G& g, const Term<G>&, const Workspace&) {
     int64_t sum = 0;
     for_each_edge(g, [&](int u, int v) { sum += g.partners(u, v) == 0 ? 1 : 0; });
     return as_double(sum);
@@ -336,7 +361,7 @@ inline double total_et0(const G& g, const Term<G>& , const Workspace&) {
 // ETNT: the sum over v of t_v times the number of v's edges that lie in no triangle.
 // O(n words + E).
 template <class G>
-inline double total_etnt(const G& g, const Term<G>& , const Workspace&) {
+inline double total_etnt(const G& g, const Term<G>&, const Workspace&) {
     int64_t sum = 0;
     for (int v = 0; v < g.node_count; ++v) {
         const int32_t t = triangles_at(g, v);
@@ -352,31 +377,34 @@ inline double total_etnt(const G& g, const Term<G>& , const Workspace&) {
 // 2_3star: 2-stars minus half the 3-stars. Change O(1) (the bracket is halved twice in
 // floating point, so the result does not depend on the order edges arrive); total O(n).
 template <class G>
-inline double change_two3star(const G& g, const Term<G>& , const Workspace&, int i, int j, int) {
+inline double change_two3star(const G& g, const Term<G>&, const Workspace&, int i, int j, int) {
     const int64_t di = degree_of(g, i);
     const int64_t dj = degree_of(g, j);
     return as_double(di + dj) - as_double((di - 1) * di + (dj - 1) * dj) / 4.0;
 }
 template <class G>
-inline double total_two3star(const G& g, const Term<G>& , const Workspace&) { return star_total(g, 2) - star_total(g, 3) / 2.0; }
+inline double total_two3star(const G& g, const Term<G>&, const Workspace&) {
+    return star_total(g, 2) - star_total(g, 3) / 2.0;
+}
 
 // 1_2triangle: three times Triangle minus half Triangle2. Cost as Triangle2.
 template <class G>
-inline double change_one2triangle(const G& g, const Term<G>& , const Workspace&, int i, int j, int added) {
+inline double change_one2triangle(const G& g, const Term<G>&, const Workspace&, int i, int j,
+                                  int added) {
     return 3.0 * g.partners(i, j) - as_double(triangle2_increase(g, i, j, added)) / 2.0;
 }
 template <class G>
-inline double total_one2triangle(const G& g, const Term<G>& , const Workspace&) {
+inline double total_one2triangle(const G& g, const Term<G>&, const Workspace&) {
     return 3.0 * as_double(triangle_count(g)) - as_double(triangle2_count(g)) / 2.0;
 }
 
 // 1_2et: 1ET minus half 2ET. Cost as 1ET and 2ET together.
 template <class G>
-inline double change_one2et(const G& g, const Term<G>& , const Workspace&, int i, int j, int added) {
+inline double change_one2et(const G& g, const Term<G>&, const Workspace&, int i, int j, int added) {
     return as_double(et1_increase(g, i, j, added)) - as_double(et2_increase(g, i, j, added)) / 2.0;
 }
 template <class G>
-inline double total_one2et(const G& g, const Term<G>& , const Workspace&) {
+inline double total_one2et(const G& g, const Term<G>&, const Workspace&) {
     return as_double(et1_count(g)) - as_double(et2_count(g)) / 2.0;
 }
 

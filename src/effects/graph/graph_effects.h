@@ -48,7 +48,7 @@ inline void for_each_common_neighbour(const Graph& g, int i, int j, int count, F
     const std::span<const int32_t> list_j = g.neighbours_of(j);
     const bool i_shorter = list_i.size() <= list_j.size();
     const std::span<const int32_t> shorter = i_shorter ? list_i : list_j;
-    if (shorter.size() <= static_cast<size_t>(4 * g.row_words)) {
+    if (shorter.size() <= 4 * static_cast<size_t>(g.row_words)) {
         const uint64_t* other = g.row(i_shorter ? j : i);
         for (const int32_t k : shorter) {
             if ((other[k >> 6] >> (k & 63)) & 1u) {

@@ -9,13 +9,14 @@
 namespace {
 
 void usage(FILE* out) {
-    std::fprintf(out,
-                 "usage: vexa [--seed N] RUNFILE\n"
-                 "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
-                 "writes its reports where the run file says.\n"
-                 "  --seed N     make the run reproducible: the k-th seeding of the run uses N + k\n"
-                 "  --help       show this help\n"
-                 "  --version    show the version\n");
+    std::fprintf(
+        out,
+        "usage: vexa [--seed N] RUNFILE\n"
+        "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
+        "writes its reports where the run file says.\n"
+        "  --seed N     make the run reproducible: the k-th seeding of the run uses N + k\n"
+        "  --help       show this help\n"
+        "  --version    show the version\n");
 }
 
 bool parse_seed(const char* text, unsigned long& seed) {

@@ -23,7 +23,9 @@ namespace vexa {
 namespace {
 
 template <typename T>
-std::vector<double> as_doubles(const std::vector<T>& v) { return {v.begin(), v.end()}; }
+std::vector<double> as_doubles(const std::vector<T>& v) {
+    return {v.begin(), v.end()};
+}
 
 std::vector<double> quartiles_of(Graph g) {
     DescribeScratch scratch;
@@ -77,8 +79,10 @@ TEST_P(AgainstNetworkx, EveryMeasureMatches) {
     }
     EXPECT_EQ(as_doubles(scratch.lone_ties), lone);
     // The 0ET and ETNT statistics count the same from the store's bookkeeping.
-    const Model model = testing::model_of(NetworkKind::graph, {int(GraphEffect::et0), int(GraphEffect::etnt)});
-    EXPECT_EQ(testing::totals_of(g, make_terms<Graph>(model), 2), (std::vector<double>{lone_ends / 2, products}));
+    const Model model =
+        testing::model_of(NetworkKind::graph, {int(GraphEffect::et0), int(GraphEffect::etnt)});
+    EXPECT_EQ(testing::totals_of(g, make_terms<Graph>(model), 2),
+              (std::vector<double>{lone_ends / 2, products}));
 }
 
 INSTANTIATE_TEST_SUITE_P(BundledNetworks, AgainstNetworkx,
@@ -100,7 +104,8 @@ TEST(Geodesics, MatchFloydWarshall) {
     DescribeScratch scratch;
     const auto check = [&](const testing::AdjacencyMatrix& m, const std::string& name) {
         Graph g = testing::graph_from(m);
-        std::fill(scratch.distance.begin(), scratch.distance.end(), 7);  // stale entries must not survive
+        std::fill(scratch.distance.begin(), scratch.distance.end(),
+                  7);  // stale entries must not survive
         geodesics(g, scratch);
         const uint64_t* kept = scratch.arrivals.data();
         geodesics(g, scratch);  // a second pass on the same network reuses the scratch

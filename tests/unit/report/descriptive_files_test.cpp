@@ -47,8 +47,10 @@ TEST(DescriptiveFiles, ExactHeaderAndRowOnAHandWorkedNetwork) {
     EXPECT_EQ(text,
               "d1\td2\td3\td4\td5\td6\tmean\tstddev\tskew\n"
               "2\t2\t3\t1\t1\t1\t1.666667\t0.816497\t0.476290\t\n"
-              "geo1\tgeo2\tgeo3\tgeo4\tgeo5\tgeoInf\n" "5\t2\t0\t0\t0\t8\n"
-              "mlocal\tglobal\tgiant\n" "0.388889\t0.600000\t4\n"
+              "geo1\tgeo2\tgeo3\tgeo4\tgeo5\tgeoInf\n"
+              "5\t2\t0\t0\t0\t8\n"
+              "mlocal\tglobal\tgiant\n"
+              "0.388889\t0.600000\t4\n"
               "t0\tt1\tt2\tt3\tt4\tt5\tt6\tt7\tt8\tt9\tt10\tmean\tstddev\tskew\t\n"
               "3\t3\t0\t0\t0\t0\t0\t0\t0\t0\t0\t0.500000\t0.547723\t0.000000\t\n"
               "tp0\ttp1\ttp2\ttp3\ttp4\tmean\tstddev\tskew\t\n"
@@ -61,7 +63,8 @@ TEST(DescriptiveFiles, ExactHeaderAndRowOnAHandWorkedNetwork) {
               "0\t0\t1\t0\t0\t0\t0.166667\t0.408248\t1.360828\t"
               "0.000000\t0.000000\t1.000000\t0.000000\t0.000000\t0.000000\t"
               "0.166667\t0.408248\t1.360828\t\n"
-              "G25\tG50\tG75\n" "1\t6\t6\n");
+              "G25\tG50\tG75\n"
+              "1\t6\t6\n");
     // Without a geodesic pass there are no counts to write: refused, not read past the end.
     EXPECT_THROW(testing::capture([&](FILE* f) { write_geodesic_row(f, g, DescribeScratch{}); }),
                  VexaError);

@@ -22,7 +22,8 @@ TEST(LogOdds, EveryPairCarriesItsChangesAndTheWeightedSumOfThem) {
     //   \ /
     //    2 - 3     4
     Model model = empty_model(NetworkKind::graph);
-    for (const GraphEffect effect : {GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle}) {
+    for (const GraphEffect effect :
+         {GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle}) {
         model.structural[static_cast<size_t>(effect)].slot = model.structural_included++;
     }
     const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
@@ -36,7 +37,8 @@ TEST(LogOdds, EveryPairCarriesItsChangesAndTheWeightedSumOfThem) {
     std::string logodds;
     const std::string changes = testing::capture([&](FILE* change_out) {
         logodds = testing::capture([&](FILE* logodds_out) {
-            write_change_statistics_and_logodds(g, terms, theta, parameter_labels(model, LabelStyle::column),
+            write_change_statistics_and_logodds(g, terms, theta,
+                                                parameter_labels(model, LabelStyle::column),
                                                 change_out, logodds_out);
         });
     });
@@ -48,9 +50,9 @@ TEST(LogOdds, EveryPairCarriesItsChangesAndTheWeightedSumOfThem) {
     struct Pair {
         int i, j, tie, stars, triangles;
     };
-    const std::vector<Pair> expected = {{1, 2, 1, 2, 1}, {1, 3, 1, 3, 1}, {1, 4, 0, 3, 1}, {1, 5, 0, 2, 0},
-                                        {2, 3, 1, 3, 1}, {2, 4, 0, 3, 1}, {2, 5, 0, 2, 0}, {3, 4, 1, 2, 0},
-                                        {3, 5, 0, 3, 0}, {4, 5, 0, 1, 0}};
+    const std::vector<Pair> expected = {
+        {1, 2, 1, 2, 1}, {1, 3, 1, 3, 1}, {1, 4, 0, 3, 1}, {1, 5, 0, 2, 0}, {2, 3, 1, 3, 1},
+        {2, 4, 0, 3, 1}, {2, 5, 0, 2, 0}, {3, 4, 1, 2, 0}, {3, 5, 0, 3, 0}, {4, 5, 0, 1, 0}};
     const std::vector<std::string> change_lines = testing::lines_of(changes);
     const std::vector<std::string> logodds_lines = testing::lines_of(logodds);
     ASSERT_EQ(change_lines.size(), 1 + expected.size());
@@ -60,10 +62,12 @@ TEST(LogOdds, EveryPairCarriesItsChangesAndTheWeightedSumOfThem) {
     for (size_t k = 0; k < expected.size(); ++k) {
         const Pair& p = expected[k];
         char line[128];
-        std::snprintf(line, sizeof line, "%d\t%d\t%d\t1\t%d\t%d\t", p.i, p.j, p.tie, p.stars, p.triangles);
+        std::snprintf(line, sizeof line, "%d\t%d\t%d\t1\t%d\t%d\t", p.i, p.j, p.tie, p.stars,
+                      p.triangles);
         EXPECT_EQ(change_lines[k + 1], line);
         const double sum = theta[0] + theta[1] * p.stars + theta[2] * p.triangles;
-        std::snprintf(line, sizeof line, "%d\t%d\t%d\t%f\t%f", p.i, p.j, p.tie, sum, 1.0 / (1.0 + std::exp(-sum)));
+        std::snprintf(line, sizeof line, "%d\t%d\t%d\t%f\t%f", p.i, p.j, p.tie, sum,
+                      1.0 / (1.0 + std::exp(-sum)));
         EXPECT_EQ(logodds_lines[k + 1], line);
     }
 }

@@ -34,11 +34,13 @@ TEST(NetworkFile, MatrixAndPajekBlocksSpellTheAdjacency) {
     write_pajek_block(small, "sample 1", paj);
     write_pajek_block(create_graph(2), "empty", paj);
     EXPECT_EQ(read_text(paj),
-              "earlier run\n*Network sample 1\n*vertices 4\n*matrix\n0 1 1 0 \n1 0 1 0 \n1 1 0 0 \n0 0 0 0 \n\n\n"
+              "earlier run\n*Network sample 1\n*vertices 4\n*matrix\n0 1 1 0 \n1 0 1 0 \n1 1 0 0 "
+              "\n0 0 0 0 \n\n\n"
               "*Network empty\n*vertices 2\n*matrix\n0 0 \n0 0 \n\n\n");
 
     // The bundled marriage network writes back as its own file; a random 150-node graph (three
-    // words per row) reads back as the same graph, and its Pajek matrix follows has_edge cell by cell.
+    // words per row) reads back as the same graph, and its Pajek matrix follows has_edge cell by
+    // cell.
     const Graph flo = read_graph(testing::data_path("flomarriage.txt"), 16);
     write_network_file(dir + "/flo.txt", flo);
     EXPECT_EQ(read_text(dir + "/flo.txt"), read_text(testing::data_path("flomarriage.txt")));

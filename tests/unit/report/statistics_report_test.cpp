@@ -31,8 +31,9 @@ TEST(StatisticsReport, CountsWholeWeightedWithFiveDecimalsLambdaInTheLabel) {
     model.structural_included = 4;
     const std::vector<double> statistics = testing::totals_of(g, make_terms<Graph>(model), 4);
     const auto labels = parameter_labels(model, LabelStyle::report, LabelOrder::catalogue);
-    EXPECT_EQ(testing::capture([&](FILE* out) { write_statistics_report(out, labels, statistics); }),
-              "\n***This graph contains:****\nedge\t3\n2-star\t3\n2_3star\t2.50000\nAS(3.00)\t2.66667\n");
+    EXPECT_EQ(
+        testing::capture([&](FILE* out) { write_statistics_report(out, labels, statistics); }),
+        "\n***This graph contains:****\nedge\t3\n2-star\t3\n2_3star\t2.50000\nAS(3.00)\t2.66667\n");
 }
 
 }  // namespace

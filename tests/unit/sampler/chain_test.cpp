@@ -73,8 +73,8 @@ Graph random_store(int n, int edges, uint32_t seed) {
 }
 
 bool same_store(const Graph& a, const Graph& b) {
-    return a.adjacency == b.adjacency && a.shared_partners == b.shared_partners && a.degree == b.degree &&
-           a.degree_histogram == b.degree_histogram &&
+    return a.adjacency == b.adjacency && a.shared_partners == b.shared_partners &&
+           a.degree == b.degree && a.degree_histogram == b.degree_histogram &&
            a.shared_partner_histogram == b.shared_partner_histogram && a.triangles == b.triangles &&
            a.triangle_histogram == b.triangle_histogram && a.edge_count == b.edge_count;
 }
@@ -90,7 +90,8 @@ TEST(GraphSampler, AcceptanceRuleAtItsEdges) {
         for (int s = 0; s < 500; ++s) ASSERT_EQ(toggle_step(chain, nullptr), 1);
         EXPECT_EQ(check_bookkeeping(g), "");
     }
-    // An addition whose probability equals the uniform draw exactly is accepted; a hair less is not.
+    // An addition whose probability equals the uniform draw exactly is accepted; a hair less is
+    // not.
     const Model model = model_of({GraphEffect::edge});
     const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
     Rng probe;  // replays the step's draws: the dyad, then the uniform number
@@ -170,7 +171,8 @@ TEST(GraphSampler, LongChainsKeepEveryStatisticEqualToARecountAndNeverAllocate) 
     // alternating sign keep the swaps moving.
     for (const bool fixed_edges : {false, true}) {
         std::vector<double> parameters(static_cast<size_t>(p), 0.0);
-        for (size_t k = 0; k < parameters.size() && fixed_edges; ++k) parameters[k] = k % 2 == 0 ? -0.002 : 0.002;
+        for (size_t k = 0; k < parameters.size() && fixed_edges; ++k)
+            parameters[k] = k % 2 == 0 ? -0.002 : 0.002;
         parameters[0] = fixed_edges ? 0.0 : 0.5;
         Graph g = random_store(40, fixed_edges ? 240 : 40, fixed_edges ? 2u : 1u);
         Rng rng;
@@ -184,7 +186,8 @@ TEST(GraphSampler, LongChainsKeepEveryStatisticEqualToARecountAndNeverAllocate) 
 #if VEXA_COUNT_ALLOCATIONS
         EXPECT_EQ(allocation_count.load() - allocations, 0) << (fixed_edges ? "swaps" : "toggles");
 #endif
-        EXPECT_GT(accepted, 1000) << (fixed_edges ? "swaps" : "toggles") << ", " << g.edge_count << " ties";
+        EXPECT_GT(accepted, 1000) << (fixed_edges ? "swaps" : "toggles") << ", " << g.edge_count
+                                  << " ties";
         EXPECT_EQ(check_bookkeeping(g), "");
         const std::vector<double> fresh = testing::totals_of(g, terms, static_cast<size_t>(p));
         for (const Term<Graph>& term : terms) {
@@ -249,13 +252,16 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     // Proposals that could never be found are refused before the chain runs: no node pair, a
     // mask without allowed dyads, an edge-preserving chain on a complete graph or inside a
     // mask whose dyads are all ties.
-    const Graph complete = graph_of(5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}, {1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4}});
+    const Graph complete = graph_of(
+        5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}, {1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4}});
     const DyadMask empty_mask = mask_of(5, {});
     const DyadMask tied_mask = mask_of(5, {{0, 1}, {2, 3}});
-    EXPECT_THROW(check_proposals_possible(complete, settings_of(0, 9999, &empty_mask)), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, settings_of(0, 9999, &empty_mask)),
+                 SettingError);
     EXPECT_THROW(check_proposals_possible(create_graph(1), settings_of(0)), SettingError);
     EXPECT_THROW(check_proposals_possible(complete, settings_of(1)), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete, settings_of(1, 9999, &tied_mask)), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, settings_of(1, 9999, &tied_mask)),
+                 SettingError);
     EXPECT_NO_THROW(check_proposals_possible(complete, settings_of(0)));
     // Fewer than two ties: the edge-preserving step declines at once.
     Graph one = graph_of(5, {{0, 1}});
