@@ -80,6 +80,7 @@ struct OutputNames {
     std::string triangle_distribution;
     std::string twopath_distribution;
     std::string et0nt_distribution;
+    std::string convergence;  // the verdict on each estimation run
 };
 
 // '/' on POSIX systems, '\' on Windows: the files land inside the output directory.
@@ -95,8 +96,9 @@ OutputNames form_output_names(const std::string& directory, const std::string& n
 
 // How a run is started: by the entries, the command line or a test.
 struct RunOptions {
-    bool fixed_seed = false;  // seed the k-th seeding of the run with seed + k
+    bool fixed_seed = false;  // every seeding of the run derives from `seed` (else from the clock)
     uint32_t seed = 0;
+    bool confirm = false;    // after a converged estimation, check the estimate with a long chain
     FILE* console = stdout;  // progress and messages
 };
 
@@ -108,6 +110,7 @@ struct RunContext {
     SeedSource seeds;
     FILE* console = stdout;  // the run's messages
     Progress progress;       // what the computations say while they run
+    bool confirm = false;    // check a converged estimate with a long chain
 };
 
 }  // namespace vexa

@@ -12,10 +12,13 @@
 #include "base/errors.h"
 #include "base/text_file.h"
 #include "entry/run_context.h"
+#include "estimation/confirmation.h"
+#include "estimation/diagnostics.h"
 #include "estimation/estimation.h"
 #include "model/parameter_labels.h"
 #include "model/parameter_vector.h"
 #include "model/terms.h"
+#include "report/convergence_report.h"
 #include "report/estimation_report.h"
 #include "report/gof_report.h"
 #include "report/logodds.h"
@@ -227,9 +230,15 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
     Chain<Store> chain = make_chain(working, setup.terms, p, setup.sampler, context.rng);
     Matrix D = make_matrix(p, p, 0.0);
     const std::vector<ParameterLabel> labels = parameter_labels(model, LabelStyle::summary);
+    const std::vector<double> starting = parameters;
+    {
+        OutFile verdicts(names.convergence, OpenMode::truncate);
+        verdicts.close();
+    }
 
     bool converged = false;
     bool ended = false;
+    EstimationRun last;
     for (int run = 0; run < s.estimation_runs && !converged; ++run) {
         // A run after the first starts from a clean D, even after a degenerate run left it
         // partly reduced.
@@ -239,11 +248,10 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             print(report, "STOCHASTIC APPROXIMATION RUN %d\n\n", run + 1);
             report.close();
         }
-        std::fprintf(context.console, "vexa: estimation run %d of %d\n", run + 1,
-                     s.estimation_runs);
+        std::fprintf(context.console, "vexa: estimation run %d of %d\n", run + 1, s.estimation_runs);
         std::fflush(context.console);
-        const EstimationRun result =
-            estimate(chain, parameters, D, settings, context.seeds, context.progress);
+        last = estimate(chain, parameters, D, settings, context.seeds, context.progress);
+        const EstimationRun& result = last;
         {
             OutFile report(names.estimation, OpenMode::append);
             write_estimation_run(report, result, labels);
@@ -255,7 +263,15 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             covariance.close();
         }
         KindTraits<Store>::after_run(context, result);
-        converged = result.converged;
+        // The verdict, not the quoted flag, decides: a run converges when its t-ratios are small
+        // and its draws are enough to tell.
+        ConvergenceCheck check;
+        if (result.degenerate) {
+            check.verdict = Verdict::degenerate;
+        } else {
+            check = check_convergence(result.phase3_draws_matrix, result.observed, s.multiplication_factor);
+        }
+        converged = check.verdict == Verdict::converged;
         if (run + 1 >= s.estimation_runs || converged) {
             write_statistics_file(names.end_statistics, model, working, setup.terms);
             ended = true;
@@ -267,22 +283,44 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             print(report, "\n\n");
             report.close();
         }
+        OutFile verdicts(names.convergence, OpenMode::append);
         if (result.degenerate) {
-            std::fprintf(context.console, "vexa: run %d found the model degenerate\n", run + 1);
+            const std::string advice = degeneracy_advice(result, labels);
+            std::fprintf(context.console, "vexa: run %d found the model degenerate: %s\n", run + 1, advice.c_str());
+            print(verdicts, "Run %d\nverdict\tdegenerate\nreason\t%s\n\n", run + 1, advice.c_str());
+            // A runaway parameter is no place to start the next run from.
+            parameters = starting;
         } else {
-            std::fprintf(context.console, "vexa: run %d %s\n", run + 1,
-                         converged ? "converged" : "did not converge (a t-ratio is 0.1 or more)");
+            std::fprintf(context.console, "vexa: run %d %s\n", run + 1, convergence_summary(check, labels).c_str());
+            write_convergence_block(verdicts, format_message("Run %d", run + 1).c_str(), check, labels);
         }
+        verdicts.close();
         std::fflush(context.console);
         if (converged) {
             OutFile changes(names.change_statistics, OpenMode::truncate);
             OutFile logodds(names.logodds, OpenMode::truncate);
             write_change_statistics_and_logodds(setup.observed, setup.terms, parameters,
-                                                parameter_labels(model, LabelStyle::column),
-                                                changes, logodds);
+                                                parameter_labels(model, LabelStyle::column), changes, logodds);
             changes.close();
             logodds.close();
         }
+    }
+    if (converged && context.confirm) {
+        Store fresh = setup.observed;
+        Chain<Store> fresh_chain = make_chain(fresh, setup.terms, p, setup.sampler, context.rng);
+        const Confirmation confirmation =
+            confirm_estimate(fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
+                             s.multiplication_factor, context.seeds, context.progress);
+        const char* answer = confirmation.confirmed ? "confirmed" : "not confirmed";
+        std::fprintf(context.console, "vexa: the long-chain check at the estimate: %s (%s)\n", answer,
+                     convergence_summary(confirmation.check, labels).c_str());
+        OutFile verdicts(names.convergence, OpenMode::append);
+        const std::string heading = format_message(
+            "Long-chain check at the estimate: %d draws, one every %.0f steps, after %.0f steps of burn-in",
+            confirmation.draws, confirmation.thinning, confirmation.burn_in);
+        write_convergence_block(verdicts, heading.c_str(), confirmation.check, labels);
+        print(verdicts, "check\t%s\n", answer);
+        verdicts.close();
     }
     if (!ended) write_statistics_file(names.end_statistics, model, working, setup.terms);
     unpack(model, parameters);

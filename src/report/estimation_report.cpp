@@ -39,7 +39,8 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
           "************************************\n",
           static_cast<double>(run.gain), run.phase1_draws, run.steps_per_draw);
     print_values(out, "mean statistics in phase1:", run.phase1_means);
-    if (run.degenerate) {
+    // A degenerate run ends its report where it stopped.
+    if (run.degenerate && run.stage == 1) {
         print(out, "Degenerate Model!\n");
         return;
     }
@@ -47,12 +48,15 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
     print(out, "Phase 2 started\n");
     for (size_t k = 0; k < run.subphases.size(); ++k) {
         const Subphase& subphase = run.subphases[k];
-        print(out, "\n\nSubphase %zu started with a valued %f\n", k,
-              static_cast<double>(subphase.gain));
+        print(out, "\n\nSubphase %zu started with a valued %f\n", k, static_cast<double>(subphase.gain));
         print(out, "\nSubphase %zu has gone up to %d steps\n", k, subphase.steps);
         print(out, "Parameter after Subphase %zu:", k);
         for (const double value : subphase.parameters) print(out, "%8.5f\t", value);
         print(out, "\n");
+    }
+    if (run.degenerate && run.stage == 2) {
+        print(out, "Degenerate Model!\n");
+        return;
     }
     print_values(out, "END PHASE2 parameter:", run.after_phase2);
     print(out,
@@ -61,6 +65,10 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
           "***************************************\n",
           run.phase3_draws, run.steps_per_draw);
     print_values(out, "mean statistics in phase3:", run.phase3_means);
+    if (run.degenerate) {
+        print(out, "Degenerate Model!\n");
+        return;
+    }
     write_estimation_summary(out, labels, run.estimates, run.standard_errors, run.t_ratios);
     print(out, "\nEstimated Covariance Matrix\n");
     write_covariance_matrix(out, run.covariance);

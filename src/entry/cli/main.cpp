@@ -11,10 +11,12 @@ namespace {
 void usage(FILE* out) {
     std::fprintf(
         out,
-        "usage: vexa [--seed N] RUNFILE\n"
+        "usage: vexa [--seed N] [--check] RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says.\n"
-        "  --seed N     make the run reproducible: the k-th seeding of the run uses N + k\n"
+        "  --seed N     make the run reproducible: every random stream of the run derives from N\n"
+        "  --check      after an estimation converges, check the estimate with a long chain of\n"
+        "               near-independent draws and say whether it is confirmed\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -39,6 +41,10 @@ int main(int argc, char** argv) {
         if (std::strcmp(arg, "--version") == 0) {
             std::printf("vexa %s\n", VEXA_VERSION);
             return 0;
+        }
+        if (std::strcmp(arg, "--check") == 0) {
+            options.confirm = true;
+            continue;
         }
         if (std::strcmp(arg, "--seed") == 0) {
             unsigned long seed = 0;
