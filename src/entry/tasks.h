@@ -248,7 +248,8 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             print(report, "STOCHASTIC APPROXIMATION RUN %d\n\n", run + 1);
             report.close();
         }
-        std::fprintf(context.console, "vexa: estimation run %d of %d\n", run + 1, s.estimation_runs);
+        std::fprintf(context.console, "vexa: estimation run %d of %d\n", run + 1,
+                     s.estimation_runs);
         std::fflush(context.console);
         last = estimate(chain, parameters, D, settings, context.seeds, context.progress);
         const EstimationRun& result = last;
@@ -269,7 +270,8 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
         if (result.degenerate) {
             check.verdict = Verdict::degenerate;
         } else {
-            check = check_convergence(result.phase3_draws_matrix, result.observed, s.multiplication_factor);
+            check = check_convergence(result.phase3_draws_matrix, result.observed,
+                                      s.multiplication_factor);
         }
         converged = check.verdict == Verdict::converged;
         if (run + 1 >= s.estimation_runs || converged) {
@@ -286,13 +288,16 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
         OutFile verdicts(names.convergence, OpenMode::append);
         if (result.degenerate) {
             const std::string advice = degeneracy_advice(result, labels);
-            std::fprintf(context.console, "vexa: run %d found the model degenerate: %s\n", run + 1, advice.c_str());
+            std::fprintf(context.console, "vexa: run %d found the model degenerate: %s\n", run + 1,
+                         advice.c_str());
             print(verdicts, "Run %d\nverdict\tdegenerate\nreason\t%s\n\n", run + 1, advice.c_str());
             // A runaway parameter is no place to start the next run from.
             parameters = starting;
         } else {
-            std::fprintf(context.console, "vexa: run %d %s\n", run + 1, convergence_summary(check, labels).c_str());
-            write_convergence_block(verdicts, format_message("Run %d", run + 1).c_str(), check, labels);
+            std::fprintf(context.console, "vexa: run %d %s\n", run + 1,
+                         convergence_summary(check, labels).c_str());
+            write_convergence_block(verdicts, format_message("Run %d", run + 1).c_str(), check,
+                                    labels);
         }
         verdicts.close();
         std::fflush(context.console);
@@ -300,7 +305,8 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             OutFile changes(names.change_statistics, OpenMode::truncate);
             OutFile logodds(names.logodds, OpenMode::truncate);
             write_change_statistics_and_logodds(setup.observed, setup.terms, parameters,
-                                                parameter_labels(model, LabelStyle::column), changes, logodds);
+                                                parameter_labels(model, LabelStyle::column),
+                                                changes, logodds);
             changes.close();
             logodds.close();
         }
@@ -312,14 +318,18 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             confirm_estimate(fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
                              s.multiplication_factor, context.seeds, context.progress);
         const char* answer = confirmation.confirmed ? "confirmed" : "not confirmed";
-        std::fprintf(context.console, "vexa: the long-chain check at the estimate: %s (%s)\n", answer,
-                     convergence_summary(confirmation.check, labels).c_str());
+        std::fprintf(context.console, "vexa: the long-chain check at the estimate: %s (%s)\n",
+                     answer, convergence_summary(confirmation.check, labels).c_str());
         OutFile verdicts(names.convergence, OpenMode::append);
         const std::string heading = format_message(
-            "Long-chain check at the estimate: %d draws, one every %.0f steps, after %.0f steps of burn-in",
+            "Long-chain check at the estimate: %d draws, one every %.0f steps, after %.0f steps of "
+            "burn-in",
             confirmation.draws, confirmation.thinning, confirmation.burn_in);
         write_convergence_block(verdicts, heading.c_str(), confirmation.check, labels);
-        print(verdicts, "check\t%s\n", answer);
+        print(verdicts, "check\t%s: %s\n", answer,
+              confirmation.confirmed
+                  ? "no t-ratio lies significantly above 0.1"
+                  : "the long chain speaks against convergence at this estimate");
         verdicts.close();
     }
     if (!ended) write_statistics_file(names.end_statistics, model, working, setup.terms);

@@ -71,7 +71,8 @@ double effective_sample_size(const Matrix& draws, int column) {
     return std::min(static_cast<double>(draws.rows), static_cast<double>(draws.rows) / tau);
 }
 
-ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed, int32_t factor) {
+ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed,
+                                   int32_t factor) {
     ConvergenceCheck c;
     const int p = draws.cols;
     const int n = draws.rows;
@@ -100,7 +101,8 @@ ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double
         constant = constant || !(sd > 0.0);
         const double t = (observed[kk] - mean[kk]) / sd;
         c.t_ratios.push_back(t);
-        c.largest_t = std::max(c.largest_t, std::isfinite(t) ? std::fabs(t) : std::numeric_limits<double>::infinity());
+        c.largest_t = std::max(
+            c.largest_t, std::isfinite(t) ? std::fabs(t) : std::numeric_limits<double>::infinity());
         const double size = effective_sample_size(draws, k);
         c.effective_sizes.push_back(size);
         if (size < c.smallest_effective_size) {
@@ -114,29 +116,34 @@ ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double
         double form = 0.0;
         for (int a = 0; a < p; ++a) {
             for (int b = 0; b < p; ++b) {
-                form += (mean[static_cast<size_t>(a)] - observed[static_cast<size_t>(a)]) * inverse[a][b] *
+                form += (mean[static_cast<size_t>(a)] - observed[static_cast<size_t>(a)]) *
+                        inverse[a][b] *
                         (mean[static_cast<size_t>(b)] - observed[static_cast<size_t>(b)]);
             }
         }
         // Rounding in a nearly singular covariance can make the form negative: then the ratio
         // cannot be told.
-        c.overall_ratio = form >= 0.0 && std::isfinite(form) ? std::sqrt(form)
-                                                             : std::numeric_limits<double>::infinity();
+        c.overall_ratio = form >= 0.0 && std::isfinite(form)
+                              ? std::sqrt(form)
+                              : std::numeric_limits<double>::infinity();
     } else {
         c.overall_ratio = std::numeric_limits<double>::infinity();
     }
     if (constant) {
         c.verdict = Verdict::degenerate;
     } else if (c.largest_t < t_ratio_limit && c.overall_ratio < overall_ratio_limit) {
-        c.verdict = c.smallest_effective_size < enough_effective_draws ? Verdict::converged_but_noisy
-                                                                         : Verdict::converged;
+        c.verdict = c.smallest_effective_size < enough_effective_draws
+                        ? Verdict::converged_but_noisy
+                        : Verdict::converged;
     } else {
         c.verdict = Verdict::not_converged;
     }
     // Effective draws grow about in proportion to the steps between draws; aim at half again
     // as many as enough, so that the next try is not on the edge.
-    if (c.smallest_effective_size < enough_effective_draws && std::isfinite(c.smallest_effective_size)) {
-        const double wanted = 1.5 * enough_effective_draws / std::max(c.smallest_effective_size, 1.0);
+    if (c.smallest_effective_size < enough_effective_draws &&
+        std::isfinite(c.smallest_effective_size)) {
+        const double wanted =
+            1.5 * enough_effective_draws / std::max(c.smallest_effective_size, 1.0);
         c.suggested_factor = static_cast<int32_t>(std::ceil(std::max(factor, 1) * wanted));
     }
     return c;

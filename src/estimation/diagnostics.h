@@ -30,11 +30,13 @@ double autocorrelation_time(const Matrix& draws, int column);
 struct ConvergenceCheck {
     std::vector<double> t_ratios;  // (observed - mean) / standard deviation, per statistic
     std::vector<double> effective_sizes;
-    double largest_t = 0.0;             // the largest |t|
-    double overall_ratio = 0.0;         // sqrt(d' S^-1 d), d = mean - observed; infinite when S is singular
+    double largest_t = 0.0;  // the largest |t|
+    double overall_ratio =
+        0.0;  // sqrt(d' S^-1 d), d = mean - observed; infinite when S is singular
     double smallest_effective_size = 0.0;
-    int32_t smallest_at = -1;           // the statistic with the smallest effective size
-    int32_t suggested_factor = 0;       // a multiplication factor for enough draws; 0 when there are enough
+    int32_t smallest_at = -1;  // the statistic with the smallest effective size
+    int32_t suggested_factor =
+        0;  // a multiplication factor for enough draws; 0 when there are enough
     Verdict verdict = Verdict::not_converged;
 };
 
@@ -47,6 +49,7 @@ inline constexpr double enough_effective_draws = 100.0;
 // The check of draws (one row per draw, one column per statistic) against the observed
 // statistics. `factor` is the multiplication factor the draws were taken with, to suggest a
 // larger one when they are too few.
-ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed, int32_t factor);
+ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed,
+                                   int32_t factor);
 
 }  // namespace vexa

@@ -59,8 +59,8 @@ struct EstimationRun {
     std::vector<double> phase1_means;
     bool degenerate = false;  // the run stopped at `stage`; nothing of later stages is filled
     Degeneracy degeneracy = Degeneracy::none;
-    int32_t stage = 1;        // the last phase the run reached
-    int32_t culprit = -1;     // the parameter that ran away, or the statistic that stayed fixed
+    int32_t stage = 1;     // the last phase the run reached
+    int32_t culprit = -1;  // the parameter that ran away, or the statistic that stayed fixed
     double culprit_from = 0.0, culprit_to = 0.0;  // its value before and when it was caught
     std::vector<double> after_phase1;
     std::vector<Subphase> subphases;
@@ -85,7 +85,8 @@ bool at_extreme(const Store& store, double observed_ties) {
     const double dyads = Store::kind == NetworkKind::graph ? n * (n - 1.0) / 2.0 : n * (n - 1.0);
     const double ties = static_cast<double>(tie_count(store));
     const double margin = std::min(10.0, dyads / 4.0);
-    return (ties == 0.0 || ties == dyads) && observed_ties >= margin && observed_ties <= dyads - margin;
+    return (ties == 0.0 || ties == dyads) && observed_ties >= margin &&
+           observed_ties <= dyads - margin;
 }
 
 // Takes `draws` statistics vectors, K steps apart, from a chain that is never reset between
@@ -158,13 +159,16 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     if (invert_in_place(D) == 0) {
         return stop(Degeneracy::singular, "the statistics do not vary under these parameters");
     }
-    if (extreme) return stop(Degeneracy::extreme_network, "the chain reached the empty or the complete network");
+    if (extreme)
+        return stop(Degeneracy::extreme_network,
+                    "the chain reached the empty or the complete network");
     run.after_phase1 = theta;
     run.stage = 2;
     // The phase-1 inverse approximates the covariance of the estimates: its diagonal gives the
     // standard errors against which a runaway parameter is measured.
     std::vector<double> phase1_error(count, 0.0);
-    for (size_t j = 0; j < count; ++j) phase1_error[j] = std::sqrt(std::fabs(D[static_cast<int>(j)][static_cast<int>(j)]));
+    for (size_t j = 0; j < count; ++j)
+        phase1_error[j] = std::sqrt(std::fabs(D[static_cast<int>(j)][static_cast<int>(j)]));
     const std::vector<double> phase2_start = theta;
 
     // Phase 2.
@@ -201,7 +205,8 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
                 int32_t runaway = -1;
                 for (size_t j = 0; j < count && runaway < 0; ++j) {
                     const double moved = std::fabs(theta[j] - phase2_start[j]);
-                    if (!(moved <= runaway_limit * phase1_error[j])) runaway = static_cast<int32_t>(j);
+                    if (!(moved <= runaway_limit * phase1_error[j]))
+                        runaway = static_cast<int32_t>(j);
                 }
                 if (collapsed || runaway >= 0) {
                     subphase.steps = i;
@@ -241,11 +246,14 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     Matrix final_draws = draw_statistics(chain, theta, N3, K, mean, observed_ties, extreme);
     run.phase3_means = mean;
     run.phase3_draws_matrix = final_draws;
-    if (extreme) return stop(Degeneracy::extreme_network, "the chain reached the empty or the complete network");
+    if (extreme)
+        return stop(Degeneracy::extreme_network,
+                    "the chain reached the empty or the complete network");
     for (int k = 0; k < p && N3 > 1; ++k) {
         const size_t kk = static_cast<size_t>(k);
         double spread = 0.0;
-        for (int r = 0; r < N3; ++r) spread += (final_draws[r][k] - mean[kk]) * (final_draws[r][k] - mean[kk]);
+        for (int r = 0; r < N3; ++r)
+            spread += (final_draws[r][k] - mean[kk]) * (final_draws[r][k] - mean[kk]);
         const double sd = std::sqrt(spread / (N3 - 1));
         run.culprit = k;
         run.culprit_from = observed[kk];
@@ -255,7 +263,8 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
         }
         if (std::fabs(mean[kk] - observed[kk]) > far_limit * sd) {
             run.culprit_to = mean[kk];
-            return stop(Degeneracy::far_statistic, "a statistic stayed far from its observed value");
+            return stop(Degeneracy::far_statistic,
+                        "a statistic stayed far from its observed value");
         }
         run.culprit = -1;
     }

@@ -6,8 +6,8 @@
 // given seed always gives the same draws on every platform. It is a value owned by the run,
 // never the C library's rand(), so a host process keeps its own generator untouched.
 
-#include <cstdint>
 #include <chrono>
+#include <cstdint>
 
 namespace vexa {
 
@@ -46,7 +46,8 @@ struct SeedSource {
 
     // The clock in nanoseconds, folded to 32 bits: runs started within one second differ too.
     static uint32_t clock_base() {
-        const auto ticks = static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+        const auto ticks =
+            static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
         return static_cast<uint32_t>(ticks ^ (ticks >> 32));
     }
 

@@ -19,7 +19,8 @@ std::string degeneracy_advice(const EstimationRun& run, const std::vector<Parame
 
 // One sentence on the check: its verdict and figures, and the warning and suggested
 // multiplication factor when the effective sample sizes are below enough.
-std::string convergence_summary(const ConvergenceCheck& check, const std::vector<ParameterLabel>& labels);
+std::string convergence_summary(const ConvergenceCheck& check,
+                                const std::vector<ParameterLabel>& labels);
 
 // A run's block of the convergence file: "Run %d", the table, the figures and the verdict.
 void write_convergence_block(FILE* out, const char* heading, const ConvergenceCheck& check,

@@ -48,7 +48,8 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
     print(out, "Phase 2 started\n");
     for (size_t k = 0; k < run.subphases.size(); ++k) {
         const Subphase& subphase = run.subphases[k];
-        print(out, "\n\nSubphase %zu started with a valued %f\n", k, static_cast<double>(subphase.gain));
+        print(out, "\n\nSubphase %zu started with a valued %f\n", k,
+              static_cast<double>(subphase.gain));
         print(out, "\nSubphase %zu has gone up to %d steps\n", k, subphase.steps);
         print(out, "Parameter after Subphase %zu:", k);
         for (const double value : subphase.parameters) print(out, "%8.5f\t", value);

@@ -83,7 +83,8 @@ std::string GraphRunFile::write(const std::string& dir, const std::string& file)
     return path;
 }
 
-std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed) {
+std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
+                     bool confirm) {
     const WorkingDirectory here(dir);
     std::filesystem::create_directories(dir + "/" + file.directory);
     const std::string path = file.write(dir);
@@ -93,6 +94,7 @@ std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t 
     RunOptions options;
     options.fixed_seed = true;
     options.seed = seed;
+    options.confirm = confirm;
     options.console = console;
     run_entry(path.c_str(), options);
     std::fclose(console);

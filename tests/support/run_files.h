@@ -43,7 +43,9 @@ struct GraphRunFile {
 
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
-std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed);
+// With `confirm`, a converged estimation is checked with a long chain.
+std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
+                     bool confirm = false);
 
 std::vector<std::string> lines_of(const std::string& text);
 std::vector<std::string> tab_fields(const std::string& line);
