@@ -318,8 +318,9 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             confirm_estimate(fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
                              s.multiplication_factor, context.seeds, context.progress);
         const char* answer = confirmation.confirmed ? "confirmed" : "not confirmed";
-        std::fprintf(context.console, "vexa: the long-chain check at the estimate: %s (%s)\n",
-                     answer, convergence_summary(confirmation.check, labels).c_str());
+        std::fprintf(
+            context.console, "vexa: the long-chain check at the estimate: %s\n",
+            confirmation_summary(confirmation.confirmed, confirmation.check, labels).c_str());
         OutFile verdicts(names.convergence, OpenMode::append);
         const std::string heading = format_message(
             "Long-chain check at the estimate: %d draws, one every %.0f steps, after %.0f steps of "

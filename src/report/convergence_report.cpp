@@ -60,6 +60,15 @@ std::string degeneracy_advice(const EstimationRun& run, const std::vector<Parame
     return "";
 }
 
+std::string confirmation_summary(bool confirmed, const ConvergenceCheck& check,
+                                 const std::vector<ParameterLabel>& labels) {
+    return format_message(
+        "%s: largest t-ratio %.3f, overall maximum convergence ratio %.3f, smallest effective "
+        "sample size %.0f (%s)",
+        confirmed ? "confirmed" : "not confirmed", check.largest_t, check.overall_ratio,
+        check.smallest_effective_size, name_at(labels, check.smallest_at).c_str());
+}
+
 std::string convergence_summary(const ConvergenceCheck& check,
                                 const std::vector<ParameterLabel>& labels) {
     std::string text = format_message(

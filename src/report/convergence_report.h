@@ -22,6 +22,10 @@ std::string degeneracy_advice(const EstimationRun& run, const std::vector<Parame
 std::string convergence_summary(const ConvergenceCheck& check,
                                 const std::vector<ParameterLabel>& labels);
 
+// One sentence on the long-chain check: confirmed or not, with its figures.
+std::string confirmation_summary(bool confirmed, const ConvergenceCheck& check,
+                                 const std::vector<ParameterLabel>& labels);
+
 // A run's block of the convergence file: "Run %d", the table, the figures and the verdict.
 void write_convergence_block(FILE* out, const char* heading, const ConvergenceCheck& check,
                              const std::vector<ParameterLabel>& labels);

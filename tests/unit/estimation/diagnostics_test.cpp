@@ -33,7 +33,8 @@ TEST(Diagnostics, AutocorrelationTimeAndEffectiveSizeOfKnownSeries) {
         const Matrix series = ar1(rho, 20000, 7);
         // The estimate's own error grows with tau: within 15% for these lengths.
         EXPECT_NEAR(autocorrelation_time(series, 0), truth, 0.15 * truth) << rho;
-        EXPECT_NEAR(effective_sample_size(series, 0), 20000.0 / truth, 0.15 * 20000.0 / truth) << rho;
+        EXPECT_NEAR(effective_sample_size(series, 0), 20000.0 / truth, 0.15 * 20000.0 / truth)
+            << rho;
     }
     // A constant series has no effective draws at all.
     const Matrix constant = make_matrix(50, 1, 3.0);
@@ -59,7 +60,8 @@ TEST(Diagnostics, OverallRatioTRatiosAndVerdicts) {
     Rng rng;
     rng.seed(3);
     Matrix many = make_matrix(2000, 2, 0.0);
-    for (int i = 0; i < 2000; ++i) many[i][0] = standard_normal(rng), many[i][1] = standard_normal(rng);
+    for (int i = 0; i < 2000; ++i)
+        many[i][0] = standard_normal(rng), many[i][1] = standard_normal(rng);
     EXPECT_EQ(check_convergence(many, {0.0, 0.0}, 2).verdict, Verdict::converged);
     EXPECT_EQ(check_convergence(many, {0.5, 0.0}, 2).verdict, Verdict::not_converged);
     for (int i = 0; i < 2000; ++i) many[i][1] = 4.0;
