@@ -98,8 +98,9 @@ OutputNames form_output_names(const std::string& directory, const std::string& n
 struct RunOptions {
     bool fixed_seed = false;  // every seeding of the run derives from `seed` (else from the clock)
     uint32_t seed = 0;
-    bool confirm = false;    // after a converged estimation, check the estimate with a long chain
-    FILE* console = stdout;  // progress and messages
+    bool confirm = false;  // after a converged estimation, check the estimate with a long chain
+    int32_t sampler_variant = -1;  // when 0 or more, overrides the run file's sampler variant
+    FILE* console = stdout;        // progress and messages
 };
 
 struct RunContext {

@@ -47,6 +47,7 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     RunFile file = read_run_file(run_file, context.console);
     context.settings = std::move(file.settings);
     context.settings.run_file = run_file;
+    if (options.sampler_variant >= 0) context.settings.sampler_variant = options.sampler_variant;
     context.model = std::move(file.model);
     context.names = std::move(file.names);
     const RunSettings& settings = context.settings;

@@ -122,6 +122,16 @@ inline void update_after_toggle(Graph& graph, int i, int j, int added) {
 }
 inline int64_t tie_count(const Graph& graph) { return graph.edge_count; }
 
+// Calls fn(u, v) once for every edge, u < v, from the neighbour lists.
+template <typename Fn>
+void for_each_tie(const Graph& graph, Fn&& fn) {
+    for (int u = 0; u < graph.node_count; ++u) {
+        for (const int32_t v : graph.neighbours_of(u)) {
+            if (u < v) fn(u, v);
+        }
+    }
+}
+
 // Whether bit b of a row (of the adjacency, say) is set.
 inline bool row_has(const uint64_t* row, int b) { return (row[b >> 6] >> (b & 63)) & 1u; }
 

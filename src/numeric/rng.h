@@ -21,8 +21,11 @@ struct Rng {
         state = state * 214013u + 2531011u;
         return static_cast<int>((state >> 16) & 0x7fffu);
     }
-    // A node drawn as draw mod n (n > 0).
-    int node(int n) { return next() % n; }
+    // A node drawn as draw mod n (n > 0). A draw has 15 bits, so beyond 32,768 nodes two draws
+    // make one of 30 bits, and every node can be drawn.
+    int node(int n) { return n <= 32768 ? next() % n : wide() % n; }
+    // 0 .. 2^30 - 1, from two draws.
+    int wide() { return next() << 15 | next(); }
     // A uniform number in [0, 1], both ends possible.
     double unit() { return next() / 32767.0; }
 };

@@ -169,10 +169,72 @@ int swap_step(Chain<Store>& chain, const double* parameters) {
     return 1;
 }
 
+// One tie/no-tie proposal; 1 when accepted. Half the time it proposes removing a tie drawn
+// uniformly from the present ones, otherwise toggling a dyad drawn uniformly; sparse networks
+// then see removals as often as additions, where a plain toggle proposes almost only
+// additions, most of them refused. The acceptance ratio carries q(back) / q(forth), so the
+// chain keeps the same stationary distribution as the toggle.
+template <class Store>
+int tie_no_tie_step(Chain<Store>& chain, const double* parameters) {
+    Store& store = *chain.store;
+    Rng& rng = *chain.rng;
+    const double ties = static_cast<double>(chain.ties.size());
+    const double dyads = chain.allowed_dyads;
+    int i = 0;
+    int j = 0;
+    if (ties > 0.0 && rng.next() < 16384) {
+        const uint64_t key = chain.ties.at(static_cast<size_t>(rng.wide()) % chain.ties.size());
+        i = TieList::first(key);
+        j = TieList::second(key);
+    } else {
+        const int n = store.node_count;
+        i = rng.node(n);
+        j = i;
+        if (chain.settings.mask == nullptr) {
+            while (j == i) j = rng.node(n);
+        } else {
+            while (j == i || !chain.settings.mask->allows(i, j)) {
+                i = rng.node(n);
+                j = rng.node(n);
+            }
+        }
+    }
+    const std::vector<Term<Store>>& terms = *chain.terms;
+    double* changes = chain.change_vector.data();
+    if (!has_tie(store, i, j)) {
+        if (chain_detail::addition_capped(store, chain.settings, i, j)) return 0;
+        const double s =
+            change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
+        const double forth = (ties > 0.0 ? 0.5 : 1.0) / dyads;
+        const double back = 0.5 / (ties + 1.0) + 0.5 / dyads;
+        if (rng.unit() > std::exp(s) * back / forth) return 0;
+        chain_detail::add_changes(chain, chain.change_vector, 1.0);
+        add_tie(store, i, j);
+        update_after_toggle(store, i, j, 1);
+        chain.ties.add(dyad_key<Store>(i, j));
+        chain_detail::check_after_step(chain);
+        return 1;
+    }
+    remove_tie(store, i, j);
+    const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 0);
+    const double forth = 0.5 / ties + 0.5 / dyads;
+    const double back = (ties > 1.0 ? 0.5 : 1.0) / dyads;
+    if (rng.unit() > std::exp(-s) * back / forth) {
+        add_tie(store, i, j);  // the pair counts never changed
+        return 0;
+    }
+    chain_detail::add_changes(chain, chain.change_vector, -1.0);
+    update_after_toggle(store, i, j, 0);
+    chain.ties.remove(dyad_key<Store>(i, j));
+    chain_detail::check_after_step(chain);
+    return 1;
+}
+
 // The step the chain's sampler variant selects.
 template <class Store>
 inline int step(Chain<Store>& chain, const double* parameters) {
     if (chain.settings.variant == 1) return swap_step(chain, parameters);
+    if (chain.settings.variant == tie_no_tie_variant) return tie_no_tie_step(chain, parameters);
     return toggle_step(chain, parameters);
 }
 
