@@ -39,7 +39,8 @@ TEST(GoodnessOfFit, ComparisonsAndQuartilesOfHandWorkedSamples) {
     // Observed equal to every sample: neither below nor above.
     q = compare_quartile(3, {3, 3, 3});
     EXPECT_TRUE(q.median == 3 && q.range == 0 && q.lower == 0.0 && q.higher == 0.0);
-    // The share is formed in single precision: 1/160 as a float, not 0.00625.
+    // The share is formed in single precision: 1/160 as a float lies just above 0.00625, so the
+    // report prints 0.63% where the exact 0.625 would round to even, 0.62%.
     std::vector<int32_t> many(160, 2);
     many[40] = 1;
     q = compare_quartile(2, many);
