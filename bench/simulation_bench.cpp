@@ -50,7 +50,7 @@ void BM_SampleDescription(benchmark::State& state) {
     DescribeScratch scratch;
     FILE* sink = std::fopen("/dev/null", "w");
     for (auto _ : state) {
-        geodesics(s.graph, scratch, false);
+        geodesics(s.graph, scratch);
         write_degree_row(sink, s.graph);
         write_geodesic_row(sink, s.graph, scratch);
         write_quartile_row(sink, geodesic_quartiles(scratch));

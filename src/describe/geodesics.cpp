@@ -15,52 +15,16 @@ size_t as_size(int value) { return static_cast<size_t>(value); }
 // per level. Wider batches share the cost of walking the neighbour lists among more sources.
 constexpr int lane_words = 4;
 constexpr int batch_sources = 64 * lane_words;
-// Levels whose arrivals are held back before they are written into the distance matrix.
-constexpr int32_t held_levels = 8;
+// Levels kept of the arrival words: the frontier and the level arriving from it.
+constexpr int32_t held_levels = 2;
 
 using Lanes = uint64_t[lane_words];
 
-// Writes the distances of levels first .. last of a batch from the ring of arrival words,
-// adding them to counts (ordered pairs), and, when the batch is finished, no_path for every
-// source that never reached a node. Node v's distances to the batch's sources are one stretch
-// of v's row, so the writes of one node stay within a few cache lines.
-void write_levels(const Graph& graph, DescribeScratch& scratch, int base, const Lanes& batch,
-                  int32_t first, int32_t last, bool finished) {
-    const size_t nodes = as_size(graph.node_count);
-    const size_t level_stride = nodes * lane_words;
-    int64_t arrived_pairs[held_levels] = {};
-    for (size_t v = 0; v < nodes; ++v) {
-        int32_t* row = scratch.distance.data() + v * nodes + as_size(base);
-        for (int32_t level = first; level <= last; ++level) {
-            const uint64_t* arrived = scratch.arrivals.data() +
-                                      as_size(level % held_levels) * level_stride + v * lane_words;
-            int64_t pairs = 0;
-            for (int w = 0; w < lane_words; ++w) {
-                for_each_bit(arrived[w], w * 64, [&](int s) {
-                    row[s] = level;
-                    ++pairs;
-                });
-            }
-            arrived_pairs[level - first] += pairs;
-        }
-        if (finished) {
-            const uint64_t* seen = scratch.reached.data() + v * lane_words;
-            for (int w = 0; w < lane_words; ++w) {
-                for_each_bit(~seen[w] & batch[w], w * 64, [&](int s) { row[s] = no_path; });
-            }
-        }
-    }
-    for (int32_t level = first; level <= last; ++level) {
-        scratch.geodesic_counts[as_size(level)] += arrived_pairs[level - first];
-    }
-}
-
 }  // namespace
 
-void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances) {
+void geodesics(const Graph& graph, DescribeScratch& scratch) {
     const int n = graph.node_count;
     const size_t nodes = as_size(n);
-    if (fill_distances) scratch.distance.assign(nodes * nodes, no_path);
 
     // Neighbour lists: a level then costs one OR per tie, not a scan of every row's words.
     scratch.offsets.resize(nodes + 1);
@@ -97,13 +61,7 @@ void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances
             const size_t at = as_size(base + s) * lane_words + as_size(s >> 6);
             reached[at] = seeds[at] = uint64_t{1} << (s & 63);
         }
-        int32_t unwritten = 0;  // the first level not yet in the distance matrix
         for (int32_t level = 1;; ++level) {
-            if (fill_distances &&
-                level - unwritten == held_levels) {  // the ring is full: make room
-                write_levels(graph, scratch, base, batch, unwritten, level - 1, false);
-                unwritten = level;
-            }
             const uint64_t* frontier =
                 scratch.arrivals.data() + as_size((level - 1) % held_levels) * level_stride;
             uint64_t* arriving =
@@ -130,12 +88,8 @@ void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances
                     arrived += std::popcount(found);
                 }
             }
-            if (!fill_distances) counts[as_size(level)] += arrived;  // else write_levels counts
-            if (grown == 0) {
-                if (fill_distances)
-                    write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
-                break;
-            }
+            counts[as_size(level)] += arrived;
+            if (grown == 0) break;
         }
     }
 

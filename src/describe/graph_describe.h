@@ -31,8 +31,8 @@ struct DescribeScratch {
     // For a batch of sources, a few words per node: bit s says that source base + s has
     // reached the node so far.
     std::vector<uint64_t> reached;
-    // A ring of the last few levels in the same layout: bit s says that source base + s
-    // reached the node first at that level. The newest level is the next level's frontier.
+    // The last two levels in the same layout: bit s says that source base + s reached the
+    // node first at that level. The newer level is the next level's frontier.
     std::vector<uint64_t> arrivals;
     // Unordered pairs by distance, laid out as geodesic_counts describes; geodesics() leaves
     // the counts of the network it has just measured here.
@@ -42,27 +42,19 @@ struct DescribeScratch {
     std::vector<int32_t> stack;
     // The size of the largest component of the network last measured.
     int32_t giant_size = 0;
-    // Geodesic lengths, n x n, no_path where unreachable: allocated and filled only when a
-    // pass is asked to fill them.
-    std::vector<int32_t> distance;
     // Per-node results (see above).
     std::vector<int32_t> lone_ties;
     std::vector<double> lone_products;
     std::vector<double> node_values;
 };
 
-// The distance entry of a pair without a path.
-inline constexpr int32_t no_path = 9999;
-
 // All-pairs geodesics by breadth-first search from every node, a batch of 256 sources at
 // once: bit s of a node's words stands for one source, so one OR of a neighbour's frontier
 // words advances every search of the batch, and a level is frontier-of-neighbours AND NOT
-// reached. Fills scratch.distance (0 on the diagonal, no_path where no path exists), sets
-// scratch.giant_size and leaves the pair counts in scratch.geodesic_counts.
-// Cost O(n/256 * diameter * (n + E)) steps of a few words each, plus one write per entry.
-// With fill_distances false only the pair counts (and giant_size) are found and no distance
-// matrix is made: a sampling point needs the distribution, not the n^2 entries.
-void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances = true);
+// reached. Leaves the pair counts in scratch.geodesic_counts and sets scratch.giant_size; no
+// n x n distance matrix is made, since the reports need the distribution, not the entries.
+// Cost O(n/256 * diameter * (n + E)) steps of a few words each.
+void geodesics(const Graph& graph, DescribeScratch& scratch);
 
 // The number of nodes of the largest connected component (1 for a network without ties).
 int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch);

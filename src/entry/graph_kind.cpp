@@ -42,7 +42,7 @@ const std::vector<std::string>& KindTraits<Graph>::measure_names() {
 }
 
 SampleMeasures KindTraits<Graph>::measure(const Graph& graph, DescribeScratch& scratch) {
-    geodesics(graph, scratch, false);
+    geodesics(graph, scratch);
     const Moments degrees = degree_moments(graph);
     const Clustering c = clustering(graph, scratch);
     SampleMeasures m;
@@ -87,7 +87,7 @@ KindTraits<Graph>::SampleFiles::SampleFiles(const Graph& graph, const RunSetting
 void KindTraits<Graph>::SampleFiles::write_rows(const Graph& graph, DescribeScratch& scratch,
                                                 const SampleMeasures* measured) {
     if (measured == nullptr && (geodesic != nullptr || cluster != nullptr))
-        geodesics(graph, scratch, false);
+        geodesics(graph, scratch);
     if (degree) write_degree_row(*degree, graph);
     if (geodesic) {
         write_geodesic_row(*geodesic, graph, scratch);
