@@ -16,7 +16,9 @@ public:
     // Room for `expected` ties before the first growth.
     explicit TieList(size_t expected = 0) { reserve(expected); }
 
-    static uint64_t key(int i, int j) { return uint64_t{static_cast<uint32_t>(i)} << 32 | static_cast<uint32_t>(j); }
+    static uint64_t key(int i, int j) {
+        return uint64_t{static_cast<uint32_t>(i)} << 32 | static_cast<uint32_t>(j);
+    }
     static int first(uint64_t key) { return static_cast<int>(key >> 32); }
     static int second(uint64_t key) { return static_cast<int>(key & 0xffffffffu); }
 
@@ -79,7 +81,8 @@ private:
         for (size_t next = (s + 1) & mask_; slots_[next] != empty; next = (next + 1) & mask_) {
             const size_t want = home(ties_[slots_[next]]);
             // Move the entry into the hole unless its home lies cyclically within (hole, next].
-            const bool stays = hole <= next ? (want > hole && want <= next) : (want > hole || want <= next);
+            const bool stays =
+                hole <= next ? (want > hole && want <= next) : (want > hole || want <= next);
             if (!stays) {
                 slots_[hole] = slots_[next];
                 hole = next;

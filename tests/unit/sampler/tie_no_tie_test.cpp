@@ -19,7 +19,8 @@ namespace {
 
 // Exact probabilities of the edge count under the model, by enumerating every graph on n
 // nodes (weights exp(theta . statistics) from the brute-force counts).
-std::vector<double> exact_edge_distribution(int n, const Model& model, const std::vector<double>& theta) {
+std::vector<double> exact_edge_distribution(int n, const Model& model,
+                                            const std::vector<double>& theta) {
     std::vector<std::pair<int, int>> dyads;
     for (int a = 0; a < n; ++a)
         for (int b = a + 1; b < n; ++b) dyads.emplace_back(a, b);
@@ -32,7 +33,8 @@ std::vector<double> exact_edge_distribution(int n, const Model& model, const std
         for (size_t d = 0; d < dyads.size(); ++d) {
             if ((bits >> d) & 1u) m.set(dyads[d].first, dyads[d].second, true), ++edges;
         }
-        const std::vector<double> z = testing::totals_of(testing::graph_from(m), terms, theta.size());
+        const std::vector<double> z =
+            testing::totals_of(testing::graph_from(m), terms, theta.size());
         double score = 0.0;
         for (size_t k = 0; k < theta.size(); ++k) score += theta[k] * z[k];
         mass[static_cast<size_t>(edges)] += std::exp(score);
@@ -45,7 +47,8 @@ std::vector<double> exact_edge_distribution(int n, const Model& model, const std
 TEST(TieNoTie, SamplesTheExactDistributionOfASmallGraphLikeTheToggle) {
     const int n = 5;
     const Model model = testing::model_of(
-        NetworkKind::graph, {int(GraphEffect::edge), int(GraphEffect::star2), int(GraphEffect::triangle)});
+        NetworkKind::graph,
+        {int(GraphEffect::edge), int(GraphEffect::star2), int(GraphEffect::triangle)});
     const std::vector<double> theta{-0.8, 0.15, 0.4};
     const std::vector<double> exact = exact_edge_distribution(n, model, theta);
     const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
