@@ -13,6 +13,7 @@
 
 #include "model/terms.h"
 #include "support/brute_force.h"
+#include "support/graphs.h"
 #include "support/kinds.h"
 #include "support/test_support.h"
 
@@ -140,10 +141,8 @@ TEST(GraphDescribe, EveryMeasureMatchesARecountFromTheAdjacency) {
     expect_matches_recount(chain, scratch, "chain");
 }
 
-std::vector<int32_t> quartiles_of(int n, const std::vector<std::pair<int, int>>& edges) {
-    AdjacencyMatrix m(n);
-    for (const auto& [a, b] : edges) m.set(a, b, true);
-    Graph g = testing::graph_from(m);
+std::vector<int32_t> quartiles_of(int n, std::initializer_list<std::pair<int, int>> edges) {
+    const Graph g = testing::graph_of(n, edges);
     DescribeScratch scratch;
     geodesics(g, scratch);
     const GeodesicQuartiles q = geodesic_quartiles(scratch);

@@ -9,17 +9,11 @@
 #include <vector>
 
 #include "base/errors.h"
-#include "support/brute_force.h"
+#include "support/graphs.h"
 #include "support/test_support.h"
 
 namespace vexa {
 namespace {
-
-Graph network(int n, const std::vector<std::pair<int, int>>& edges) {
-    testing::AdjacencyMatrix m(n);
-    for (const auto& [a, b] : edges) m.set(a, b, true);
-    return testing::graph_from(m);
-}
 
 TEST(DescriptiveFiles, ExactHeaderAndRowOnAHandWorkedNetwork) {
     //   0 --- 1
@@ -32,7 +26,7 @@ TEST(DescriptiveFiles, ExactHeaderAndRowOnAHandWorkedNetwork) {
     // et0 (ties in no triangle at v): 0, 0, 1 (2-3), 1, 1, 1. etnt = t x et0: 0, 0, 1, 0, 0, 0.
     // etntratio: only node 2 has t > 0 and d > 2: 1 / (3 - 2).
     // Quartiles of the 15 pairs: 5 within distance 1 (a third), 7 within 2, the rest apart (6).
-    Graph g = network(6, {{0, 1}, {1, 2}, {0, 2}, {2, 3}, {4, 5}});
+    Graph g = testing::graph_of(6, {{0, 1}, {1, 2}, {0, 2}, {2, 3}, {4, 5}});
     DescribeScratch scratch;
     geodesics(g, scratch);
     const std::string text = testing::capture([&](FILE* f) {

@@ -11,6 +11,7 @@
 #include "effects/graph/graph_catalogue.h"
 #include "model/model.h"
 #include "model/terms.h"
+#include "support/graphs.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 
@@ -27,11 +28,7 @@ TEST(LogOdds, EveryPairCarriesItsChangesAndTheWeightedSumOfThem) {
         model.structural[static_cast<size_t>(effect)].slot = model.structural_included++;
     }
     const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
-    Graph g = create_graph(5);
-    for (const auto& [i, j] : {std::pair{0, 1}, {0, 2}, {1, 2}, {2, 3}}) {
-        add_edge(g, i, j);
-        update_shared_partners(g, i, j, 1);
-    }
+    Graph g = testing::graph_of(5, {{0, 1}, {0, 2}, {1, 2}, {2, 3}});
     const Graph before = g;
     const std::vector<double> theta{-2.0, 0.25, 1.5};
     std::string logodds;

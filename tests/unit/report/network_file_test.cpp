@@ -7,6 +7,7 @@
 #include "base/errors.h"
 #include "numeric/rng.h"
 #include "report/pajek.h"
+#include "support/graphs.h"
 #include "support/test_support.h"
 
 namespace vexa {
@@ -14,19 +15,11 @@ namespace {
 
 using testing::read_text;
 
-void tie(Graph& g, int i, int j) {
-    add_edge(g, i, j);
-    update_shared_partners(g, i, j, 1);
-}
-
 TEST(NetworkFile, MatrixAndPajekBlocksSpellTheAdjacency) {
     const std::string dir = testing::scratch_directory("network_file");
     // A triangle 0-1-2 with node 3 isolated: a network file has no blank before the line end, a
     // Pajek block has one, and blocks are appended after what the file held.
-    Graph small = create_graph(4);
-    tie(small, 0, 1);
-    tie(small, 1, 2);
-    tie(small, 0, 2);
+    const Graph small = testing::graph_of(4, {{0, 1}, {1, 2}, {0, 2}});
     write_network_file(dir + "/small.txt", small);
     EXPECT_EQ(read_text(dir + "/small.txt"), "0 1 1 0\n1 0 1 0\n1 1 0 0\n0 0 0 0\n");
     const std::string paj = dir + "/sim_pajek_flo.paj";
@@ -49,7 +42,10 @@ TEST(NetworkFile, MatrixAndPajekBlocksSpellTheAdjacency) {
     rng.seed(11);
     for (int s = 0; s < 2500; ++s) {
         const int i = rng.node(150), j = rng.node(150);
-        if (i != j && !has_edge(big, i, j)) tie(big, i, j);
+        if (i != j && !has_edge(big, i, j)) {
+            add_edge(big, i, j);
+            update_shared_partners(big, i, j, 1);
+        }
     }
     const std::string path = sample_network_path(dir + "/sample", 150.0);
     EXPECT_EQ(path, dir + "/sample150.txt");

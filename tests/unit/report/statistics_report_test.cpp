@@ -8,6 +8,7 @@
 #include "effects/graph/graph_catalogue.h"
 #include "model/model.h"
 #include "model/terms.h"
+#include "support/graphs.h"
 #include "support/kinds.h"
 #include "support/test_support.h"
 
@@ -17,11 +18,7 @@ namespace {
 TEST(StatisticsReport, CountsWholeWeightedWithFiveDecimalsLambdaInTheLabel) {
     // A star: centre 0 with leaves 1, 2, 3. Three edges, three 2-stars, one 3-star, so
     // 2_3star = 3 - 1/2; AS at lambda 3 is 9 (w(3) - 1 + 1) = 9 (2/3)^3 = 8/3 (the leaves add 0).
-    Graph g = create_graph(4);
-    for (const int leaf : {1, 2, 3}) {
-        add_edge(g, 0, leaf);
-        update_shared_partners(g, 0, leaf, 1);
-    }
+    const Graph g = testing::graph_of(4, {{0, 1}, {0, 2}, {0, 3}});
     // Slots in another order than the catalogue's; the report follows the catalogue.
     Model model = empty_model(NetworkKind::graph);
     model.structural[static_cast<size_t>(GraphEffect::as)] = {0.0, 0, 3.0f};

@@ -13,6 +13,7 @@
 #include "effects/graph/graph_catalogue.h"
 #include "model/model.h"
 #include "model/terms.h"
+#include "support/graphs.h"
 #include "support/kinds.h"
 
 // A sampler step must not touch the heap: this program's operator new counts its calls. Not
@@ -177,16 +178,6 @@ TEST(GraphSampler, LongChainsKeepEveryStatisticEqualToARecountAndNeverAllocate) 
     }
 }
 
-// A store holding the listed ties.
-Graph graph_of(int n, std::initializer_list<std::pair<int, int>> ties) {
-    Graph g = create_graph(n);
-    for (const auto& [i, j] : ties) {
-        add_edge(g, i, j);
-        update_shared_partners(g, i, j, 1);
-    }
-    return g;
-}
-
 TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     const std::vector<Term<Graph>> none;
     Rng rng;
@@ -205,7 +196,7 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     EXPECT_GT(capped.degree_histogram[3], 0);
     // Only dyads the mask allows (the 4-cycle 0-1-2-3) ever change; 5-6 stays.
     const DyadMask mask = mask_of(8, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
-    Graph g = graph_of(8, {{5, 6}});
+    Graph g = testing::graph_of(8, {{5, 6}});
     for (const int variant : {0, 1}) {
         Chain<Graph> chain =
             make_chain(g, none, 0, SamplerSettings{.variant = variant, .mask = &mask}, rng);
@@ -231,7 +222,7 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     // Proposals that could never be found are refused before the chain runs: no node pair, a
     // mask without allowed dyads, an edge-preserving chain on a complete graph or inside a
     // mask whose dyads are all ties.
-    const Graph complete = graph_of(
+    const Graph complete = testing::graph_of(
         5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}, {1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4}});
     const DyadMask empty_mask = mask_of(5, {});
     const DyadMask tied_mask = mask_of(5, {{0, 1}, {2, 3}});
@@ -244,7 +235,7 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
         SettingError);
     EXPECT_NO_THROW(check_proposals_possible(complete, SamplerSettings{}));
     // Fewer than two ties: the edge-preserving step declines at once.
-    Graph one = graph_of(5, {{0, 1}});
+    Graph one = testing::graph_of(5, {{0, 1}});
     EXPECT_NO_THROW(check_proposals_possible(one, SamplerSettings{.variant = 1}));
     Chain<Graph> swaps = make_chain(one, none, 0, SamplerSettings{.variant = 1}, rng);
     EXPECT_EQ(swap_step(swaps, nullptr), 0);
