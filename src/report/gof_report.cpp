@@ -1,6 +1,7 @@
 #include "report/gof_report.h"
 
 #include "base/text_file.h"
+#include "report/simulation_report.h"
 
 namespace vexa {
 
