@@ -26,10 +26,7 @@ void write_quartile_block(FILE* out, const char* heading, const char* observed_l
 void write_gof_heading(FILE* out, NetworkKind kind, const std::vector<ParameterLabel>& labels,
                        const std::vector<double>& parameters, const SamplingPlan& plan) {
     print(out, "\n\n GOODNESS OF FIT\n\nParameter Values:\n");
-    for (const ParameterLabel& label : labels) {
-        print(out, "%s\t%.5f\n", labelled(label).c_str(),
-              parameters[static_cast<size_t>(label.position)]);
-    }
+    write_parameter_lines(out, labels, parameters);
     print(out, "Proposed %.0f %s.\nSamples were picked up at 1 per %.0f %s.\n", plan.proposals,
           networks(kind), plan.interval, networks(kind));
 }
