@@ -25,10 +25,11 @@ int32_t wrapped_product(int64_t a, int64_t b) { return static_cast<int32_t>(a * 
 
 TriadCensus triad_census(const Digraph& digraph) {
     using E = DigraphEffect;
-    const double t1 = total_of(digraph, E::t1), t2 = total_of(digraph, E::t2), t3 = total_of(digraph, E::t3),
-                 t4 = total_of(digraph, E::t4), t5 = total_of(digraph, E::t5), t6 = total_of(digraph, E::t6),
-                 t7 = total_of(digraph, E::t7), t8 = total_of(digraph, E::t8), t9 = total_of(digraph, E::t9),
-                 t10 = total_of(digraph, E::t10);
+    const double t1 = total_of(digraph, E::t1), t2 = total_of(digraph, E::t2),
+                 t3 = total_of(digraph, E::t3), t4 = total_of(digraph, E::t4),
+                 t5 = total_of(digraph, E::t5), t6 = total_of(digraph, E::t6),
+                 t7 = total_of(digraph, E::t7), t8 = total_of(digraph, E::t8),
+                 t9 = total_of(digraph, E::t9), t10 = total_of(digraph, E::t10);
     const double in2 = total_of(digraph, E::in_star2);
     const double out2 = total_of(digraph, E::out_star2);
     const double mixed2 = total_of(digraph, E::mixed_star2);
@@ -50,12 +51,15 @@ TriadCensus triad_census(const Digraph& digraph) {
     q[7] = t8 - (2 * q[5] + 2 * q[4] + q[2] + 3 * q[1] + 6 * q[0]);
     q[8] = t9 - (2 * q[4] + 2 * q[3] + q[2] + 3 * q[1] + 6 * q[0]);
     q[9] = t10 - (2 * q[0] + q[2] + q[1]);
-    q[10] = wrapped_product(n - 2, mutual) - (2 * q[1] + q[7] + q[6] + q[2] + q[3] + q[4] + 2 * q[5] + 3 * q[0]);
+    q[10] = wrapped_product(n - 2, mutual) -
+            (2 * q[1] + q[7] + q[6] + q[2] + q[3] + q[4] + 2 * q[5] + 3 * q[0]);
     q[11] = out2 - (2 * q[1] + 2 * q[4] + q[8] + q[7] + q[2] + q[3] + q[5] + 3 * q[0]);
-    q[12] = mixed2 - (2 * q[5] + 2 * q[3] + 3 * q[2] + 3 * q[9] + q[8] + q[7] + q[6] + 2 * q[4] + 4 * q[1] + 6 * q[0]);
+    q[12] = mixed2 - (2 * q[5] + 2 * q[3] + 3 * q[2] + 3 * q[9] + q[8] + q[7] + q[6] + 2 * q[4] +
+                      4 * q[1] + 6 * q[0]);
     q[13] = in2 - (3 * q[0] + 2 * q[3] + q[8] + q[6] + q[2] + q[4] + q[5] + 2 * q[1]);
-    q[14] = wrapped_product(n - 2, arcs) - (3 * (q[9] + q[8] + q[7] + q[6]) + 2 * (q[13] + q[12] + q[11] + q[10]) +
-                                            4 * (q[5] + q[4] + q[3] + q[2]) + 5 * q[1] + 6 * q[0]);
+    q[14] = wrapped_product(n - 2, arcs) -
+            (3 * (q[9] + q[8] + q[7] + q[6]) + 2 * (q[13] + q[12] + q[11] + q[10]) +
+             4 * (q[5] + q[4] + q[3] + q[2]) + 5 * q[1] + 6 * q[0]);
     const int32_t triples = wrapped_product(wrapped_product(n, n - 1), n - 2) / 6;
     double denser = 0.0;
     for (int k = 0; k < 15; ++k) denser += q[static_cast<size_t>(k)];
@@ -73,7 +77,8 @@ void write_triad_census(FILE* out, const TriadCensus& census) {
         return;
     }
     for (int k = 0; k < triad_class_count; ++k) {
-        std::fprintf(out, "%s\t%.0f\n", triad_class_names[static_cast<size_t>(k)], census.counts[static_cast<size_t>(k)]);
+        std::fprintf(out, "%s\t%.0f\n", triad_class_names[static_cast<size_t>(k)],
+                     census.counts[static_cast<size_t>(k)]);
     }
 }
 

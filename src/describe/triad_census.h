@@ -17,8 +17,8 @@ inline constexpr int triad_class_count = 16;
 
 // The classes in the order the census lists them, densest first.
 inline constexpr std::array<const char*, triad_class_count> triad_class_names = {
-    "300", "210", "120C", "120D", "120U", "201", "111D", "111U",
-    "030T", "030C", "102", "021D", "021C", "021U", "012", "003"};
+    "300",  "210",  "120C", "120D", "120U", "201",  "111D", "111U",
+    "030T", "030C", "102",  "021D", "021C", "021U", "012",  "003"};
 
 struct TriadCensus {
     int32_t node_count = 0;

@@ -30,7 +30,8 @@ double physical_memory_bytes() {
 #if defined(__unix__)
     const long pages = sysconf(_SC_PHYS_PAGES);
     const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0) return static_cast<double>(pages) * static_cast<double>(page_size);
+    if (pages > 0 && page_size > 0)
+        return static_cast<double>(pages) * static_cast<double>(page_size);
 #endif
     return 0.0;  // unknown: do not refuse
 }
@@ -60,7 +61,8 @@ void widen(NeighbourLists& lists, const std::vector<int32_t>& lengths) {
     lists.entries.resize(n * new_stride);  // within the reserved room: no reallocation
     int32_t* base = lists.entries.data();
     for (size_t v = n - 1; v >= 1; --v) {
-        std::memmove(base + v * new_stride, base + v * old_stride, as_size(lengths[v]) * sizeof(int32_t));
+        std::memmove(base + v * new_stride, base + v * old_stride,
+                     as_size(lengths[v]) * sizeof(int32_t));
     }
     lists.stride = static_cast<int32_t>(new_stride);
 }
@@ -93,7 +95,8 @@ NeighbourLists::NeighbourLists(int n) : node_count(n), stride(std::min(n - 1, 16
     entries.resize(as_size(n) * as_size(stride));
 }
 
-NeighbourLists::NeighbourLists(const NeighbourLists& other) : node_count(other.node_count), stride(other.stride) {
+NeighbourLists::NeighbourLists(const NeighbourLists& other)
+    : node_count(other.node_count), stride(other.stride) {
     entries.reserve(list_room(node_count));
     entries.assign(other.entries.begin(), other.entries.end());
 }
@@ -113,20 +116,22 @@ NeighbourLists& NeighbourLists::operator=(const NeighbourLists& other) {
 
 Digraph create_digraph(int n) {
     if (n < 1) {
-        throw SettingError(format_message("vexa: a network needs at least one node (node count %d)", n));
+        throw SettingError(
+            format_message("vexa: a network needs at least one node (node count %d)", n));
     }
     if (n > max_digraph_nodes) {
-        throw SettingError(format_message(
-            "vexa: a digraph of %d nodes is too large: its two-path counts could pass 65,535 (at most "
-            "%d nodes)",
-            n, max_digraph_nodes));
+        throw SettingError(
+            format_message("vexa: a digraph of %d nodes is too large: its two-path counts could "
+                           "pass 65,535 (at most "
+                           "%d nodes)",
+                           n, max_digraph_nodes));
     }
     const double needed = store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(
-            "vexa: a digraph of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB", n,
-            needed / 1e9, available / 1e9));
+            "vexa: a digraph of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB",
+            n, needed / 1e9, available / 1e9));
     }
     Digraph d;
     const size_t nodes = as_size(n);
@@ -228,9 +233,11 @@ Digraph read_digraph(const std::string& path, int n) {
 Digraph random_digraph_by_count(int n, int64_t arc_target, Rng& rng, SeedSource& seeds) {
     const int64_t pairs = int64_t{n} * (int64_t{n} - 1);
     if (arc_target < 0 || arc_target > pairs) {
-        throw SettingError(format_message(
-            "vexa: a random start with %lld arcs is impossible: %d nodes have only %lld ordered pairs",
-            static_cast<long long>(arc_target), n, static_cast<long long>(std::max<int64_t>(pairs, 0))));
+        throw SettingError(
+            format_message("vexa: a random start with %lld arcs is impossible: %d nodes have only "
+                           "%lld ordered pairs",
+                           static_cast<long long>(arc_target), n,
+                           static_cast<long long>(std::max<int64_t>(pairs, 0))));
     }
     Digraph d = create_digraph(n);
     seeds.reseed(rng);
@@ -294,15 +301,17 @@ std::string check_bookkeeping(const Digraph& d) {
             }
         }
         if (out != d.out_degree(a) || in != d.in_degree(a) || mutual != d.mutual_degree(a)) {
-            return format_message("degrees of node %d are out %d in %d mutual %d, recount %d %d %d", a,
-                                  d.out_degree(a), d.in_degree(a), d.mutual_degree(a), out, in, mutual);
+            return format_message("degrees of node %d are out %d in %d mutual %d, recount %d %d %d",
+                                  a, d.out_degree(a), d.in_degree(a), d.mutual_degree(a), out, in,
+                                  mutual);
         }
         out_histogram[as_size(out)] += 1;
         in_histogram[as_size(in)] += 1;
         arcs += out;
         mutual_ends += mutual;
-        for (const auto& [list, row, what] : {std::tuple{d.out_neighbours(a), d.out_row(a), "receiver"},
-                                              std::tuple{d.in_neighbours(a), d.in_row(a), "sender"}}) {
+        for (const auto& [list, row, what] :
+             {std::tuple{d.out_neighbours(a), d.out_row(a), "receiver"},
+              std::tuple{d.in_neighbours(a), d.in_row(a), "sender"}}) {
             std::vector<int32_t> sorted(list.begin(), list.end());
             std::sort(sorted.begin(), sorted.end());
             for (size_t k = 0; k < sorted.size(); ++k) {
@@ -312,11 +321,14 @@ std::string check_bookkeeping(const Digraph& d) {
             }
         }
     }
-    if (out_histogram != d.out_degree_histogram) return "out-degree histogram disagrees with a recount";
-    if (in_histogram != d.in_degree_histogram) return "in-degree histogram disagrees with a recount";
+    if (out_histogram != d.out_degree_histogram)
+        return "out-degree histogram disagrees with a recount";
+    if (in_histogram != d.in_degree_histogram)
+        return "in-degree histogram disagrees with a recount";
     if (arcs != d.arc_count || mutual_ends != 2 * int64_t{d.mutual_count}) {
-        return format_message("arc count %d and mutual count %d, recount %lld and %lld", d.arc_count,
-                              d.mutual_count, static_cast<long long>(arcs), static_cast<long long>(mutual_ends / 2));
+        return format_message("arc count %d and mutual count %d, recount %lld and %lld",
+                              d.arc_count, d.mutual_count, static_cast<long long>(arcs),
+                              static_cast<long long>(mutual_ends / 2));
     }
     for (int a = 0; a < n; ++a) {
         for (int b = 0; b < n; ++b) {
@@ -327,10 +339,13 @@ std::string check_bookkeeping(const Digraph& d) {
                 senders += std::popcount(d.in_row(a)[w] & d.in_row(b)[w]);
                 receivers += std::popcount(d.out_row(a)[w] & d.out_row(b)[w]);
             }
-            if (paths != d.paths(a, b) || senders != d.senders(a, b) || receivers != d.receivers(a, b)) {
+            if (paths != d.paths(a, b) || senders != d.senders(a, b) ||
+                receivers != d.receivers(a, b)) {
                 return format_message(
-                    "pair %d, %d holds two-paths %d, common senders %d, common receivers %d; recount %d %d %d", a,
-                    b, d.paths(a, b), d.senders(a, b), d.receivers(a, b), paths, senders, receivers);
+                    "pair %d, %d holds two-paths %d, common senders %d, common receivers %d; "
+                    "recount %d %d %d",
+                    a, b, d.paths(a, b), d.senders(a, b), d.receivers(a, b), paths, senders,
+                    receivers);
             }
         }
     }

@@ -53,7 +53,9 @@ struct NeighbourLists {
     const int32_t* row(int v) const {
         return entries.data() + static_cast<size_t>(v) * static_cast<size_t>(stride);
     }
-    int32_t* row(int v) { return entries.data() + static_cast<size_t>(v) * static_cast<size_t>(stride); }
+    int32_t* row(int v) {
+        return entries.data() + static_cast<size_t>(v) * static_cast<size_t>(stride);
+    }
 };
 
 struct Digraph {
@@ -64,8 +66,9 @@ struct Digraph {
     int32_t mutual_count = 0;  // mutual dyads, each counted once
     int32_t row_words = 0;     // 64-bit words per adjacency row
 
-    std::vector<uint64_t> out_rows;  // n rows of row_words: arc i->j is bit j%64 of word j/64 of row i
-    std::vector<uint64_t> in_rows;   // the transpose: arc i->j is bit i of row j
+    std::vector<uint64_t>
+        out_rows;  // n rows of row_words: arc i->j is bit j%64 of word j/64 of row i
+    std::vector<uint64_t> in_rows;  // the transpose: arc i->j is bit i of row j
     std::vector<int32_t> in_degree_values;
     std::vector<int32_t> out_degree_values;
     std::vector<int32_t> mutual_degree_values;
@@ -93,15 +96,27 @@ struct Digraph {
     std::span<const int32_t> in_neighbours(int v) const {
         return {in_lists.row(v), static_cast<size_t>(in_degree(v))};
     }
-    int32_t receivers(int a, int b) const { return common_receivers[offset(a, node_count) + static_cast<size_t>(b)]; }
-    int32_t senders(int a, int b) const { return common_senders[offset(a, node_count) + static_cast<size_t>(b)]; }
-    int32_t paths(int a, int b) const { return two_paths[offset(a, node_count) + static_cast<size_t>(b)]; }
+    int32_t receivers(int a, int b) const {
+        return common_receivers[offset(a, node_count) + static_cast<size_t>(b)];
+    }
+    int32_t senders(int a, int b) const {
+        return common_senders[offset(a, node_count) + static_cast<size_t>(b)];
+    }
+    int32_t paths(int a, int b) const {
+        return two_paths[offset(a, node_count) + static_cast<size_t>(b)];
+    }
     // Rows of the three matrices, for scans and for asking ahead for scattered entries.
-    const uint16_t* receivers_row(int a) const { return common_receivers.data() + offset(a, node_count); }
-    const uint16_t* senders_row(int a) const { return common_senders.data() + offset(a, node_count); }
+    const uint16_t* receivers_row(int a) const {
+        return common_receivers.data() + offset(a, node_count);
+    }
+    const uint16_t* senders_row(int a) const {
+        return common_senders.data() + offset(a, node_count);
+    }
     const uint16_t* paths_row(int a) const { return two_paths.data() + offset(a, node_count); }
 
-    static size_t offset(int v, int32_t width) { return static_cast<size_t>(v) * static_cast<size_t>(width); }
+    static size_t offset(int v, int32_t width) {
+        return static_cast<size_t>(v) * static_cast<size_t>(width);
+    }
 };
 
 // An empty digraph. Throws SettingError for n < 1, for n above 65,537 (the two-path counters
@@ -165,7 +180,8 @@ void for_each_arc(const Digraph& digraph, Fn&& fn) {
     for (int a = 0; a < digraph.node_count; ++a) {
         const uint64_t* row = digraph.out_row(a);
         for (int w = 0; w < digraph.row_words; ++w) {
-            for (uint64_t bits = row[w]; bits != 0; bits &= bits - 1) fn(a, w * 64 + std::countr_zero(bits));
+            for (uint64_t bits = row[w]; bits != 0; bits &= bits - 1)
+                fn(a, w * 64 + std::countr_zero(bits));
         }
     }
 }

@@ -52,10 +52,12 @@ std::vector<RowCase> row_cases() {
 // Every field of the store but the neighbour lists, whose order is free (check_bookkeeping
 // compares them with the adjacency as sets).
 bool same_store(const Digraph& a, const Digraph& b) {
-    return a.node_count == b.node_count && a.arc_count == b.arc_count && a.mutual_count == b.mutual_count &&
-           a.out_rows == b.out_rows && a.in_rows == b.in_rows && a.in_degree_values == b.in_degree_values &&
-           a.out_degree_values == b.out_degree_values && a.mutual_degree_values == b.mutual_degree_values &&
-           a.in_degree_histogram == b.in_degree_histogram && a.out_degree_histogram == b.out_degree_histogram &&
+    return a.node_count == b.node_count && a.arc_count == b.arc_count &&
+           a.mutual_count == b.mutual_count && a.out_rows == b.out_rows && a.in_rows == b.in_rows &&
+           a.in_degree_values == b.in_degree_values && a.out_degree_values == b.out_degree_values &&
+           a.mutual_degree_values == b.mutual_degree_values &&
+           a.in_degree_histogram == b.in_degree_histogram &&
+           a.out_degree_histogram == b.out_degree_histogram &&
            a.common_receivers == b.common_receivers && a.common_senders == b.common_senders &&
            a.two_paths == b.two_paths;
 }
@@ -67,7 +69,8 @@ protected:
         n_ = std::get<1>(GetParam());
         terms_ = {digraph_term(row_case_.effect, 0, row_case_.lambda)};
         prepare_workspace(workspace_, terms_);
-        alternating_ = structural_rows<Digraph>()[static_cast<size_t>(row_case_.effect)].about.alternating();
+        alternating_ =
+            structural_rows<Digraph>()[static_cast<size_t>(row_case_.effect)].about.alternating();
     }
 
     // Counts must agree exactly; alternating values within the rounding of their tables.
@@ -93,7 +96,8 @@ protected:
     }
 
     double truth(const ArcMatrix& matrix) const {
-        return testing::digraph_value(testing::digraph_counts(matrix), row_case_.effect, row_case_.lambda);
+        return testing::digraph_value(testing::digraph_counts(matrix), row_case_.effect,
+                                      row_case_.lambda);
     }
 
     // Addition state: the arc is absent everywhere.
@@ -133,7 +137,8 @@ TEST_P(DigraphEffectProperty, TotalsAndChangesAgreeWithRecounts) {
                                                     static_cast<int>(reciprocity * 10));
         const ArcMatrix matrix = testing::random_arc_matrix(n_, density, reciprocity, seed);
         char name[96];
-        std::snprintf(name, sizeof name, "n %d, density %.2f, reciprocity %.2f", n_, density, reciprocity);
+        std::snprintf(name, sizeof name, "n %d, density %.2f, reciprocity %.2f", n_, density,
+                      reciprocity);
         SCOPED_TRACE(name);
         Digraph d = testing::digraph_from(matrix);
         const double expected = truth(matrix);
@@ -166,7 +171,8 @@ TEST_P(DigraphEffectProperty, TotalsAndChangesAgreeWithRecounts) {
         }
         Rng rng;
         rng.seed(seed * 7u + 3u);
-        for (size_t k = arcs.size(); k > 1; --k) std::swap(arcs[k - 1], arcs[static_cast<size_t>(rng.next()) % k]);
+        for (size_t k = arcs.size(); k > 1; --k)
+            std::swap(arcs[k - 1], arcs[static_cast<size_t>(rng.next()) % k]);
         Digraph built = create_digraph(n_);
         double running = total(built);
         expect_same(running, truth(ArcMatrix(n_)), "empty digraph");
@@ -180,18 +186,21 @@ TEST_P(DigraphEffectProperty, TotalsAndChangesAgreeWithRecounts) {
         // The same digraph under another numbering of its nodes.
         std::vector<int> label(static_cast<size_t>(n_));
         std::iota(label.begin(), label.end(), 0);
-        for (size_t k = label.size(); k > 1; --k) std::swap(label[k - 1], label[static_cast<size_t>(rng.next()) % k]);
-        expect_same(total(testing::digraph_from(testing::relabelled(matrix, label))), expected, "relabelled");
+        for (size_t k = label.size(); k > 1; --k)
+            std::swap(label[k - 1], label[static_cast<size_t>(rng.next()) % k]);
+        expect_same(total(testing::digraph_from(testing::relabelled(matrix, label))), expected,
+                    "relabelled");
     }
 }
 
 std::string case_name(const ::testing::TestParamInfo<std::tuple<RowCase, int>>& info) {
     const RowCase& c = std::get<0>(info.param);
-    const char* name = structural_rows<Digraph>()[static_cast<size_t>(c.effect)].about.labels.sample_column;
+    const char* name =
+        structural_rows<Digraph>()[static_cast<size_t>(c.effect)].about.labels.sample_column;
     char buffer[64];
     if (c.lambda != 0.0f) {
-        std::snprintf(buffer, sizeof buffer, "%s_lambda%d_n%d", name, static_cast<int>(c.lambda * 10.0f),
-                      std::get<1>(info.param));
+        std::snprintf(buffer, sizeof buffer, "%s_lambda%d_n%d", name,
+                      static_cast<int>(c.lambda * 10.0f), std::get<1>(info.param));
     } else {
         std::snprintf(buffer, sizeof buffer, "%s_n%d", name, std::get<1>(info.param));
     }
@@ -203,7 +212,8 @@ std::string case_name(const ::testing::TestParamInfo<std::tuple<RowCase, int>>& 
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryRow, DigraphEffectProperty,
-                         ::testing::Combine(::testing::ValuesIn(row_cases()), ::testing::Values(1, 2, 3, 5, 12, 30)),
+                         ::testing::Combine(::testing::ValuesIn(row_cases()),
+                                            ::testing::Values(1, 2, 3, 5, 12, 30)),
                          case_name);
 
 }  // namespace

@@ -33,7 +33,8 @@ double alternating_sum(double lambda, int d) {
     return sum;
 }
 
-// lambda sum (1 - q^L) over the values L, by the lambda-1 and lambda-below-1 forms where they apply.
+// lambda sum (1 - q^L) over the values L, by the lambda-1 and lambda-below-1 forms where they
+// apply.
 double geometric(const std::vector<int>& values, double lambda) {
     if (lambda < 1.0) return 0.0;
     double sum = 0.0;
@@ -174,7 +175,8 @@ DigraphCounts digraph_counts(const ArcMatrix& m) {
             }
         }
     }
-    c.t = {0, raw[1] / 6, raw[2], raw[3], raw[4] / 2, raw[5] / 2, raw[6], raw[7], raw[8], raw[9], raw[10] / 3};
+    c.t = {0,      raw[1] / 6, raw[2], raw[3], raw[4] / 2, raw[5] / 2,
+           raw[6], raw[7],     raw[8], raw[9], raw[10] / 3};
     return c;
 }
 
@@ -186,7 +188,8 @@ double digraph_value(const DigraphCounts& c, DigraphEffect effect, double lambda
         std::vector<int> values;
         for (int a = 0; a < n; ++a) {
             for (int b = 0; b < n; ++b) {
-                if (c.arcs(a, b)) values.push_back(pairs[reversed ? c.arcs.index(b, a) : c.arcs.index(a, b)]);
+                if (c.arcs(a, b))
+                    values.push_back(pairs[reversed ? c.arcs.index(b, a) : c.arcs.index(a, b)]);
             }
         }
         return values;
@@ -219,41 +222,84 @@ double digraph_value(const DigraphCounts& c, DigraphEffect effect, double lambda
     const double a2p_d = geometric(over_pairs(c.senders, false), lambda);
     const double a2p_u = geometric(over_pairs(c.receivers, false), lambda);
     switch (effect) {
-        case E::arc: return static_cast<double>(c.arc);
-        case E::reciprocity: return static_cast<double>(c.mutual);
-        case E::in_star2: return static_cast<double>(c.in_stars[2]);
-        case E::out_star2: return static_cast<double>(c.out_stars[2]);
-        case E::in_star3: return static_cast<double>(c.in_stars[3]);
-        case E::out_star3: return static_cast<double>(c.out_stars[3]);
-        case E::in_star4: return static_cast<double>(c.in_stars[4]);
-        case E::out_star4: return static_cast<double>(c.out_stars[4]);
-        case E::mixed_star2: return static_cast<double>(c.mixed2);
-        case E::t1: case E::t2: case E::t3: case E::t4: case E::t5:
-        case E::t6: case E::t7: case E::t8: case E::t9: case E::t10:
-            return static_cast<double>(c.t[at(static_cast<int>(effect) - static_cast<int>(E::t1) + 1)]);
-        case E::sink: return static_cast<double>(c.sink);
-        case E::source: return static_cast<double>(c.source);
-        case E::isolates: return static_cast<double>(c.isolates);
-        case E::ain_s: case E::ain_s2: return alternating_star(c.in, lambda);
-        case E::aout_s: case E::aout_s2: return alternating_star(c.out, lambda);
-        case E::ain1out_s: return mixed_stars(0);
-        case E::one_in_aout_s: return mixed_stars(1);
-        case E::ain_aout_s: return mixed_stars(2);
-        case E::at_t: return at_t;
-        case E::at_c: return at_c;
-        case E::at_d: return at_d;
-        case E::at_u: return at_u;
-        case E::at_td: return at_t + at_d;
-        case E::at_tu: return at_t + at_u;
-        case E::at_du: return at_d + at_u;
-        case E::at_tdu: return at_t + at_d + at_u;
-        case E::a2p_t: return a2p_t;
-        case E::a2p_d: return a2p_d;
-        case E::a2p_u: return a2p_u;
-        case E::a2p_td: return a2p_t + a2p_d;
-        case E::a2p_tu: return a2p_t + a2p_u;
-        case E::a2p_du: return a2p_d + a2p_u;
-        case E::a2p_tdu: return a2p_t + a2p_d + a2p_u;
+        case E::arc:
+            return static_cast<double>(c.arc);
+        case E::reciprocity:
+            return static_cast<double>(c.mutual);
+        case E::in_star2:
+            return static_cast<double>(c.in_stars[2]);
+        case E::out_star2:
+            return static_cast<double>(c.out_stars[2]);
+        case E::in_star3:
+            return static_cast<double>(c.in_stars[3]);
+        case E::out_star3:
+            return static_cast<double>(c.out_stars[3]);
+        case E::in_star4:
+            return static_cast<double>(c.in_stars[4]);
+        case E::out_star4:
+            return static_cast<double>(c.out_stars[4]);
+        case E::mixed_star2:
+            return static_cast<double>(c.mixed2);
+        case E::t1:
+        case E::t2:
+        case E::t3:
+        case E::t4:
+        case E::t5:
+        case E::t6:
+        case E::t7:
+        case E::t8:
+        case E::t9:
+        case E::t10:
+            return static_cast<double>(
+                c.t[at(static_cast<int>(effect) - static_cast<int>(E::t1) + 1)]);
+        case E::sink:
+            return static_cast<double>(c.sink);
+        case E::source:
+            return static_cast<double>(c.source);
+        case E::isolates:
+            return static_cast<double>(c.isolates);
+        case E::ain_s:
+        case E::ain_s2:
+            return alternating_star(c.in, lambda);
+        case E::aout_s:
+        case E::aout_s2:
+            return alternating_star(c.out, lambda);
+        case E::ain1out_s:
+            return mixed_stars(0);
+        case E::one_in_aout_s:
+            return mixed_stars(1);
+        case E::ain_aout_s:
+            return mixed_stars(2);
+        case E::at_t:
+            return at_t;
+        case E::at_c:
+            return at_c;
+        case E::at_d:
+            return at_d;
+        case E::at_u:
+            return at_u;
+        case E::at_td:
+            return at_t + at_d;
+        case E::at_tu:
+            return at_t + at_u;
+        case E::at_du:
+            return at_d + at_u;
+        case E::at_tdu:
+            return at_t + at_d + at_u;
+        case E::a2p_t:
+            return a2p_t;
+        case E::a2p_d:
+            return a2p_d;
+        case E::a2p_u:
+            return a2p_u;
+        case E::a2p_td:
+            return a2p_t + a2p_d;
+        case E::a2p_tu:
+            return a2p_t + a2p_u;
+        case E::a2p_du:
+            return a2p_d + a2p_u;
+        case E::a2p_tdu:
+            return a2p_t + a2p_d + a2p_u;
     }
     return 0.0;
 }
@@ -279,7 +325,8 @@ std::array<int64_t, 16> triad_census_by_triples(const ArcMatrix& m) {
         {{0, 1}},                                          // 012
         {},                                                // 003
     }};
-    constexpr int labellings[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2}, {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
+    constexpr int labellings[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2},
+                                      {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
     // code bit 3u + v: arc u->v among the triple's three positions.
     std::array<int, 512> class_of{};
     class_of.fill(-1);

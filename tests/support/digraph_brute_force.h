@@ -43,7 +43,7 @@ struct DigraphCounts {
     std::vector<int> paths, senders, receivers;  // n x n: a->x->b, x->a and x->b, a->x and b->x
     int64_t arc = 0, mutual = 0, mixed2 = 0, sink = 0, source = 0, isolates = 0;
     std::array<int64_t, 5> in_stars{}, out_stars{};  // entry k: k-stars, k = 2..4
-    std::array<int64_t, 11> t{};                      // entry k: configuration Tk, k = 1..10
+    std::array<int64_t, 11> t{};                     // entry k: configuration Tk, k = 1..10
 };
 
 DigraphCounts digraph_counts(const ArcMatrix& matrix);

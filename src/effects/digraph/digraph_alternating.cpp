@@ -55,8 +55,9 @@ double alternating_sum(const Term<D>& term, int d) {
 // after `count` members (the intersection's size, known from the two-path matrices), so an
 // empty intersection costs nothing.
 template <typename Fn>
-inline void for_each_common(std::span<const int32_t> list_a, const uint64_t* row_a, std::span<const int32_t> list_b,
-                            const uint64_t* row_b, int count, Fn&& fn) {
+inline void for_each_common(std::span<const int32_t> list_a, const uint64_t* row_a,
+                            std::span<const int32_t> list_b, const uint64_t* row_b, int count,
+                            Fn&& fn) {
     if (count <= 0) return;
     const bool a_shorter = list_a.size() <= list_b.size();
     const std::span<const int32_t> walked = a_shorter ? list_a : list_b;
@@ -72,7 +73,8 @@ inline void for_each_common(std::span<const int32_t> list_a, const uint64_t* row
 // A total lambda sum (1 - w(L)) from a histogram of the L of its arcs or pairs, counts above the
 // cap pooled at the cap (they share its weight): the value depends on the network alone.
 template <class D>
-double from_histogram(const Term<D>& term, const std::array<int64_t, weight_table_cap + 1>& counts) {
+double from_histogram(const Term<D>& term,
+                      const std::array<int64_t, weight_table_cap + 1>& counts) {
     double sum = 0.0;
     for (int m = 1; m <= weight_table_cap; ++m) {
         const int64_t c = counts[static_cast<size_t>(m)];
@@ -95,10 +97,10 @@ inline void tally(std::array<int64_t, weight_table_cap + 1>& counts, int value) 
 template <class D>
 double triangle_transitive(const D& d, const Term<D>& term, int i, int j, int fix) {
     double sum = lambda_of(term) * (1.0 - w(term, d.paths(i, j)));
-    for_each_common(d.out_neighbours(i), d.out_row(i), d.out_neighbours(j), d.out_row(j), d.receivers(i, j),
-                    [&](int y) { sum += gain(term, d.paths(i, y) + fix); });
-    for_each_common(d.in_neighbours(i), d.in_row(i), d.in_neighbours(j), d.in_row(j), d.senders(i, j),
-                    [&](int x) { sum += gain(term, d.paths(x, j) + fix); });
+    for_each_common(d.out_neighbours(i), d.out_row(i), d.out_neighbours(j), d.out_row(j),
+                    d.receivers(i, j), [&](int y) { sum += gain(term, d.paths(i, y) + fix); });
+    for_each_common(d.in_neighbours(i), d.in_row(i), d.in_neighbours(j), d.in_row(j),
+                    d.senders(i, j), [&](int x) { sum += gain(term, d.paths(x, j) + fix); });
     return sum;
 }
 
@@ -108,8 +110,9 @@ double triangle_transitive(const D& d, const Term<D>& term, int i, int j, int fi
 template <class D>
 double triangle_cyclic(const D& d, const Term<D>& term, int i, int j, int fix) {
     double sum = lambda_of(term) * (1.0 - w(term, d.paths(j, i)));
-    for_each_common(d.out_neighbours(j), d.out_row(j), d.in_neighbours(i), d.in_row(i), d.paths(j, i),
-                    [&](int x) { sum += gain(term, d.paths(i, x) + fix) + gain(term, d.paths(x, j) + fix); });
+    for_each_common(
+        d.out_neighbours(j), d.out_row(j), d.in_neighbours(i), d.in_row(i), d.paths(j, i),
+        [&](int x) { sum += gain(term, d.paths(i, x) + fix) + gain(term, d.paths(x, j) + fix); });
     return sum;
 }
 
@@ -213,7 +216,8 @@ std::array<int64_t, weight_table_cap + 1> pair_histogram(const D& d, bool ordere
 // lambda^2 sum over v of (w(d_v) - 1 + d_v / lambda), that is sum over v of lambda Af(d_v) -
 // d_v with exact weights. Change lambda (1 - w(in_j)) or lambda (1 - w(out_i)). O(1); total O(n).
 template <class D>
-double change_alternating_star(const D& d, const Term<D>& term, const Workspace&, int i, int j, int) {
+double change_alternating_star(const D& d, const Term<D>& term, const Workspace&, int i, int j,
+                               int) {
     if (switched_off(term)) return 0.0;
     const int degree = term.variant == 0 ? d.in_degree(j) : d.out_degree(i);
     return lambda_of(term) * (1.0 - w(term, degree));
@@ -236,11 +240,16 @@ double total_alternating_star(const D& d, const Term<D>& term, const Workspace&)
 //   sum over v of Af(in_v) Af(out_v)  change Af(in_i) w(out_i) + Af(out_j) w(in_j)
 // since Af(d + 1) - Af(d) = w(d). Change O(min(degree, cap)); total O(n min(degree, cap)).
 template <class D>
-double change_mixed_alternating_star(const D& d, const Term<D>& term, const Workspace&, int i, int j, int) {
+double change_mixed_alternating_star(const D& d, const Term<D>& term, const Workspace&, int i,
+                                     int j, int) {
     if (switched_off(term)) return 0.0;
     switch (term.variant) {
-        case 0: return alternating_sum(term, d.in_degree(i)) + d.out_degree(j) * w(term, d.in_degree(j));
-        case 1: return alternating_sum(term, d.out_degree(j)) + d.in_degree(i) * w(term, d.out_degree(i));
+        case 0:
+            return alternating_sum(term, d.in_degree(i)) +
+                   d.out_degree(j) * w(term, d.in_degree(j));
+        case 1:
+            return alternating_sum(term, d.out_degree(j)) +
+                   d.in_degree(i) * w(term, d.out_degree(i));
         default:
             return alternating_sum(term, d.in_degree(i)) * w(term, d.out_degree(i)) +
                    alternating_sum(term, d.out_degree(j)) * w(term, d.in_degree(j));
@@ -265,7 +274,8 @@ double total_mixed_alternating_star(const D& d, const Term<D>& term, const Works
 // The alternating triangles AT-T, AT-C, AT-D, AT-U and their sums (variant: the kinds summed,
 // each with this term's lambda and table). Costs as the kinds above; totals O(n words + arcs).
 template <class D>
-double change_alternating_triangle(const D& d, const Term<D>& term, const Workspace&, int i, int j, int added) {
+double change_alternating_triangle(const D& d, const Term<D>& term, const Workspace&, int i, int j,
+                                   int added) {
     if (switched_off(term)) return 0.0;
     const int fix = added == 1 ? 0 : -1;
     double sum = 0.0;
@@ -297,7 +307,8 @@ double total_alternating_triangle(const D& d, const Term<D>& term, const Workspa
 // sums (variant: the kinds summed, each with this term's lambda and table). Change O(out_j +
 // in_i) for T, O(out_i) for D, O(in_j) for U; total O(n^2) a kind.
 template <class D>
-double change_alternating_two_path(const D& d, const Term<D>& term, const Workspace&, int i, int j, int added) {
+double change_alternating_two_path(const D& d, const Term<D>& term, const Workspace&, int i, int j,
+                                   int added) {
     if (switched_off(term)) return 0.0;
     const int fix = added == 1 ? 0 : -1;
     double sum = 0.0;
@@ -311,20 +322,23 @@ double total_alternating_two_path(const D& d, const Term<D>& term, const Workspa
     if (switched_off(term)) return 0.0;
     double sum = 0.0;
     if (term.variant & two_path_t) {
-        sum += from_histogram(term, pair_histogram(d, true, [&d](int u, int v) { return d.paths(u, v); }));
+        sum += from_histogram(
+            term, pair_histogram(d, true, [&d](int u, int v) { return d.paths(u, v); }));
     }
     if (term.variant & two_path_d) {
-        sum += from_histogram(term, pair_histogram(d, false, [&d](int u, int v) { return d.senders(u, v); }));
+        sum += from_histogram(
+            term, pair_histogram(d, false, [&d](int u, int v) { return d.senders(u, v); }));
     }
     if (term.variant & two_path_u) {
-        sum += from_histogram(term, pair_histogram(d, false, [&d](int u, int v) { return d.receivers(u, v); }));
+        sum += from_histogram(
+            term, pair_histogram(d, false, [&d](int u, int v) { return d.receivers(u, v); }));
     }
     return sum;
 }
 
-#define VEXA_INSTANTIATE(name)                                                                         \
-    template double change_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&, int, \
-                                           int, int);                                                  \
+#define VEXA_INSTANTIATE(name)                                                                     \
+    template double change_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&, \
+                                           int, int, int);                                         \
     template double total_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&);
 VEXA_INSTANTIATE(alternating_star)
 VEXA_INSTANTIATE(mixed_alternating_star)

@@ -64,7 +64,8 @@ constexpr int symmetry(int configuration) {
 }
 
 constexpr int triad_count(int configuration, int code) {
-    constexpr int labellings[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2}, {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
+    constexpr int labellings[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2},
+                                      {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
     int found = 0;
     for (const auto& l : labellings) found += holds(configuration, code, l[0], l[1], l[2]) ? 1 : 0;
     return found / symmetry(configuration);
@@ -77,7 +78,8 @@ constexpr auto triad_counts = [] {
     std::array<std::array<int8_t, 64>, configuration_count> counts{};
     for (int c = 0; c < configuration_count; ++c) {
         for (int code = 0; code < 64; ++code) {
-            counts[static_cast<size_t>(c)][static_cast<size_t>(code)] = static_cast<int8_t>(triad_count(c + 1, code));
+            counts[static_cast<size_t>(c)][static_cast<size_t>(code)] =
+                static_cast<int8_t>(triad_count(c + 1, code));
         }
     }
     return counts;
@@ -90,10 +92,11 @@ constexpr auto triad_changes = [] {
     for (int c = 0; c < configuration_count; ++c) {
         for (int bits = 0; bits < 32; ++bits) {
             const int code = ((bits & 1) << arc_bit(1, 0)) | (((bits >> 1) & 1) << arc_bit(0, 2)) |
-                             (((bits >> 2) & 1) << arc_bit(2, 0)) | (((bits >> 3) & 1) << arc_bit(1, 2)) |
+                             (((bits >> 2) & 1) << arc_bit(2, 0)) |
+                             (((bits >> 3) & 1) << arc_bit(1, 2)) |
                              (((bits >> 4) & 1) << arc_bit(2, 1));
-            changes[static_cast<size_t>(c)][static_cast<size_t>(bits)] =
-                static_cast<int8_t>(triad_count(c + 1, code | (1 << arc_bit(0, 1))) - triad_count(c + 1, code));
+            changes[static_cast<size_t>(c)][static_cast<size_t>(bits)] = static_cast<int8_t>(
+                triad_count(c + 1, code | (1 << arc_bit(0, 1))) - triad_count(c + 1, code));
         }
     }
     return changes;
@@ -115,8 +118,8 @@ double closed_triad_change(const D& d, int configuration, int i, int j) {
     const int back = bit_of(out_j, i) ? 1 : 0;
     int sum = 0;
     const auto count = [&](int k) {
-        const int bits = back | (bit_of(out_i, k) << 1) | (bit_of(in_i, k) << 2) | (bit_of(out_j, k) << 3) |
-                         (bit_of(in_j, k) << 4);
+        const int bits = back | (bit_of(out_i, k) << 1) | (bit_of(in_i, k) << 2) |
+                         (bit_of(out_j, k) << 3) | (bit_of(in_j, k) << 4);
         sum += change[static_cast<size_t>(bits)];
     };
     const bool from_i = d.out_degree(i) + d.in_degree(i) <= d.out_degree(j) + d.in_degree(j);
@@ -152,14 +155,17 @@ double closed_triad_total(const D& d, int configuration) {
                 const int v = wv * 64 + std::countr_zero(vs);
                 const uint64_t* out_v = d.out_row(v);
                 const uint64_t* in_v = d.in_row(v);
-                const int uv = (bit_of(out_u, v) << arc_bit(0, 1)) | (bit_of(out_v, u) << arc_bit(1, 0));
+                const int uv =
+                    (bit_of(out_u, v) << arc_bit(0, 1)) | (bit_of(out_v, u) << arc_bit(1, 0));
                 for (int wk = (v + 1) >> 6; wk < words; ++wk) {
                     uint64_t ks = (out_u[wk] | in_u[wk]) & (out_v[wk] | in_v[wk]);
                     if (wk == (v + 1) >> 6) ks &= ~uint64_t{0} << ((v + 1) & 63);
                     for (; ks != 0; ks &= ks - 1) {
                         const int k = wk * 64 + std::countr_zero(ks);
-                        const int code = uv | (bit_of(out_u, k) << arc_bit(0, 2)) | (bit_of(in_u, k) << arc_bit(2, 0)) |
-                                         (bit_of(out_v, k) << arc_bit(1, 2)) | (bit_of(in_v, k) << arc_bit(2, 1));
+                        const int code = uv | (bit_of(out_u, k) << arc_bit(0, 2)) |
+                                         (bit_of(in_u, k) << arc_bit(2, 0)) |
+                                         (bit_of(out_v, k) << arc_bit(1, 2)) |
+                                         (bit_of(in_v, k) << arc_bit(2, 1));
                         sum += counts[static_cast<size_t>(code)];
                     }
                 }
@@ -259,13 +265,16 @@ double total_triad(const D& d, const Term<D>& term, const Workspace&) {
     int64_t sum = 0;
     switch (term.variant) {
         case 6:
-            for (int v = 0; v < d.node_count; ++v) sum += int64_t{d.mutual_degree(v)} * (d.mutual_degree(v) - 1) / 2;
+            for (int v = 0; v < d.node_count; ++v)
+                sum += int64_t{d.mutual_degree(v)} * (d.mutual_degree(v) - 1) / 2;
             return static_cast<double>(sum);
         case 7:
-            for (int v = 0; v < d.node_count; ++v) sum += int64_t{d.mutual_degree(v)} * (d.in_degree(v) - 1);
+            for (int v = 0; v < d.node_count; ++v)
+                sum += int64_t{d.mutual_degree(v)} * (d.in_degree(v) - 1);
             return static_cast<double>(sum);
         case 8:
-            for (int v = 0; v < d.node_count; ++v) sum += int64_t{d.mutual_degree(v)} * (d.out_degree(v) - 1);
+            for (int v = 0; v < d.node_count; ++v)
+                sum += int64_t{d.mutual_degree(v)} * (d.out_degree(v) - 1);
             return static_cast<double>(sum);
         case 9:
             for_each_arc(d, [&](int a, int b) { sum += d.paths(a, b); });
@@ -287,7 +296,8 @@ double change_sink(const D& d, const Term<D>&, const Workspace&, int i, int j, i
 template <class D>
 double total_sink(const D& d, const Term<D>&, const Workspace&) {
     int64_t sum = 0;
-    for (int v = 0; v < d.node_count; ++v) sum += d.out_degree(v) == 0 && d.in_degree(v) >= 1 ? 1 : 0;
+    for (int v = 0; v < d.node_count; ++v)
+        sum += d.out_degree(v) == 0 && d.in_degree(v) >= 1 ? 1 : 0;
     return static_cast<double>(sum);
 }
 
@@ -301,26 +311,30 @@ double change_source(const D& d, const Term<D>&, const Workspace&, int i, int j,
 template <class D>
 double total_source(const D& d, const Term<D>&, const Workspace&) {
     int64_t sum = 0;
-    for (int v = 0; v < d.node_count; ++v) sum += d.in_degree(v) == 0 && d.out_degree(v) >= 1 ? 1 : 0;
+    for (int v = 0; v < d.node_count; ++v)
+        sum += d.in_degree(v) == 0 && d.out_degree(v) >= 1 ? 1 : 0;
     return static_cast<double>(sum);
 }
 
 // Isolates (no arc in or out): each isolated end stops being one. O(1); total O(n).
 template <class D>
 double change_isolates(const D& d, const Term<D>&, const Workspace&, int i, int j, int) {
-    const auto isolated = [&d](int v) { return d.in_degree(v) == 0 && d.out_degree(v) == 0 ? 1.0 : 0.0; };
+    const auto isolated = [&d](int v) {
+        return d.in_degree(v) == 0 && d.out_degree(v) == 0 ? 1.0 : 0.0;
+    };
     return -isolated(i) - isolated(j);
 }
 template <class D>
 double total_isolates(const D& d, const Term<D>&, const Workspace&) {
     int64_t sum = 0;
-    for (int v = 0; v < d.node_count; ++v) sum += d.in_degree(v) == 0 && d.out_degree(v) == 0 ? 1 : 0;
+    for (int v = 0; v < d.node_count; ++v)
+        sum += d.in_degree(v) == 0 && d.out_degree(v) == 0 ? 1 : 0;
     return static_cast<double>(sum);
 }
 
-#define VEXA_INSTANTIATE(name)                                                                         \
-    template double change_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&, int, \
-                                           int, int);                                                  \
+#define VEXA_INSTANTIATE(name)                                                                     \
+    template double change_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&, \
+                                           int, int, int);                                         \
     template double total_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&);
 VEXA_INSTANTIATE(arc)
 VEXA_INSTANTIATE(reciprocity)

@@ -19,20 +19,20 @@
 
 namespace vexa {
 
-#define VEXA_DIGRAPH_FAMILY(name)                                                                     \
-    template <class D>                                                                                \
-    double change_##name(const D& d, const Term<D>& term, const Workspace& workspace, int i, int j, \
-                         int added);                                                                  \
-    template <class D>                                                                                \
+#define VEXA_DIGRAPH_FAMILY(name)                                                            \
+    template <class D>                                                                       \
+    double change_##name(const D& d, const Term<D>& term, const Workspace& workspace, int i, \
+                         int j, int added);                                                  \
+    template <class D>                                                                       \
     double total_##name(const D& d, const Term<D>& term, const Workspace& workspace);
 
 // digraph_effects.cpp
 VEXA_DIGRAPH_FAMILY(arc)
 VEXA_DIGRAPH_FAMILY(reciprocity)
-VEXA_DIGRAPH_FAMILY(in_star)      // variant: the order k
-VEXA_DIGRAPH_FAMILY(out_star)     // variant: the order k
+VEXA_DIGRAPH_FAMILY(in_star)   // variant: the order k
+VEXA_DIGRAPH_FAMILY(out_star)  // variant: the order k
 VEXA_DIGRAPH_FAMILY(mixed_star)
-VEXA_DIGRAPH_FAMILY(triad)        // variant: the configuration, 1 to 10
+VEXA_DIGRAPH_FAMILY(triad)  // variant: the configuration, 1 to 10
 VEXA_DIGRAPH_FAMILY(sink)
 VEXA_DIGRAPH_FAMILY(source)
 VEXA_DIGRAPH_FAMILY(isolates)

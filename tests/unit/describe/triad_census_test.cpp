@@ -42,7 +42,8 @@ TEST(TriadCensus, HandWorkedDigraphs) {
     EXPECT_EQ(triad_census(create_digraph(7)).counts, only("003", 35));
     EXPECT_EQ(triad_census(digraph_of(3, {{0, 1}})).counts, only("012", 1));
     EXPECT_EQ(triad_census(digraph_of(3, {{0, 1}, {1, 0}})).counts, only("102", 1));
-    EXPECT_EQ(triad_census(digraph_of(3, {{0, 1}, {1, 0}, {0, 2}, {2, 0}, {1, 2}, {2, 1}})).counts, only("300", 1));
+    EXPECT_EQ(triad_census(digraph_of(3, {{0, 1}, {1, 0}, {0, 2}, {2, 0}, {1, 2}, {2, 1}})).counts,
+              only("300", 1));
     // Fewer than three nodes: no triples at all.
     EXPECT_EQ(triad_census(digraph_of(2, {{0, 1}, {1, 0}})).counts, Counts{});
     EXPECT_EQ(triad_census(create_digraph(1)).counts, Counts{});
@@ -50,9 +51,10 @@ TEST(TriadCensus, HandWorkedDigraphs) {
 
 TEST(TriadCensus, EqualsAClassificationOfEveryTripleAndSumsToTheTriples) {
     for (const int n : {3, 4, 9, 40}) {
-        for (const auto& [density, reciprocity] : {std::pair{0.1, 0.0}, {0.3, 0.5}, {0.6, 0.3}, {0.9, 0.9}}) {
-            const testing::ArcMatrix matrix =
-                testing::random_arc_matrix(n, density, reciprocity, static_cast<uint32_t>(n * 17 + density * 100));
+        for (const auto& [density, reciprocity] :
+             {std::pair{0.1, 0.0}, {0.3, 0.5}, {0.6, 0.3}, {0.9, 0.9}}) {
+            const testing::ArcMatrix matrix = testing::random_arc_matrix(
+                n, density, reciprocity, static_cast<uint32_t>(n * 17 + density * 100));
             const TriadCensus census = triad_census(testing::digraph_from(matrix));
             const std::array<int64_t, 16> truth = testing::triad_census_by_triples(matrix);
             double sum = 0.0;
@@ -79,9 +81,10 @@ TEST(TriadCensus, SamplikeAndTheWrittenFile) {
     EXPECT_TRUE(triad_census(create_digraph(1291)).exact);
     const TriadCensus large = triad_census(create_digraph(1292));
     EXPECT_FALSE(large.exact);
-    EXPECT_EQ(testing::capture([&](FILE* out) { write_triad_census(out, large); }),
-              "Triad Census:\nnot counted: a digraph of 1292 nodes passes the 32-bit range of the census "
-              "(at most 1291 nodes)\n");
+    EXPECT_EQ(
+        testing::capture([&](FILE* out) { write_triad_census(out, large); }),
+        "Triad Census:\nnot counted: a digraph of 1292 nodes passes the 32-bit range of the census "
+        "(at most 1291 nodes)\n");
 }
 
 }  // namespace

@@ -31,10 +31,12 @@ void toggle_randomly(Digraph& d, int steps, Rng& rng) {
 
 // Every field but the neighbour lists, whose order is free; check_bookkeeping covers them.
 bool same_store(const Digraph& a, const Digraph& b) {
-    return a.arc_count == b.arc_count && a.mutual_count == b.mutual_count && a.out_rows == b.out_rows &&
-           a.in_rows == b.in_rows && a.in_degree_values == b.in_degree_values &&
-           a.out_degree_values == b.out_degree_values && a.mutual_degree_values == b.mutual_degree_values &&
-           a.in_degree_histogram == b.in_degree_histogram && a.out_degree_histogram == b.out_degree_histogram &&
+    return a.arc_count == b.arc_count && a.mutual_count == b.mutual_count &&
+           a.out_rows == b.out_rows && a.in_rows == b.in_rows &&
+           a.in_degree_values == b.in_degree_values && a.out_degree_values == b.out_degree_values &&
+           a.mutual_degree_values == b.mutual_degree_values &&
+           a.in_degree_histogram == b.in_degree_histogram &&
+           a.out_degree_histogram == b.out_degree_histogram &&
            a.common_receivers == b.common_receivers && a.common_senders == b.common_senders &&
            a.two_paths == b.two_paths;
 }
@@ -136,7 +138,8 @@ TEST(DigraphStore, ReadsAMatrixFileAndRefusesBadOnes) {
     // 2, -1 and 1.5 are no arcs, the diagonal 1 is no loop; the arcs are 0->1, 1->0, 2->3, 3->1.
     testing::write_text(dir + "/m.txt", "1 1 2 -1\n1 0 1.5 0\n0 0 1 1\n0 1 0 0\n");
     const Digraph d = read_digraph(dir + "/m.txt", 4);
-    EXPECT_TRUE(d.arc_count == 4 && d.has_arc(0, 1) && d.has_arc(1, 0) && d.has_arc(2, 3) && d.has_arc(3, 1));
+    EXPECT_TRUE(d.arc_count == 4 && d.has_arc(0, 1) && d.has_arc(1, 0) && d.has_arc(2, 3) &&
+                d.has_arc(3, 1));
     EXPECT_EQ(d.mutual_count, 1);
     EXPECT_EQ(check_bookkeeping(d), "");
     for (const auto& [n, text, named] : {std::tuple{3, "0 1 1\n1 0 1\n1 1\n", "ends in row 3"},
