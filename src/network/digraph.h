@@ -66,9 +66,10 @@ struct Digraph {
     int32_t mutual_count = 0;  // mutual dyads, each counted once
     int32_t row_words = 0;     // 64-bit words per adjacency row
 
-    std::vector<uint64_t>
-        out_rows;  // n rows of row_words: arc i->j is bit j%64 of word j/64 of row i
-    std::vector<uint64_t> in_rows;  // the transpose: arc i->j is bit i of row j
+    // n rows of row_words each: arc i->j is bit j%64 of word j/64 of out row i, and bit i%64 of
+    // word i/64 of in row j. Bits beyond the last node stay clear.
+    std::vector<uint64_t> out_rows;
+    std::vector<uint64_t> in_rows;
     std::vector<int32_t> in_degree_values;
     std::vector<int32_t> out_degree_values;
     std::vector<int32_t> mutual_degree_values;
@@ -166,8 +167,9 @@ double density(const Digraph& digraph);
 // Arcs per node (the mean in-degree, and the mean out-degree).
 double mean_degree(const Digraph& digraph);
 
-// Recounts every piece of bookkeeping from the out rows alone and returns a description of the
-// first disagreement, or an empty string when the store is consistent. O(n^2 words).
+// Recounts every piece of bookkeeping from the out rows alone (the in rows and the neighbour
+// lists included) and returns a description of the first disagreement, or an empty string
+// when the store is consistent. O(n^2 words).
 std::string check_bookkeeping(const Digraph& digraph);
 
 // Whether bit b of an adjacency row is set.
@@ -180,8 +182,9 @@ void for_each_arc(const Digraph& digraph, Fn&& fn) {
     for (int a = 0; a < digraph.node_count; ++a) {
         const uint64_t* row = digraph.out_row(a);
         for (int w = 0; w < digraph.row_words; ++w) {
-            for (uint64_t bits = row[w]; bits != 0; bits &= bits - 1)
+            for (uint64_t bits = row[w]; bits != 0; bits &= bits - 1) {
                 fn(a, w * 64 + std::countr_zero(bits));
+            }
         }
     }
 }

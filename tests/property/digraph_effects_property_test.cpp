@@ -49,19 +49,6 @@ std::vector<RowCase> row_cases() {
     return cases;
 }
 
-// Every field of the store but the neighbour lists, whose order is free (check_bookkeeping
-// compares them with the adjacency as sets).
-bool same_store(const Digraph& a, const Digraph& b) {
-    return a.node_count == b.node_count && a.arc_count == b.arc_count &&
-           a.mutual_count == b.mutual_count && a.out_rows == b.out_rows && a.in_rows == b.in_rows &&
-           a.in_degree_values == b.in_degree_values && a.out_degree_values == b.out_degree_values &&
-           a.mutual_degree_values == b.mutual_degree_values &&
-           a.in_degree_histogram == b.in_degree_histogram &&
-           a.out_degree_histogram == b.out_degree_histogram &&
-           a.common_receivers == b.common_receivers && a.common_senders == b.common_senders &&
-           a.two_paths == b.two_paths;
-}
-
 class DigraphEffectProperty : public ::testing::TestWithParam<std::tuple<RowCase, int>> {
 protected:
     void SetUp() override {
@@ -160,7 +147,7 @@ TEST_P(DigraphEffectProperty, TotalsAndChangesAgreeWithRecounts) {
             }
         }
         EXPECT_EQ(check_bookkeeping(d), "");
-        EXPECT_TRUE(same_store(before, d)) << "toggling each pair twice restores the store";
+        EXPECT_TRUE(testing::same_store(before, d)) << "toggling each pair twice restores the store";
 
         // A shuffled build-up from the empty digraph.
         std::vector<std::pair<int, int>> arcs;

@@ -85,14 +85,6 @@ ArcMatrix random_arc_matrix(int n, double density, double reciprocity, uint32_t 
     return m;
 }
 
-ArcMatrix arcs_of(const Digraph& digraph) {
-    ArcMatrix m(digraph.node_count);
-    for (int a = 0; a < m.n; ++a) {
-        for (int b = 0; b < m.n; ++b) m.set(a, b, a != b && digraph.has_arc(a, b));
-    }
-    return m;
-}
-
 Digraph digraph_from(const ArcMatrix& matrix) {
     Digraph d = create_digraph(matrix.n);
     for (int a = 0; a < matrix.n; ++a) {
@@ -104,6 +96,17 @@ Digraph digraph_from(const ArcMatrix& matrix) {
         }
     }
     return d;
+}
+
+bool same_store(const Digraph& a, const Digraph& b) {
+    return a.node_count == b.node_count && a.arc_count == b.arc_count &&
+           a.mutual_count == b.mutual_count && a.out_rows == b.out_rows && a.in_rows == b.in_rows &&
+           a.in_degree_values == b.in_degree_values && a.out_degree_values == b.out_degree_values &&
+           a.mutual_degree_values == b.mutual_degree_values &&
+           a.in_degree_histogram == b.in_degree_histogram &&
+           a.out_degree_histogram == b.out_degree_histogram &&
+           a.common_receivers == b.common_receivers && a.common_senders == b.common_senders &&
+           a.two_paths == b.two_paths;
 }
 
 ArcMatrix relabelled(const ArcMatrix& matrix, const std::vector<int>& label) {
@@ -222,84 +225,42 @@ double digraph_value(const DigraphCounts& c, DigraphEffect effect, double lambda
     const double a2p_d = geometric(over_pairs(c.senders, false), lambda);
     const double a2p_u = geometric(over_pairs(c.receivers, false), lambda);
     switch (effect) {
-        case E::arc:
-            return static_cast<double>(c.arc);
-        case E::reciprocity:
-            return static_cast<double>(c.mutual);
-        case E::in_star2:
-            return static_cast<double>(c.in_stars[2]);
-        case E::out_star2:
-            return static_cast<double>(c.out_stars[2]);
-        case E::in_star3:
-            return static_cast<double>(c.in_stars[3]);
-        case E::out_star3:
-            return static_cast<double>(c.out_stars[3]);
-        case E::in_star4:
-            return static_cast<double>(c.in_stars[4]);
-        case E::out_star4:
-            return static_cast<double>(c.out_stars[4]);
-        case E::mixed_star2:
-            return static_cast<double>(c.mixed2);
-        case E::t1:
-        case E::t2:
-        case E::t3:
-        case E::t4:
-        case E::t5:
-        case E::t6:
-        case E::t7:
-        case E::t8:
-        case E::t9:
-        case E::t10:
+        case E::arc: return static_cast<double>(c.arc);
+        case E::reciprocity: return static_cast<double>(c.mutual);
+        case E::in_star2: return static_cast<double>(c.in_stars[2]);
+        case E::out_star2: return static_cast<double>(c.out_stars[2]);
+        case E::in_star3: return static_cast<double>(c.in_stars[3]);
+        case E::out_star3: return static_cast<double>(c.out_stars[3]);
+        case E::in_star4: return static_cast<double>(c.in_stars[4]);
+        case E::out_star4: return static_cast<double>(c.out_stars[4]);
+        case E::mixed_star2: return static_cast<double>(c.mixed2);
+        case E::t1: case E::t2: case E::t3: case E::t4: case E::t5:
+        case E::t6: case E::t7: case E::t8: case E::t9: case E::t10:
             return static_cast<double>(
                 c.t[at(static_cast<int>(effect) - static_cast<int>(E::t1) + 1)]);
-        case E::sink:
-            return static_cast<double>(c.sink);
-        case E::source:
-            return static_cast<double>(c.source);
-        case E::isolates:
-            return static_cast<double>(c.isolates);
-        case E::ain_s:
-        case E::ain_s2:
-            return alternating_star(c.in, lambda);
-        case E::aout_s:
-        case E::aout_s2:
-            return alternating_star(c.out, lambda);
-        case E::ain1out_s:
-            return mixed_stars(0);
-        case E::one_in_aout_s:
-            return mixed_stars(1);
-        case E::ain_aout_s:
-            return mixed_stars(2);
-        case E::at_t:
-            return at_t;
-        case E::at_c:
-            return at_c;
-        case E::at_d:
-            return at_d;
-        case E::at_u:
-            return at_u;
-        case E::at_td:
-            return at_t + at_d;
-        case E::at_tu:
-            return at_t + at_u;
-        case E::at_du:
-            return at_d + at_u;
-        case E::at_tdu:
-            return at_t + at_d + at_u;
-        case E::a2p_t:
-            return a2p_t;
-        case E::a2p_d:
-            return a2p_d;
-        case E::a2p_u:
-            return a2p_u;
-        case E::a2p_td:
-            return a2p_t + a2p_d;
-        case E::a2p_tu:
-            return a2p_t + a2p_u;
-        case E::a2p_du:
-            return a2p_d + a2p_u;
-        case E::a2p_tdu:
-            return a2p_t + a2p_d + a2p_u;
+        case E::sink: return static_cast<double>(c.sink);
+        case E::source: return static_cast<double>(c.source);
+        case E::isolates: return static_cast<double>(c.isolates);
+        case E::ain_s: case E::ain_s2: return alternating_star(c.in, lambda);
+        case E::aout_s: case E::aout_s2: return alternating_star(c.out, lambda);
+        case E::ain1out_s: return mixed_stars(0);
+        case E::one_in_aout_s: return mixed_stars(1);
+        case E::ain_aout_s: return mixed_stars(2);
+        case E::at_t: return at_t;
+        case E::at_c: return at_c;
+        case E::at_d: return at_d;
+        case E::at_u: return at_u;
+        case E::at_td: return at_t + at_d;
+        case E::at_tu: return at_t + at_u;
+        case E::at_du: return at_d + at_u;
+        case E::at_tdu: return at_t + at_d + at_u;
+        case E::a2p_t: return a2p_t;
+        case E::a2p_d: return a2p_d;
+        case E::a2p_u: return a2p_u;
+        case E::a2p_td: return a2p_t + a2p_d;
+        case E::a2p_tu: return a2p_t + a2p_u;
+        case E::a2p_du: return a2p_d + a2p_u;
+        case E::a2p_tdu: return a2p_t + a2p_d + a2p_u;
     }
     return 0.0;
 }

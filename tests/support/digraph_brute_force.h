@@ -29,10 +29,11 @@ struct ArcMatrix {
 // A seeded random digraph: each unordered pair is tied with probability `density`; a tied
 // pair is mutual with probability `reciprocity`, else one arc in a direction drawn at random.
 ArcMatrix random_arc_matrix(int n, double density, double reciprocity, uint32_t seed);
-// The arcs of a store, read bit by bit (nothing of its bookkeeping).
-ArcMatrix arcs_of(const Digraph& digraph);
 // A store holding the matrix's arcs, added row by row.
 Digraph digraph_from(const ArcMatrix& matrix);
+// Every field of two stores but the neighbour lists, whose order is free (check_bookkeeping
+// compares them with the adjacency as sets).
+bool same_store(const Digraph& a, const Digraph& b);
 // The same digraph with node v renamed label[v].
 ArcMatrix relabelled(const ArcMatrix& matrix, const std::vector<int>& label);
 

@@ -12,6 +12,7 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <span>
 
 #include "effects/digraph/digraph_catalogue.h"
 #include "effects/digraph/digraph_effects.h"
