@@ -6,8 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "effects/graph_catalogue.h"
-#include "effects/model.h"
+#include "effects/combiner.h"
+#include "effects/graph/graph_catalogue.h"
+#include "model/model.h"
+#include "model/terms.h"
 #include "network/graph.h"
 #include "numeric/rng.h"
 
@@ -17,28 +19,31 @@ using vexa::GraphEffect;
 
 struct Setup {
     vexa::Graph graph;
-    std::vector<vexa::Term> terms;
+    std::vector<vexa::Term<vexa::Graph>> terms;
+    vexa::Workspace workspace;
     std::vector<double> parameters;
     std::vector<std::pair<int, int>> dyads;
 };
 
-Setup make_setup(int n, const std::vector<GraphEffect>& effects, float lambda, int clique_depth) {
+Setup make_setup(int n, const std::vector<GraphEffect>& effects, float lambda) {
     vexa::Rng rng;
     vexa::SeedSource seeds;
     seeds.fixed = true;
     seeds.base = 7;
     Setup s;
     const int count = static_cast<int>(effects.size());
-    s.graph = vexa::random_graph(n, int64_t{5} * n, count, clique_depth, rng, seeds);
+    s.graph = vexa::random_graph(n, int64_t{5} * n, rng, seeds);
     vexa::Model model = vexa::empty_model(vexa::NetworkKind::graph);
     for (int k = 0; k < count; ++k) {
-        vexa::EffectSetting& setting = model.structural[static_cast<size_t>(effects[static_cast<size_t>(k)])];
+        vexa::EffectSetting& setting =
+            model.structural[static_cast<size_t>(effects[static_cast<size_t>(k)])];
         setting.slot = k;
         setting.lambda = lambda;
         s.parameters.push_back(k == 0 ? -4.0 : 0.3 + 0.1 * k);
     }
-    s.terms = vexa::graph_terms(model);
-    vexa::compute_totals(s.graph, s.terms);
+    model.structural_included = count;
+    s.terms = vexa::make_terms<vexa::Graph>(model);
+    vexa::prepare_workspace(s.workspace, s.terms);
 
     std::vector<std::pair<int, int>> edges;
     for (int u = 0; u < n; ++u) {
@@ -68,10 +73,12 @@ void evaluate(benchmark::State& state, Setup& s) {
         const auto [i, j] = s.dyads[k++ & 8191];
         if (vexa::has_edge(s.graph, i, j)) {
             vexa::remove_edge(s.graph, i, j);
-            sink += vexa::change_statistics(s.graph, s.terms, s.parameters.data(), changes.data(), i, j, 0);
+            sink += vexa::change_statistics(s.graph, s.terms, s.workspace, s.parameters.data(),
+                                            changes.data(), i, j, 0);
             vexa::add_edge(s.graph, i, j);  // rejected: the partner data never changed
         } else {
-            sink += vexa::change_statistics(s.graph, s.terms, s.parameters.data(), changes.data(), i, j, 1);
+            sink += vexa::change_statistics(s.graph, s.terms, s.workspace, s.parameters.data(),
+                                            changes.data(), i, j, 1);
         }
     }
     benchmark::DoNotOptimize(sink);
@@ -79,20 +86,22 @@ void evaluate(benchmark::State& state, Setup& s) {
 }
 
 void BM_EdgeStarTriangle(benchmark::State& state) {
-    Setup s = make_setup(static_cast<int>(state.range(0)), {GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle},
-                         0.0f, 0);
+    Setup s = make_setup(static_cast<int>(state.range(0)),
+                         {GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle}, 0.0f);
     evaluate(state, s);
 }
 
 void BM_EdgeAlternating(benchmark::State& state) {
-    Setup s = make_setup(static_cast<int>(state.range(0)),
-                         {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}, 2.0f, 0);
+    Setup s =
+        make_setup(static_cast<int>(state.range(0)),
+                   {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}, 2.0f);
     evaluate(state, s);
 }
 
-// The alternating clique effect with the store counting cliques up to 8 nodes.
+// The alternating clique effect, counting cliques up to 8 nodes.
 void BM_EdgeAlternatingCliques(benchmark::State& state) {
-    Setup s = make_setup(static_cast<int>(state.range(0)), {GraphEffect::edge, GraphEffect::ac}, 2.0f, 8);
+    Setup s =
+        make_setup(static_cast<int>(state.range(0)), {GraphEffect::edge, GraphEffect::ac}, 2.0f);
     evaluate(state, s);
 }
 

@@ -8,10 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "effects/graph_catalogue.h"
+#include "effects/graph/graph_catalogue.h"
 #include "entry/run_driver.h"
+#include "model/terms.h"
 #include "network/graph.h"
-#include "sampler/graph_sampler.h"
+#include "sampler/steps.h"
 
 namespace {
 
@@ -19,10 +20,11 @@ using namespace vexa;
 
 Model alternating_model() {
     Model model = empty_model(NetworkKind::graph);
-    for (const GraphEffect effect : {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
+    for (const GraphEffect effect :
+         {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
         EffectSetting& setting = model.structural[static_cast<size_t>(effect)];
         setting.slot = model.structural_included++;
-        setting.lambda = graph_row(effect).lambda_default;
+        setting.lambda = graph_about(effect).lambda_default;
     }
     return model;
 }
@@ -37,18 +39,17 @@ std::vector<double> stable_parameters(int n) {
 void BM_SamplerProposals(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     const Model model = alternating_model();
-    const std::vector<Term> terms = graph_terms(model);
+    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
     const std::vector<double> parameters = stable_parameters(n);
     Rng rng;
     SeedSource seeds;
     seeds.fixed = true;
     seeds.base = 3;
-    Graph g = random_graph(n, static_cast<int64_t>(5.0 * n), 4, 0, rng, seeds);
-    compute_totals(g, terms);
-    GraphSampler sampler = make_graph_sampler(terms, 4, 9999, false, nullptr);
-    for (int k = 0; k < 20 * n; ++k) toggle_step(g, sampler, parameters.data(), rng);  // settle
+    Graph g = random_graph(n, static_cast<int64_t>(5.0 * n), rng, seeds);
+    Chain<Graph> chain = make_chain(g, terms, 4, SamplerSettings{}, rng);
+    for (int k = 0; k < 20 * n; ++k) toggle_step(chain, parameters.data());  // settle
     double accepted = 0.0;
-    for (auto _ : state) accepted += toggle_step(g, sampler, parameters.data(), rng);
+    for (auto _ : state) accepted += toggle_step(chain, parameters.data());
     state.SetItemsProcessed(state.iterations());
     state.counters["accepted"] = accepted / static_cast<double>(state.iterations());
     state.counters["mean_degree"] = 2.0 * g.edge_count / n;
@@ -70,7 +71,9 @@ void BM_ExampleEstimation(benchmark::State& state, const char* run_file) {
     std::fclose(quiet);
     std::filesystem::current_path(saved);
 }
-BENCHMARK_CAPTURE(BM_ExampleEstimation, markov, "flomarriage_markov.txt")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_ExampleEstimation, alternating, "flomarriage_alternating.txt")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ExampleEstimation, markov, "flomarriage_markov.txt")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ExampleEstimation, alternating, "flomarriage_alternating.txt")
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

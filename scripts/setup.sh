@@ -2,7 +2,7 @@
 # Installs what vexa needs to build and test on Debian, skipping what is already there.
 set -euo pipefail
 
-packages=(cmake g++ ninja-build libgtest-dev libbenchmark-dev default-jdk-headless python3)
+packages=(cmake g++ ninja-build libgtest-dev libbenchmark-dev default-jdk-headless python3 clang-format clang-tidy)
 missing=()
 for package in "${packages[@]}"; do
     case "$package" in
@@ -12,6 +12,8 @@ for package in "${packages[@]}"; do
         g++) command -v g++ >/dev/null 2>&1 && continue ;;
         ninja-build) command -v ninja >/dev/null 2>&1 && continue ;;
         python3) command -v python3 >/dev/null 2>&1 && continue ;;
+        clang-format) command -v clang-format >/dev/null 2>&1 && continue ;;
+        clang-tidy) command -v clang-tidy >/dev/null 2>&1 && continue ;;
     esac
     dpkg -s "$package" >/dev/null 2>&1 || missing+=("$package")
 done

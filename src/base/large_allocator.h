@@ -44,7 +44,9 @@ struct LargeAllocator {
     }
 
     template <typename U>
-    bool operator==(const LargeAllocator<U>&) const noexcept { return true; }
+    bool operator==(const LargeAllocator<U>&) const noexcept {
+        return true;
+    }
 };
 
 }  // namespace vexa

@@ -27,7 +27,9 @@ std::string read_text_file(const std::string& path, const char* what) {
 
 namespace {
 
-bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; }
+bool is_space(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f';
+}
 
 }  // namespace
 
@@ -77,16 +79,18 @@ void read_matrix_file(const std::string& path, const char* what, int n,
         double value = 0.0;
         word.assign(text, start, k - start);
         if (!parse_double(word, value)) {
-            throw InputFileError(format_message("vexa: %s file '%s', row %d, column %d: '%s' is not a number",
-                                                what, path.c_str(), row + 1, column + 1, word.c_str()));
+            throw InputFileError(
+                format_message("vexa: %s file '%s', row %d, column %d: '%s' is not a number", what,
+                               path.c_str(), row + 1, column + 1, word.c_str()));
         }
         cell(row, column, value);
         ++count;
     }
     if (count < needed) {
-        throw InputFileError(format_message(
-            "vexa: %s file '%s' ends in row %lld: it holds %lld values; a %d x %d matrix needs %lld", what,
-            path.c_str(), count / n + 1, count, n, n, needed));
+        throw InputFileError(
+            format_message("vexa: %s file '%s' ends in row %lld: it holds %lld values; a %d x %d "
+                           "matrix needs %lld",
+                           what, path.c_str(), count / n + 1, count, n, n, needed));
     }
 }
 

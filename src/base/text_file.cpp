@@ -23,7 +23,8 @@ void OutFile::close() {
     const int closed = std::fclose(file_);
     file_ = nullptr;
     if (failed || closed != 0) {
-        throw OutputFileError(format_message("vexa: writing output file '%s' failed", path_.c_str()));
+        throw OutputFileError(
+            format_message("vexa: writing output file '%s' failed", path_.c_str()));
     }
 }
 

@@ -19,7 +19,7 @@ public:
 
     FILE* get() const { return file_; }
     operator FILE*() const { return file_; }  // NOLINT: lets writers pass it to fprintf directly
-    void close();  // closes now and reports a failed write
+    void close();                             // closes now and reports a failed write
 
 private:
     std::string path_;

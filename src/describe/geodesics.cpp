@@ -24,13 +24,13 @@ using Lanes = uint64_t[lane_words];
 // adding them to counts (ordered pairs), and, when the batch is finished, no_path for every
 // source that never reached a node. Node v's distances to the batch's sources are one stretch
 // of v's row, so the writes of one node stay within a few cache lines.
-void write_levels(Graph& graph, DescribeScratch& scratch, int base, const Lanes& batch,
+void write_levels(const Graph& graph, DescribeScratch& scratch, int base, const Lanes& batch,
                   int32_t first, int32_t last, bool finished) {
     const size_t nodes = as_size(graph.node_count);
     const size_t level_stride = nodes * lane_words;
     int64_t arrived_pairs[held_levels] = {};
     for (size_t v = 0; v < nodes; ++v) {
-        int32_t* row = graph.distance.data() + v * nodes + as_size(base);
+        int32_t* row = scratch.distance.data() + v * nodes + as_size(base);
         for (int32_t level = first; level <= last; ++level) {
             const uint64_t* arrived = scratch.arrivals.data() +
                                       as_size(level % held_levels) * level_stride + v * lane_words;
@@ -57,9 +57,10 @@ void write_levels(Graph& graph, DescribeScratch& scratch, int base, const Lanes&
 
 }  // namespace
 
-void geodesics(Graph& graph, DescribeScratch& scratch, bool fill_distances) {
+void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances) {
     const int n = graph.node_count;
     const size_t nodes = as_size(n);
+    if (fill_distances) scratch.distance.assign(nodes * nodes, no_path);
 
     // Neighbour lists: a level then costs one OR per tie, not a scan of every row's words.
     scratch.offsets.resize(nodes + 1);
@@ -98,7 +99,8 @@ void geodesics(Graph& graph, DescribeScratch& scratch, bool fill_distances) {
         }
         int32_t unwritten = 0;  // the first level not yet in the distance matrix
         for (int32_t level = 1;; ++level) {
-            if (fill_distances && level - unwritten == held_levels) {  // the ring is full: make room
+            if (fill_distances &&
+                level - unwritten == held_levels) {  // the ring is full: make room
                 write_levels(graph, scratch, base, batch, unwritten, level - 1, false);
                 unwritten = level;
             }
@@ -130,7 +132,8 @@ void geodesics(Graph& graph, DescribeScratch& scratch, bool fill_distances) {
             }
             if (!fill_distances) counts[as_size(level)] += arrived;  // else write_levels counts
             if (grown == 0) {
-                if (fill_distances) write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
+                if (fill_distances)
+                    write_levels(graph, scratch, base, batch, unwritten, level - 1, true);
                 break;
             }
         }
@@ -143,7 +146,7 @@ void geodesics(Graph& graph, DescribeScratch& scratch, bool fill_distances) {
         found_pairs += counts[d];
     }
     counts[nodes] = int64_t{n} * (n - 1) / 2 - found_pairs;
-    graph.giant_size = largest_component_size(graph, scratch);
+    scratch.giant_size = largest_component_size(graph, scratch);
 }
 
 int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch) {
@@ -172,18 +175,6 @@ int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch) {
         largest = std::max(largest, size);
     }
     return largest;
-}
-
-void geodesic_counts(const Graph& graph, std::vector<int64_t>& counts) {
-    const int n = graph.node_count;
-    counts.assign(as_size(n) + 1, 0);
-    for (int a = 0; a < n; ++a) {
-        const int32_t* row = graph.distance.data() + as_size(a) * as_size(n);
-        for (int b = a + 1; b < n; ++b) {
-            const int32_t d = row[b];
-            counts[d != no_path && d < n ? as_size(d) : as_size(n)] += 1;
-        }
-    }
 }
 
 GeodesicQuartiles geodesic_quartiles(const std::vector<int64_t>& counts) {

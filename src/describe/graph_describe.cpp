@@ -26,24 +26,25 @@ int32_t lone_ties(const Graph& graph, int v) {
 
 }  // namespace
 
-Clustering clustering(Graph& graph) {
+Clustering clustering(const Graph& graph, DescribeScratch& scratch) {
     const int n = graph.node_count;
+    scratch.node_values.resize(as_size(n));
     double two_stars = 0.0;
     double triangle_corners = 0.0;  // the sum of t_v: each triangle counted at its 3 nodes
     for (int v = 0; v < n; ++v) {
         const double d = graph.degree[as_size(v)];
         const double t = graph.triangles[as_size(v)];
         const double pairs = d * (d - 1.0) / 2.0;
-        graph.node_values[as_size(v)] = d < 2.0 ? 0.0 : t / pairs;
+        scratch.node_values[as_size(v)] = d < 2.0 ? 0.0 : t / pairs;
         if (d >= 2.0) two_stars += pairs;
         triangle_corners += t;
     }
-    const Moments local = moments(graph.node_values.data(), n);
+    const Moments local = moments(scratch.node_values.data(), n);
     Clustering result;
     result.mean_local = local.mean;
     result.variance_local = local.variance;
     result.global = two_stars > 0.0 ? triangle_corners / two_stars : 0.0;
-    result.giant = graph.giant_size;
+    result.giant = scratch.giant_size;
     return result;
 }
 
@@ -59,38 +60,26 @@ Moments shared_partner_moments(const Graph& graph) {
     return pair_moments(graph.shared_partners.data(), graph.node_count);
 }
 
-EdgeTriangleProfile edge_triangle_profile(Graph& graph) {
+EdgeTriangleProfile edge_triangle_profile(const Graph& graph, DescribeScratch& scratch) {
     const int n = graph.node_count;
+    scratch.lone_ties.resize(as_size(n));
+    scratch.lone_products.resize(as_size(n));
+    scratch.node_values.resize(as_size(n));
     for (int v = 0; v < n; ++v) {
         const int32_t d = graph.degree[as_size(v)];
         const int32_t t = graph.triangles[as_size(v)];
         const int32_t lone = lone_ties(graph, v);
-        graph.node_work_a[as_size(v)] = lone;
+        scratch.lone_ties[as_size(v)] = lone;
         // The product can pass 2^31 on large dense networks; a double holds it exactly.
-        graph.node_doubles[as_size(v)] = static_cast<double>(int64_t{t} * lone);
-        graph.node_values[as_size(v)] =
+        scratch.lone_products[as_size(v)] = static_cast<double>(int64_t{t} * lone);
+        scratch.node_values[as_size(v)] =
             t > 0 && d > 2 ? static_cast<double>(lone) / static_cast<double>(d - 2) : 0.0;
     }
     EdgeTriangleProfile profile;
-    profile.et0 = moments(graph.node_work_a.data(), n);
-    profile.etnt = moments(graph.node_doubles.data(), n);
-    profile.etnt_ratio = moments(graph.node_values.data(), n);
+    profile.et0 = moments(scratch.lone_ties.data(), n);
+    profile.etnt = moments(scratch.lone_products.data(), n);
+    profile.etnt_ratio = moments(scratch.node_values.data(), n);
     return profile;
-}
-
-int64_t ties_in_no_triangle(const Graph& graph) {
-    int64_t ends = 0;
-    for (int v = 0; v < graph.node_count; ++v) ends += lone_ties(graph, v);
-    return ends / 2;  // each such tie was met from both of its ends
-}
-
-int64_t triangle_times_lone_ties(const Graph& graph) {
-    int64_t total = 0;
-    for (int v = 0; v < graph.node_count; ++v) {
-        const int32_t t = graph.triangles[as_size(v)];
-        if (t != 0) total += int64_t{t} * lone_ties(graph, v);
-    }
-    return total;
 }
 
 }  // namespace vexa

@@ -1,22 +1,22 @@
 #pragma once
 // Descriptive statistics of an undirected network: degree, triangle, shared-partner and
 // edge-triangle distributions, geodesics with their distribution and quartiles, clustering
-// and the giant component, and the writers of the per-sample descriptive files.
+// and the giant component.
 //
 // Everything reads the store's bookkeeping (degrees, triangles, shared partners and their
 // histograms) instead of recounting; only the geodesics need a pass of their own. These run
 // at every sampling point of a simulation, so nothing here allocates once the scratch has
 // reached the size of the network.
 //
-// Per-node results are left in the store's scratch arrays, which each call overwrites:
+// Per-node results are left in the scratch, which each call overwrites:
 //   clustering():              node_values = local clustering of each node
-//   edge_triangle_profile():   node_work_a = et0_v, node_doubles = etnt_v,
+//   edge_triangle_profile():   lone_ties = et0_v, lone_products = etnt_v,
 //                              node_values = etntratio_v
 
 #include <cstdint>
-#include <cstdio>
 #include <vector>
 
+#include "describe/geodesic_quartiles.h"
 #include "network/graph.h"
 #include "numeric/moments.h"
 
@@ -40,37 +40,33 @@ struct DescribeScratch {
     // The walk that finds the components.
     std::vector<uint8_t> visited;
     std::vector<int32_t> stack;
+    // The size of the largest component of the network last measured.
+    int32_t giant_size = 0;
+    // Geodesic lengths, n x n, no_path where unreachable: allocated and filled only when a
+    // pass is asked to fill them.
+    std::vector<int32_t> distance;
+    // Per-node results (see above).
+    std::vector<int32_t> lone_ties;
+    std::vector<double> lone_products;
+    std::vector<double> node_values;
 };
+
+// The distance entry of a pair without a path.
+inline constexpr int32_t no_path = 9999;
 
 // All-pairs geodesics by breadth-first search from every node, a batch of 256 sources at
 // once: bit s of a node's words stands for one source, so one OR of a neighbour's frontier
 // words advances every search of the batch, and a level is frontier-of-neighbours AND NOT
-// reached. Fills graph.distance (0 on the diagonal, no_path where no path exists), sets
-// graph.giant_size and leaves the pair counts in scratch.geodesic_counts.
+// reached. Fills scratch.distance (0 on the diagonal, no_path where no path exists), sets
+// scratch.giant_size and leaves the pair counts in scratch.geodesic_counts.
 // Cost O(n/256 * diameter * (n + E)) steps of a few words each, plus one write per entry.
-// With fill_distances false only the pair counts (and giant_size) are found and the distance
-// matrix is left as it was: a sampling point needs the distribution, not the n^2 entries.
-void geodesics(Graph& graph, DescribeScratch& scratch, bool fill_distances = true);
+// With fill_distances false only the pair counts (and giant_size) are found and no distance
+// matrix is made: a sampling point needs the distribution, not the n^2 entries.
+void geodesics(const Graph& graph, DescribeScratch& scratch, bool fill_distances = true);
 
 // The number of nodes of the largest connected component (1 for a network without ties).
 int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch);
 
-// Unordered pairs by distance, from a filled distance matrix: counts gets n + 1 entries,
-// counts[d] = pairs at distance d for d = 1 .. n-1, counts[n] = pairs without a path,
-// counts[0] = 0. Indexing the unreachable pairs at n is deliberate: the quartiles count
-// such a pair as distance n.
-void geodesic_counts(const Graph& graph, std::vector<int64_t>& counts);
-
-struct GeodesicQuartiles {
-    int32_t g25 = 0;
-    int32_t g50 = 0;
-    int32_t g75 = 0;
-};
-
-// G_q = the smallest distance g such that at least a share q of all unordered pairs lie at
-// distance g or less, a pair without a path counting as distance n. From counts laid out
-// as geodesic_counts leaves them; with no pairs at all every quartile is 0.
-GeodesicQuartiles geodesic_quartiles(const std::vector<int64_t>& counts);
 // The same from the counts of the last geodesics() pass.
 GeodesicQuartiles geodesic_quartiles(const DescribeScratch& scratch);
 
@@ -78,11 +74,11 @@ struct Clustering {
     double mean_local = 0.0;      // mean over all nodes of t_v / C(d_v, 2), 0 for d_v < 2
     double variance_local = 0.0;  // sample variance (divisor n - 1) of the same values
     double global = 0.0;          // 3 x triangles / 2-stars, 0 without 2-stars
-    int32_t giant = 0;            // graph.giant_size: run geodesics first
+    int32_t giant = 0;            // scratch.giant_size: run geodesics first
 };
 
-// Leaves each node's local clustering in graph.node_values.
-Clustering clustering(Graph& graph);
+// Leaves each node's local clustering in scratch.node_values.
+Clustering clustering(const Graph& graph, DescribeScratch& scratch);
 
 // Moments of the degrees, of the triangles at each node, and of the shared partners over
 // all unordered pairs.
@@ -96,36 +92,8 @@ struct EdgeTriangleProfile {
     Moments etnt_ratio;  // of et0_v / (d_v - 2) where t_v > 0 and d_v > 2, else 0
 };
 
-// Fills node_work_a, node_doubles and node_values with et0_v, etnt_v and etntratio_v.
-EdgeTriangleProfile edge_triangle_profile(Graph& graph);
-
-// Ties that lie in no triangle (their endpoints share no partner).
-int64_t ties_in_no_triangle(const Graph& graph);
-// The sum over nodes v of t_v x et0_v.
-int64_t triangle_times_lone_ties(const Graph& graph);
-
-// Writers of the per-sample descriptive files: a header once, then one row per sample.
-// Nodes are numbered from 1 in the headers. The geodesic and cluster rows read the pair
-// counts and giant_size, so geodesics() must have run on the sample first.
-void write_degree_header(FILE* out, const Graph& graph);
-void write_degree_row(FILE* out, const Graph& graph);
-
-void write_geodesic_header(FILE* out, const Graph& graph);
-void write_geodesic_row(FILE* out, const Graph& graph, const DescribeScratch& scratch);
-
-void write_cluster_giant_header(FILE* out);
-void write_cluster_giant_row(FILE* out, Graph& graph);
-
-void write_triangle_header(FILE* out, const Graph& graph);
-void write_triangle_row(FILE* out, const Graph& graph);
-
-void write_two_path_header(FILE* out, const Graph& graph);
-void write_two_path_row(FILE* out, const Graph& graph);
-
-void write_edge_triangle_header(FILE* out, const Graph& graph);
-void write_edge_triangle_row(FILE* out, Graph& graph);
-
-void write_quartile_header(FILE* out);
-void write_quartile_row(FILE* out, const GeodesicQuartiles& quartiles);
+// Fills the scratch's lone_ties, lone_products and node_values with et0_v, etnt_v and
+// etntratio_v.
+EdgeTriangleProfile edge_triangle_profile(const Graph& graph, DescribeScratch& scratch);
 
 }  // namespace vexa

@@ -39,7 +39,8 @@ std::span<const EffectRow<Store>> attribute_rows(AttributeKind which);
 // The descriptions of a row table, computed at compile time, so that the labels and the
 // functions of an effect stand in one row.
 template <class Store, std::size_t N>
-constexpr std::array<EffectDescription, N> descriptions_of(const std::array<EffectRow<Store>, N>& rows) {
+constexpr std::array<EffectDescription, N> descriptions_of(
+    const std::array<EffectRow<Store>, N>& rows) {
     std::array<EffectDescription, N> about{};
     for (std::size_t k = 0; k < N; ++k) about[k] = rows[k].about;
     return about;
@@ -60,7 +61,8 @@ template <std::size_t N, std::size_t M>
 constexpr bool valid_order(const std::array<int32_t, M>& order) {
     std::array<bool, N> seen{};
     for (const int32_t k : order) {
-        if (k < 0 || static_cast<std::size_t>(k) >= N || seen[static_cast<std::size_t>(k)]) return false;
+        if (k < 0 || static_cast<std::size_t>(k) >= N || seen[static_cast<std::size_t>(k)])
+            return false;
         seen[static_cast<std::size_t>(k)] = true;
     }
     return true;

@@ -39,8 +39,9 @@ void compute_totals(const Store& store, const std::vector<Term<Store>>& terms, W
 // infinite or undefined change cannot spoil the sum). Terms the chain does not carry write 0
 // and add nothing. Allocates nothing.
 template <class Store>
-double change_statistics(const Store& store, const std::vector<Term<Store>>& terms, Workspace& workspace,
-                         const double* parameters, double* changes, int i, int j, int added) {
+double change_statistics(const Store& store, const std::vector<Term<Store>>& terms,
+                         Workspace& workspace, const double* parameters, double* changes, int i,
+                         int j, int added) {
     prepare_change(store, workspace, i, j);
     double sum = 0.0;
     for (const Term<Store>& term : terms) {

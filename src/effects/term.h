@@ -73,12 +73,12 @@ struct EffectRow {
 // One included effect of a run, ready for the combiner.
 template <class Store>
 struct Term {
-    int32_t row = 0;       // its catalogue row
-    int32_t slot = -1;     // index into the parameter and statistics vectors
-    int16_t variant = 0;       // copied from the row
-    bool carried = true;       // copied from the row
-    int8_t clique_order = 0;   // copied from the row
-    float lambda = 0.0f;   // the run's lambda (its default when the run file gave 0)
+    int32_t row = 0;          // its catalogue row
+    int32_t slot = -1;        // index into the parameter and statistics vectors
+    int16_t variant = 0;      // copied from the row
+    bool carried = true;      // copied from the row
+    int8_t clique_order = 0;  // copied from the row
+    float lambda = 0.0f;      // the run's lambda (its default when the run file gave 0)
     WeightTable weights{};
     ChangeFn<Store> change = nullptr;
     TotalFn<Store> total = nullptr;

@@ -13,18 +13,13 @@ namespace {
 
 const char* kind_words(AttributeKind kind) {
     switch (kind) {
-        case AttributeKind::binary:
-            return "binary attribute";
-        case AttributeKind::continuous:
-            return "continuous attribute";
-        case AttributeKind::categorical:
-            return "categorical attribute";
-        case AttributeKind::covariate:
-            return "covariate";
+        case AttributeKind::binary: return "binary attribute";
+        case AttributeKind::continuous: return "continuous attribute";
+        case AttributeKind::categorical: return "categorical attribute";
+        case AttributeKind::covariate: return "covariate";
     }
     return "attribute";
 }
-
 
 // Walks a text line by line, counting lines from 1.
 struct Lines {
@@ -154,10 +149,11 @@ AttributeData read_covariate_file(const std::string& path, int32_t node_count) {
             }
             double value = 0.0;
             if (!parse_double(word, value) || !std::isfinite(value)) {
+                const long long row = got / n + 1;
+                const long long column = got % n + 1;
                 throw InputFileError(format_message(
                     "vexa: %s file '%s', line %d, row %lld, column %lld: '%.60s' is not a number",
-                    what, path.c_str(), lines.number, static_cast<long long>(got / n + 1),
-                    static_cast<long long>(got % n + 1), word.c_str()));
+                    what, path.c_str(), lines.number, row, column, word.c_str()));
             }
             values.push_back(value);
             ++got;

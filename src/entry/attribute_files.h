@@ -25,7 +25,7 @@
 #include <string>
 #include <vector>
 
-#include "effects/model.h"
+#include "effects/catalogue.h"
 
 namespace vexa {
 

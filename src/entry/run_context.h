@@ -8,7 +8,8 @@
 #include <cstdio>
 #include <string>
 
-#include "effects/model.h"
+#include "base/progress.h"
+#include "model/model.h"
 #include "numeric/rng.h"
 
 namespace vexa {
@@ -25,8 +26,8 @@ struct RunSettings {
     int32_t network_kind = 0;     // 1 graph, 2 digraph
 
     int32_t node_count = 0;
-    float initial_density = 0.0f;    // task 1
-    std::string network_file;        // tasks 2 to 4
+    float initial_density = 0.0f;  // task 1
+    std::string network_file;      // tasks 2 to 4
     int32_t degree_cap_given = 0;
     int32_t degree_cap = 9999;
     int32_t constraint_given = 0;
@@ -79,6 +80,7 @@ struct OutputNames {
     std::string triangle_distribution;
     std::string twopath_distribution;
     std::string et0nt_distribution;
+    std::string convergence;  // the verdict on each estimation run
 };
 
 // '/' on POSIX systems, '\' on Windows: the files land inside the output directory.
@@ -94,9 +96,11 @@ OutputNames form_output_names(const std::string& directory, const std::string& n
 
 // How a run is started: by the entries, the command line or a test.
 struct RunOptions {
-    bool fixed_seed = false;  // seed the k-th seeding of the run with seed + k
+    bool fixed_seed = false;  // every seeding of the run derives from `seed` (else from the clock)
     uint32_t seed = 0;
-    FILE* console = stdout;   // progress and messages
+    bool confirm = false;  // after a converged estimation, check the estimate with a long chain
+    int32_t sampler_variant = -1;  // when 0 or more, overrides the run file's sampler variant
+    FILE* console = stdout;        // progress and messages
 };
 
 struct RunContext {
@@ -105,7 +109,9 @@ struct RunContext {
     OutputNames names;
     Rng rng;
     SeedSource seeds;
-    FILE* console = stdout;
+    FILE* console = stdout;  // the run's messages
+    Progress progress;       // what the computations say while they run
+    bool confirm = false;    // check a converged estimate with a long chain
 };
 
 }  // namespace vexa

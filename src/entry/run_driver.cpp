@@ -4,9 +4,9 @@
 #include <new>
 
 #include "base/errors.h"
-#include "effects/parameter_labels.h"
-#include "entry/graph_tasks.h"
+#include "entry/graph_kind.h"
 #include "entry/run_file.h"
+#include "model/parameter_labels.h"
 
 namespace vexa {
 
@@ -26,7 +26,7 @@ const char* task_name(int32_t task) {
 // their statistics are not built yet: refuse a model that includes one rather than fit it
 // without the effect.
 void refuse_attribute_effects(const RunContext& context) {
-    for (const ParameterLabel& label : graph_parameter_labels(context.model, LabelStyle::simulation)) {
+    for (const ParameterLabel& label : parameter_labels(context.model, LabelStyle::simulation)) {
         if (label.structural) continue;
         throw SettingError(format_message(
             "vexa: run file '%s' includes the attribute effect '%s'; attribute and covariate "
@@ -40,19 +40,23 @@ void refuse_attribute_effects(const RunContext& context) {
 void run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
     context.console = options.console != nullptr ? options.console : stdout;
+    context.progress = console_progress(context.console);
+    context.confirm = options.confirm;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
     RunFile file = read_run_file(run_file, context.console);
     context.settings = std::move(file.settings);
     context.settings.run_file = run_file;
+    if (options.sampler_variant >= 0) context.settings.sampler_variant = options.sampler_variant;
     context.model = std::move(file.model);
     context.names = std::move(file.names);
     const RunSettings& settings = context.settings;
     if (!file.task_known) {
-        std::fprintf(context.console,
-                     "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
-                     "4 on kinds 1 (graph) and 2 (digraph), so nothing was run\n",
-                     run_file.c_str(), settings.task, settings.network_kind);
+        std::fprintf(
+            context.console,
+            "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
+            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run\n",
+            run_file.c_str(), settings.task, settings.network_kind);
         return;
     }
     if (settings.network_kind == 2) {
@@ -63,10 +67,11 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
         return;
     }
     if (settings.task == 4) {
-        std::fprintf(context.console,
-                     "vexa: the Bayesian goodness of fit is not available in this version; '%s' was "
-                     "read but not run\n",
-                     run_file.c_str());
+        std::fprintf(
+            context.console,
+            "vexa: the Bayesian goodness of fit is not available in this version; '%s' was "
+            "read but not run\n",
+            run_file.c_str());
         return;
     }
     refuse_attribute_effects(context);

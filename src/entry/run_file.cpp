@@ -6,9 +6,7 @@
 #include <utility>
 
 #include "base/errors.h"
-#include "effects/attribute_catalogue.h"
-#include "effects/digraph_catalogue.h"
-#include "effects/graph_catalogue.h"
+#include "effects/catalogue.h"
 #include "entry/attribute_files.h"
 
 namespace vexa {
@@ -188,7 +186,8 @@ void size_section(AttributeSection& section, int32_t effects, int32_t count) {
 void size_all_sections(Model& model) {
     for (int k = 0; k < attribute_kind_count; ++k) {
         const auto kind = static_cast<AttributeKind>(k);
-        size_section(model.section(kind), attribute_effect_count(model.kind, kind), 0);
+        size_section(model.section(kind),
+                     static_cast<int32_t>(attribute_catalogue(model.kind, kind).rows.size()), 0);
     }
 }
 
@@ -213,36 +212,12 @@ void read_structural_entry(Reader& reader, Model& model, size_t row, const char*
 void read_structural_section(Reader& reader, Model& model) {
     model.structural_given = int_row(reader, "structural_section") == 1;
     if (!model.structural_given) return;
-    if (model.kind == NetworkKind::graph) {
-        const auto& rows = graph_catalogue();
-        for (size_t k = 0; k < rows.size(); ++k) {
-            if (rows[k].update_name == nullptr) continue;
-            read_structural_entry(reader, model, k, rows[k].update_name, rows[k].lambda_default);
-        }
-    } else {
-        const auto& rows = digraph_catalogue();
-        for (const int32_t row : digraph_run_file_rows()) {
-            const DigraphEffectRow& effect = rows[static_cast<size_t>(row)];
-            read_structural_entry(reader, model, static_cast<size_t>(row), effect.update_name,
-                                  effect.lambda_default);
-        }
+    const CatalogueView& catalogue = structural_catalogue(model.kind);
+    for (const int32_t row : catalogue.run_file_order) {
+        const EffectDescription& effect = catalogue.rows[static_cast<size_t>(row)];
+        read_structural_entry(reader, model, static_cast<size_t>(row), effect.labels.update_name,
+                              effect.lambda_default);
     }
-}
-
-// The graph store keeps clique counts up to the largest size an included effect needs; the
-// alternating clique effect needs them up to 8.
-int32_t clique_order(const Model& model) {
-    if (model.kind != NetworkKind::graph || !model.structural_given) return 0;
-    constexpr std::pair<GraphEffect, int32_t> needs[] = {{GraphEffect::clique4, 4},
-                                                         {GraphEffect::clique5, 5},
-                                                         {GraphEffect::clique6, 6},
-                                                         {GraphEffect::clique7, 7},
-                                                         {GraphEffect::ac, 8}};
-    int32_t order = 0;
-    for (const auto& [effect, size] : needs) {
-        if (model.structural[static_cast<size_t>(effect)].slot != -1) order = size;
-    }
-    return order;
 }
 
 // One attribute (or covariate) entry: label, inclusion flag, value.
@@ -261,14 +236,14 @@ void read_attribute_entry(Reader& reader, AttributeSection& section, size_t effe
 void read_attribute_entries(Reader& reader, Model& model, AttributeKind kind,
                             const char* kind_name) {
     AttributeSection& section = model.section(kind);
-    const AttributeCatalogue& catalogue = attribute_catalogue(model.kind, kind);
+    const CatalogueView& catalogue = attribute_catalogue(model.kind, kind);
     for (size_t a = 0; a < static_cast<size_t>(section.count); ++a) {
         for (size_t e = 0; e < catalogue.rows.size(); ++e) {
             const std::string entry =
                 kind == AttributeKind::covariate
-                    ? format_message("covariate, %s", catalogue.rows[e].update_name)
+                    ? format_message("covariate, %s", catalogue.rows[e].labels.update_name)
                     : format_message("%s attribute %zu, %s", kind_name, a + 1,
-                                     catalogue.rows[e].update_name);
+                                     catalogue.rows[e].labels.update_name);
             read_attribute_entry(reader, section, e, a, entry);
         }
     }
@@ -305,7 +280,8 @@ void read_attribute_sub_block(Reader& reader, Model& model, AttributeKind kind,
         section.names = std::move(data.names);
         section.data = std::move(data.data);
     }
-    size_section(section, attribute_effect_count(model.kind, kind), count);
+    size_section(section, static_cast<int32_t>(attribute_catalogue(model.kind, kind).rows.size()),
+                 count);
     read_attribute_entries(reader, model, kind, word);
 }
 
@@ -325,7 +301,10 @@ void read_covariate_section(Reader& reader, Model& model, int32_t node_count) {
     AttributeData data = read_covariate_file(section.file, node_count);
     section.names = std::move(data.names);
     section.data = std::move(data.data);
-    size_section(section, attribute_effect_count(model.kind, AttributeKind::covariate), 1);
+    size_section(
+        section,
+        static_cast<int32_t>(attribute_catalogue(model.kind, AttributeKind::covariate).rows.size()),
+        1);
     read_attribute_entries(reader, model, AttributeKind::covariate, "covariate");
 }
 
@@ -358,7 +337,6 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     if (settings.degree_cap_given == 1) settings.degree_cap = int_row(reader, "degree_cap");
 
     read_structural_section(reader, model);
-    model.clique_order = clique_order(model);
     read_attribute_block(reader, model, settings.node_count);
     read_covariate_section(reader, model, settings.node_count);
 

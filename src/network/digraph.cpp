@@ -22,8 +22,8 @@ size_t as_size(int64_t value) { return static_cast<size_t>(value); }
 // matrices and the per-node arrays (the neighbour lists of a sparse network are small).
 double store_bytes(int n) {
     const double nodes = n;
-    const double row_words = static_cast<double>((n + 63) / 64);
-    return 6.0 * nodes * nodes + 2.0 * nodes * row_words * 8.0 + 40.0 * nodes;
+    const int64_t row_bytes = (int64_t{n} + 63) / 64 * 8;
+    return 6.0 * nodes * nodes + 2.0 * nodes * static_cast<double>(row_bytes) + 40.0 * nodes;
 }
 
 double physical_memory_bytes() {

@@ -20,11 +20,11 @@ namespace {
 
 size_t as_size(int value) { return static_cast<size_t>(value); }
 
-// Bytes the store of n nodes takes: the two n x n integer matrices dominate.
+// Bytes the store of n nodes takes: the n x n shared-partner matrix dominates.
 double store_bytes(int n) {
     const double nodes = n;
     const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
-    return 8.0 * nodes * nodes + 4.0 * triangle_entries + 112.0 * nodes +
+    return 4.0 * nodes * nodes + 4.0 * triangle_entries + 24.0 * nodes +
            nodes * ((nodes + 63.0) / 64.0) * 8.0;
 }
 
@@ -32,7 +32,8 @@ double physical_memory_bytes() {
 #if defined(__unix__)
     const long pages = sysconf(_SC_PHYS_PAGES);
     const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0) return static_cast<double>(pages) * static_cast<double>(page_size);
+    if (pages > 0 && page_size > 0)
+        return static_cast<double>(pages) * static_cast<double>(page_size);
 #endif
     return 0.0;  // unknown: do not refuse
 }
@@ -70,60 +71,85 @@ void widen_neighbour_rows(Graph& g) {
     g.neighbour_lists.resize(n * new_stride);
     int32_t* lists = g.neighbour_lists.data();
     for (size_t v = n - 1; v >= 1; --v) {
-        std::memmove(lists + v * new_stride, lists + v * old_stride, as_size(g.degree[v]) * sizeof(int32_t));
+        std::memmove(lists + v * new_stride, lists + v * old_stride,
+                     as_size(g.degree[v]) * sizeof(int32_t));
     }
     g.neighbour_stride = static_cast<int32_t>(new_stride);
 }
 
 }  // namespace
 
-Graph create(int n, int statistic_count, int clique_depth) {
+Graph create_graph(int n) {
     if (n < 1) {
-        throw SettingError(format_message("vexa: a network needs at least one node (node count %d)", n));
+        throw SettingError(
+            format_message("vexa: a network needs at least one node (node count %d)", n));
     }
     const double needed = store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(
-            "vexa: a network of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB", n,
-            needed / 1e9, available / 1e9));
+            "vexa: a network of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB",
+            n, needed / 1e9, available / 1e9));
     }
     Graph g;
     const size_t nodes = as_size(n);
     g.node_count = n;
-    g.row_bytes = (n + 7) / 8;
     g.row_words = (n + 63) / 64;
-    g.clique_depth = clique_depth;
     g.adjacency.assign(nodes * as_size(g.row_words), 0);
     g.shared_partners.assign(nodes * nodes, 0);
-    g.distance.assign(nodes * nodes, no_path);
     g.degree_histogram.assign(nodes, 0);
     g.degree_histogram[0] = n;
     g.degree.assign(nodes, 0);
-    g.node_work_a.assign(nodes, 0);
-    g.node_work_b.assign(nodes, 0);
-    g.node_work_c.assign(nodes, 0);
-    g.node_values.assign(nodes, 0.0);
     g.shared_partner_histogram.assign(nodes - 1, 0);
     if (n >= 2) g.shared_partner_histogram[0] = static_cast<int32_t>(int64_t{n} * (n - 1) / 2);
     g.triangles.assign(nodes, 0);
     g.triangle_histogram.assign(as_size(static_cast<int>((int64_t{n} - 2) * (n - 1) / 2 + 1)), 0);
     g.triangle_histogram[0] = n;
-    g.node_doubles.assign(nodes, 0.0);
-    g.statistics.assign(as_size(statistic_count), 0.0);
-    g.clique_counts.assign(as_size(clique_depth), 0.0);
-    g.clique_changes.assign(as_size(clique_depth), 0.0);
     g.neighbour_stride = std::min(n - 1, 16);
     reserve_neighbour_room(g);
     g.neighbour_lists.resize(nodes * as_size(g.neighbour_stride));
     return g;
 }
 
-void destroy(Graph& graph) { graph = Graph{}; }
+Graph::Graph(const Graph& other)
+    : node_count(other.node_count),
+      edge_count(other.edge_count),
+      row_words(other.row_words),
+      adjacency(other.adjacency),
+      shared_partners(other.shared_partners),
+      degree_histogram(other.degree_histogram),
+      degree(other.degree),
+      shared_partner_histogram(other.shared_partner_histogram),
+      triangles(other.triangles),
+      triangle_histogram(other.triangle_histogram),
+      neighbour_stride(other.neighbour_stride) {
+    // Into reserved room, so that the copy's toggles do not allocate either.
+    reserve_neighbour_room(*this);
+    neighbour_lists.assign(other.neighbour_lists.begin(), other.neighbour_lists.end());
+}
+
+Graph& Graph::operator=(const Graph& other) {
+    if (this == &other) return *this;
+    node_count = other.node_count;
+    edge_count = other.edge_count;
+    row_words = other.row_words;
+    adjacency = other.adjacency;
+    shared_partners = other.shared_partners;
+    degree_histogram = other.degree_histogram;
+    degree = other.degree;
+    shared_partner_histogram = other.shared_partner_histogram;
+    triangles = other.triangles;
+    triangle_histogram = other.triangle_histogram;
+    neighbour_stride = other.neighbour_stride;
+    reserve_neighbour_room(*this);
+    neighbour_lists.assign(other.neighbour_lists.begin(), other.neighbour_lists.end());
+    return *this;
+}
 
 void add_edge(Graph& g, int i, int j) {
     if (has_edge(g, i, j)) return;
-    if (std::max(g.degree[as_size(i)], g.degree[as_size(j)]) == g.neighbour_stride) widen_neighbour_rows(g);
+    if (std::max(g.degree[as_size(i)], g.degree[as_size(j)]) == g.neighbour_stride)
+        widen_neighbour_rows(g);
     g.edge_count += 1;
     g.row(i)[j >> 6] |= uint64_t{1} << (j & 63);
     g.row(j)[i >> 6] |= uint64_t{1} << (i & 63);
@@ -193,40 +219,8 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
     }
 }
 
-void copy(const Graph& source, Graph& target, int statistic_count) {
-    target.edge_count = source.edge_count;
-    target.row_bytes = source.row_bytes;
-    target.row_words = source.row_words;
-    target.clique_depth = source.clique_depth;
-    target.giant_size = source.giant_size;
-    target.adjacency = source.adjacency;
-    target.shared_partners = source.shared_partners;
-    target.distance = source.distance;
-    target.degree = source.degree;
-    target.degree_histogram = source.degree_histogram;
-    target.node_work_a = source.node_work_a;
-    target.node_work_b = source.node_work_b;
-    target.node_work_c = source.node_work_c;
-    target.node_values = source.node_values;
-    target.node_doubles = source.node_doubles;
-    target.triangles = source.triangles;
-    target.shared_partner_histogram = source.shared_partner_histogram;
-    target.triangle_histogram = source.triangle_histogram;
-    const size_t count = as_size(statistic_count);
-    if (target.statistics.size() < count) target.statistics.resize(count, 0.0);
-    for (size_t k = 0; k < count && k < source.statistics.size(); ++k) {
-        target.statistics[k] = source.statistics[k];
-    }
-    target.clique_counts = source.clique_counts;
-    target.clique_changes = source.clique_changes;
-    // Into the target's reserved room, so that its toggles do not allocate either.
-    target.neighbour_stride = source.neighbour_stride;
-    reserve_neighbour_room(target);
-    target.neighbour_lists.assign(source.neighbour_lists.begin(), source.neighbour_lists.end());
-}
-
-Graph read_graph(const std::string& path, int n, int statistic_count, int clique_depth) {
-    Graph g = create(n, statistic_count, clique_depth);
+Graph read_graph(const std::string& path, int n) {
+    Graph g = create_graph(n);
     read_matrix_file(path, "network", n, [&](int a, int b, double value) {
         if (a < b && value == 1.0 && !has_edge(g, a, b)) {
             add_edge(g, a, b);
@@ -236,15 +230,14 @@ Graph read_graph(const std::string& path, int n, int statistic_count, int clique
     return g;
 }
 
-Graph random_graph(int n, int64_t edge_target, int statistic_count, int clique_depth, Rng& rng,
-                   SeedSource& seeds) {
+Graph random_graph(int n, int64_t edge_target, Rng& rng, SeedSource& seeds) {
     const int64_t dyads = int64_t{n} * (n - 1) / 2;
     if (edge_target < 0 || edge_target > dyads) {
         throw SettingError(format_message(
             "vexa: a random start with %lld edges is impossible: %d nodes have only %lld dyads",
             static_cast<long long>(edge_target), n, static_cast<long long>(dyads)));
     }
-    Graph g = create(n, statistic_count, clique_depth);
+    Graph g = create_graph(n);
     seeds.reseed(rng);
     while (g.edge_count < edge_target) {
         const int a = rng.node(n);
@@ -255,20 +248,6 @@ Graph random_graph(int n, int64_t edge_target, int statistic_count, int clique_d
         }
     }
     return g;
-}
-
-void largest_component(Graph& g) {
-    const size_t n = as_size(g.node_count);
-    int32_t best = 0;
-    for (size_t a = 0; a < n; ++a) {
-        int32_t reached = 0;
-        for (size_t b = 0; b < n; ++b) {
-            const int32_t d = g.distance[a * n + b];
-            if (d != no_path && d != 0) ++reached;
-        }
-        if (reached > best) best = reached;
-    }
-    g.giant_size = best + 1;
 }
 
 double density(const Graph& g) {
@@ -287,7 +266,8 @@ std::string check_bookkeeping(const Graph& g) {
         int d = 0;
         for (int w = 0; w < g.row_words; ++w) d += std::popcount(g.row(a)[w]);
         if (d != g.degree[as_size(a)]) {
-            return format_message("degree of node %d is %d, recount %d", a, g.degree[as_size(a)], d);
+            return format_message("degree of node %d is %d, recount %d", a, g.degree[as_size(a)],
+                                  d);
         }
         degree_histogram[as_size(d)] += 1;
         degree_sum += d;
@@ -336,7 +316,8 @@ std::string check_bookkeeping(const Graph& g) {
         }
         triangle_histogram[as_size(t)] += 1;
     }
-    if (triangle_histogram != g.triangle_histogram) return "triangle histogram disagrees with a recount";
+    if (triangle_histogram != g.triangle_histogram)
+        return "triangle histogram disagrees with a recount";
     return {};
 }
 

@@ -17,38 +17,29 @@
 #include <vector>
 
 #include "base/large_allocator.h"
+#include "network/network_kind.h"
 
 namespace vexa {
 
 struct Rng;
 struct SeedSource;
 
-// The distance entry of a pair without a path.
-inline constexpr int32_t no_path = 9999;
-
 struct Graph {
+    static constexpr NetworkKind kind = NetworkKind::graph;
+
     int32_t node_count = 0;
     int32_t edge_count = 0;
-    int32_t giant_size = 0;    // set by largest_component after a geodesic pass
-    int32_t row_bytes = 0;     // ceil(n / 8): the size of a row as a byte matrix
-    int32_t row_words = 0;     // 64-bit words per adjacency row
-    int32_t clique_depth = 0;  // K: the largest clique size the clique census keeps
+    int32_t row_words = 0;  // 64-bit words per adjacency row
 
-    std::vector<uint64_t> adjacency;      // n rows of row_words; node j is bit j%64 of word j/64
-    // The two n x n matrices, on large pages where the system has them.
-    std::vector<int32_t, LargeAllocator<int32_t>> shared_partners;  // symmetric; diagonal not kept
-    std::vector<int32_t, LargeAllocator<int32_t>> distance;  // geodesics, no_path where unreachable
+    std::vector<uint64_t> adjacency;  // n rows of row_words; node j is bit j%64 of word j/64
+    // Symmetric n x n; the diagonal is not kept. On large pages where the system has them.
+    std::vector<int32_t, LargeAllocator<int32_t>> shared_partners;
     std::vector<int32_t> degree_histogram;  // n: entry d = nodes of degree d
     std::vector<int32_t> degree;            // n
-    std::vector<int32_t> node_work_a, node_work_b, node_work_c;  // n each: scratch
-    std::vector<double> node_values;                              // n: scratch
-    std::vector<int32_t> shared_partner_histogram;  // n-1: entry s = unordered pairs with s partners
-    std::vector<int32_t> triangles;                 // n: triangles at each node
-    std::vector<int32_t> triangle_histogram;        // (n-2)(n-1)/2 + 1: entry t = nodes in t triangles
-    std::vector<double> node_doubles;               // n: scratch
-    std::vector<double> statistics;                 // current value of every model statistic
-    std::vector<double> clique_counts;              // K: entry k-1 = number of k-cliques
-    std::vector<double> clique_changes;             // K: entry k-1 = change for the dyad last examined
+    std::vector<int32_t>
+        shared_partner_histogram;             // n-1: entry s = unordered pairs with s partners
+    std::vector<int32_t> triangles;           // n: triangles at each node
+    std::vector<int32_t> triangle_histogram;  // (n-2)(n-1)/2 + 1: entry t = nodes in t triangles
     // The neighbours of every node in no particular order, kept with the adjacency: on sparse
     // networks a neighbour scan reads a few words instead of a whole bit row. Node v's list is
     // the first degree[v] entries of row v, rows `neighbour_stride` entries apart: packed
@@ -57,6 +48,12 @@ struct Graph {
     // reserved (not touched) when the store is created, so that no toggle allocates.
     int32_t neighbour_stride = 0;
     std::vector<int32_t, LargeAllocator<int32_t>> neighbour_lists;
+
+    Graph() = default;
+    Graph(const Graph& other);
+    Graph& operator=(const Graph& other);
+    Graph(Graph&&) noexcept = default;
+    Graph& operator=(Graph&&) noexcept = default;
 
     const uint64_t* row(int i) const {
         return adjacency.data() + static_cast<size_t>(i) * static_cast<size_t>(row_words);
@@ -69,9 +66,12 @@ struct Graph {
                                static_cast<size_t>(b)];
     }
     const int32_t* neighbour_row(int v) const {
-        return neighbour_lists.data() + static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride);
+        return neighbour_lists.data() +
+               static_cast<size_t>(v) * static_cast<size_t>(neighbour_stride);
     }
-    int32_t* neighbour_row(int v) { return const_cast<int32_t*>(std::as_const(*this).neighbour_row(v)); }
+    int32_t* neighbour_row(int v) {
+        return const_cast<int32_t*>(std::as_const(*this).neighbour_row(v));
+    }
     std::span<const int32_t> neighbours_of(int v) const {
         return {neighbour_row(v), static_cast<size_t>(degree[static_cast<size_t>(v)])};
     }
@@ -81,9 +81,7 @@ struct Graph {
 };
 
 // Allocates an empty graph. Throws SettingError for n < 1 or a store larger than this machine.
-Graph create(int n, int statistic_count, int clique_depth);
-// Releases every array (the store is also released when it goes out of scope).
-void destroy(Graph& graph);
+Graph create_graph(int n);
 
 inline bool has_edge(const Graph& graph, int i, int j) {
     return (graph.row(i)[j >> 6] >> (j & 63)) & 1u;
@@ -99,21 +97,14 @@ void remove_edge(Graph& graph, int i, int j);
 // or remove_edge (any other value) of {i,j}. Cost: one pass over the neighbours of i and j.
 void update_shared_partners(Graph& graph, int i, int j, int added);
 
-// Copies every field between two graphs of the same n (the first statistic_count statistics).
-void copy(const Graph& source, Graph& target, int statistic_count);
-
 // Reads an n x n matrix file of whitespace-separated numbers; a value of exactly 1 above the
 // diagonal is an edge, anything else is not. Throws InputFileError naming the file, and the
 // row and column of a value that is not a number, or the count when the file is short or long.
-Graph read_graph(const std::string& path, int n, int statistic_count, int clique_depth);
+Graph read_graph(const std::string& path, int n);
 
 // A random graph with exactly edge_target edges (pairs drawn uniformly; the generator is
 // reseeded first). Throws SettingError when edge_target exceeds n(n-1)/2.
-Graph random_graph(int n, int64_t edge_target, int statistic_count, int clique_depth, Rng& rng,
-                   SeedSource& seeds);
-
-// Sets giant_size from a filled distance matrix.
-void largest_component(Graph& graph);
+Graph random_graph(int n, int64_t edge_target, Rng& rng, SeedSource& seeds);
 
 // 2E / (n(n-1)); 0 for fewer than two nodes.
 double density(const Graph& graph);
@@ -121,6 +112,25 @@ double density(const Graph& graph);
 // Recounts every piece of bookkeeping from the adjacency alone and returns a description of
 // the first disagreement, or an empty string when the store is consistent. O(n^2 words).
 std::string check_bookkeeping(const Graph& graph);
+
+// The names every store answers to, so that samplers and reports are written once.
+inline bool has_tie(const Graph& graph, int i, int j) { return has_edge(graph, i, j); }
+inline void add_tie(Graph& graph, int i, int j) { add_edge(graph, i, j); }
+inline void remove_tie(Graph& graph, int i, int j) { remove_edge(graph, i, j); }
+inline void update_after_toggle(Graph& graph, int i, int j, int added) {
+    update_shared_partners(graph, i, j, added);
+}
+inline int64_t tie_count(const Graph& graph) { return graph.edge_count; }
+
+// Calls fn(u, v) once for every edge, u < v, from the neighbour lists.
+template <typename Fn>
+void for_each_tie(const Graph& graph, Fn&& fn) {
+    for (int u = 0; u < graph.node_count; ++u) {
+        for (const int32_t v : graph.neighbours_of(u)) {
+            if (u < v) fn(u, v);
+        }
+    }
+}
 
 // Whether bit b of a row (of the adjacency, say) is set.
 inline bool row_has(const uint64_t* row, int b) { return (row[b >> 6] >> (b & 63)) & 1u; }

@@ -24,9 +24,8 @@ Moments moments_of(At at, long long count) {
     }
     m.variance = count > 1 ? squares / static_cast<double>(count - 1) : 0.0;
     m.stddev = std::sqrt(m.variance);
-    m.skew = m.stddev == 0.0
-                 ? 0.0
-                 : cubes / static_cast<double>(count) / m.stddev / m.stddev / m.stddev;
+    m.skew =
+        m.stddev == 0.0 ? 0.0 : cubes / static_cast<double>(count) / m.stddev / m.stddev / m.stddev;
     return m;
 }
 

@@ -6,8 +6,8 @@
 // given seed always gives the same draws on every platform. It is a value owned by the run,
 // never the C library's rand(), so a host process keeps its own generator untouched.
 
+#include <chrono>
 #include <cstdint>
-#include <ctime>
 
 namespace vexa {
 
@@ -21,26 +21,48 @@ struct Rng {
         state = state * 214013u + 2531011u;
         return static_cast<int>((state >> 16) & 0x7fffu);
     }
-    // A node drawn as draw mod n (n > 0).
-    int node(int n) { return next() % n; }
+    // A node drawn as draw mod n (n > 0). A draw has 15 bits, so beyond 32,768 nodes two draws
+    // make one of 30 bits, and every node can be drawn.
+    int node(int n) { return n <= 32768 ? next() % n : wide() % n; }
+    // 0 .. 2^30 - 1, from two draws.
+    int wide() { return next() << 15 | next(); }
     // A uniform number in [0, 1], both ends possible.
     double unit() { return next() / 32767.0; }
 };
 
-// Every place that seeds from the clock asks this instead. By default it answers the
-// current time in seconds; with a fixed base N, the k-th seeding of the run answers N + k,
-// so a run is reproducible and its reseeds still differ.
+// Every place that seeds the generator asks this. The k-th seeding of a run takes its seed from
+// a hash of (base, k): the base is the run's fixed seed, or the clock read once when the run
+// first seeds. Reseeds of one run, and runs of different bases, thus draw different streams;
+// the same base repeats a run exactly. (Seeding from the clock at every reseed would repeat
+// the stream for reseeds within one second, and the estimation's repeated runs exist to be
+// independent tries.)
 struct SeedSource {
-    bool fixed = false;
+    bool fixed = false;  // base set by the caller; otherwise read from the clock at first use
     uint32_t base = 0;
     uint32_t seedings = 0;
 
     uint32_t next_seed() {
-        if (fixed) return base + seedings++;
-        ++seedings;
-        return static_cast<uint32_t>(std::time(nullptr));
+        if (!fixed && seedings == 0) base = clock_base();
+        return stream_seed(base, seedings++);
     }
     void reseed(Rng& rng) { rng.seed(next_seed()); }
+
+    // The clock in nanoseconds, folded to 32 bits: runs started within one second differ too.
+    static uint32_t clock_base() {
+        const auto ticks =
+            static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+        return static_cast<uint32_t>(ticks ^ (ticks >> 32));
+    }
+
+    // A 64-bit mix of base and counter (the finaliser of a splitmix generator), folded to 32
+    // bits: neighbouring bases and counters land far apart.
+    static uint32_t stream_seed(uint32_t base_seed, uint32_t counter) {
+        uint64_t z = (uint64_t{base_seed} << 32 | counter) + 0x9e3779b97f4a7c15ull;
+        z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9ull;
+        z = (z ^ (z >> 27)) * 0x94d049bb133111ebull;
+        z ^= z >> 31;
+        return static_cast<uint32_t>(z ^ (z >> 32));
+    }
 };
 
 }  // namespace vexa

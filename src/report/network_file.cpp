@@ -36,7 +36,9 @@ void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank) {
     }
 }
 
-void write_network_matrix(FILE* out, const Graph& graph) { write_adjacency_rows(out, graph, false); }
+void write_network_matrix(FILE* out, const Graph& graph) {
+    write_adjacency_rows(out, graph, false);
+}
 
 void write_network_file(const std::string& path, const Graph& graph) {
     OutFile file(path, OpenMode::truncate);

@@ -1,21 +1,18 @@
 #include "report/statistics_report.h"
 
-#include <string>
-
 #include "base/text_file.h"
 
 namespace vexa {
 
-void write_graph_statistics(FILE* out, const Graph& graph, const std::vector<Term>& terms) {
+void write_statistics_report(FILE* out, const std::vector<ParameterLabel>& labels,
+                             const std::vector<double>& statistics) {
     print(out, "\n***This graph contains:****\n");
-    for (const Term& term : terms) {
-        const GraphEffectRow& row = graph_row(term.effect);
-        const std::string label = effect_label(row.report_name, row.alternating(), term.lambda);
-        const double value = graph.statistics[static_cast<size_t>(term.slot)];
-        if (row.integral) {
-            print(out, "%s\t%.0f\n", label.c_str(), value);
+    for (const ParameterLabel& label : labels) {
+        const double value = statistics[static_cast<size_t>(label.position)];
+        if (label.integral) {
+            print(out, "%s\t%.0f\n", labelled(label).c_str(), value);
         } else {
-            print(out, "%s\t%.5f\n", label.c_str(), value);
+            print(out, "%s\t%.5f\n", labelled(label).c_str(), value);
         }
     }
 }

@@ -1,18 +1,18 @@
 #pragma once
-// The start and end statistics report: the value of every included structural effect of a
-// graph model, one line per effect in catalogue order.
+// The start and end statistics report: the value of every included effect, one line per
+// effect: "\n***This graph contains:****\n", then its report name (with its lambda for an
+// alternating effect), a tab and the statistic: "%.0f" for counts, "%.5f" for the weighted
+// and alternating statistics.
 
 #include <cstdio>
 #include <vector>
 
-#include "effects/graph_catalogue.h"
-#include "network/graph.h"
+#include "model/parameter_labels.h"
 
 namespace vexa {
 
-// Writes "\n***This graph contains:****\n" and then, for every term, its report name (with
-// its lambda for an alternating effect), a tab and graph.statistics at its slot: "%.0f" for
-// counts, "%.5f" for the weighted and alternating statistics.
-void write_graph_statistics(FILE* out, const Graph& graph, const std::vector<Term>& terms);
+// `labels` in report style, structural effects in catalogue order, `statistics` by slot.
+void write_statistics_report(FILE* out, const std::vector<ParameterLabel>& labels,
+                             const std::vector<double>& statistics);
 
 }  // namespace vexa

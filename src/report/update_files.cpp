@@ -4,9 +4,6 @@
 
 #include "base/errors.h"
 #include "base/text_file.h"
-#include "effects/attribute_catalogue.h"
-#include "effects/digraph_catalogue.h"
-#include "effects/graph_catalogue.h"
 
 namespace vexa {
 
@@ -14,8 +11,9 @@ namespace {
 
 constexpr std::array<const char*, 5> graph_files{
     "stupdate.vexa", "biupdate.vexa", "contupdate.vexa", "catupdate.vexa", "covupdate.vexa"};
-constexpr std::array<const char*, 5> digraph_files{
-    "distupdate.vexa", "dibiupdate.vexa", "dicontupdate.vexa", "dicatupdate.vexa", "dicovupdate.vexa"};
+constexpr std::array<const char*, 5> digraph_files{"distupdate.vexa", "dibiupdate.vexa",
+                                                   "dicontupdate.vexa", "dicatupdate.vexa",
+                                                   "dicovupdate.vexa"};
 
 const char* kind_words(AttributeKind kind) {
     switch (kind) {
@@ -27,9 +25,7 @@ const char* kind_words(AttributeKind kind) {
     return "attributes";
 }
 
-size_t structural_row_count(NetworkKind kind) {
-    return static_cast<size_t>(kind == NetworkKind::digraph ? digraph_effect_count : graph_effect_count);
-}
+size_t structural_row_count(NetworkKind kind) { return structural_catalogue(kind).rows.size(); }
 
 // The model is built by the run-file reader; a mismatch with the catalogue is a fault of the
 // caller, but it must end the run with a message rather than read past an array.
@@ -71,29 +67,22 @@ const std::array<const char*, 5>& update_file_names(NetworkKind kind) {
 void write_structural_update(FILE* out, const Model& model) {
     if (!model.structural_given) return;
     check_structural(model);
-    if (model.kind == NetworkKind::digraph) {
-        for (const int32_t row : digraph_run_file_rows()) {
-            const auto r = static_cast<size_t>(row);
-            print(out, "%s\n%.5f\n", digraph_catalogue()[r].update_name, model.structural[r].value);
-        }
-        return;
-    }
-    // The graph catalogue is in run-file order; the one row without a run-file entry is skipped.
-    for (size_t r = 0; r < graph_catalogue().size(); ++r) {
-        const char* name = graph_catalogue()[r].update_name;
-        if (name != nullptr) print(out, "%s\n%.5f\n", name, model.structural[r].value);
+    const CatalogueView& catalogue = structural_catalogue(model.kind);
+    for (const int32_t row : catalogue.run_file_order) {
+        const auto r = static_cast<size_t>(row);
+        print(out, "%s\n%.5f\n", catalogue.rows[r].labels.update_name, model.structural[r].value);
     }
 }
 
 void write_attribute_update(FILE* out, const Model& model, AttributeKind kind) {
     const AttributeSection& section = model.section(kind);
     if (!section.given || section.count < 1) return;
-    const AttributeCatalogue& catalogue = attribute_catalogue(model.kind, kind);
+    const CatalogueView& catalogue = attribute_catalogue(model.kind, kind);
     check_section(section, catalogue.rows.size(), kind);
     for (size_t a = 0; a < static_cast<size_t>(section.count); ++a) {
         for (size_t e = 0; e < catalogue.rows.size(); ++e) {
-            print(out, "%s_%s\n%.5f\n", section.names[a].c_str(), catalogue.rows[e].update_name,
-                  section.value[e][a]);
+            print(out, "%s_%s\n%.5f\n", section.names[a].c_str(),
+                  catalogue.rows[e].labels.update_name, section.value[e][a]);
         }
     }
 }

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <string>
 
-#include "effects/model.h"
+#include "model/model.h"
 
 namespace vexa {
 

@@ -71,17 +71,23 @@ TEST(GraphEstimation, EdgeOnlyEstimatesTheLogOddsOfTheDensityAndReportsInTheQuot
     ASSERT_GT(lines.size(), head.size());
     size_t k = 0;
     for (; k < head.size(); ++k) {
-        EXPECT_TRUE(std::regex_match(lines[k], std::regex(head[k]))) << "line " << k + 1 << ": " << lines[k];
+        EXPECT_TRUE(std::regex_match(lines[k], std::regex(head[k])))
+            << "line " << k + 1 << ": " << lines[k];
     }
     for (int sub = 0; sub < 5; ++sub) {
-        const std::string gain[] = {"0\\.100000", "0\\.100000", "0\\.050000", "0\\.025000", "0\\.012500"};
+        const std::string gain[] = {"0\\.100000", "0\\.100000", "0\\.050000", "0\\.025000",
+                                    "0\\.012500"};
         const std::vector<std::string> block = {
-            "", "", "Subphase " + std::to_string(sub) + " started with a valued " + gain[sub], "",
+            "",
+            "",
+            "Subphase " + std::to_string(sub) + " started with a valued " + gain[sub],
+            "",
             "Subphase " + std::to_string(sub) + " has gone up to \\d+ steps",
             "Parameter after Subphase " + std::to_string(sub) + ":[ -]\\d+\\.\\d{5}\t"};
         for (const std::string& expected : block) {
             ASSERT_LT(k, lines.size());
-            EXPECT_TRUE(std::regex_match(lines[k], std::regex(expected))) << "line " << k + 1 << ": " << lines[k];
+            EXPECT_TRUE(std::regex_match(lines[k], std::regex(expected)))
+                << "line " << k + 1 << ": " << lines[k];
             ++k;
         }
     }
@@ -100,27 +106,33 @@ TEST(GraphEstimation, EdgeOnlyEstimatesTheLogOddsOfTheDensityAndReportsInTheQuot
         "",
         "Estimated Covariance Matrix",
         number + "\t",
-        "", "", ""};
+        "",
+        "",
+        ""};
     for (const std::string& expected : tail) {
         ASSERT_LT(k, lines.size());
-        EXPECT_TRUE(std::regex_match(lines[k], std::regex(expected))) << "line " << k + 1 << ": " << lines[k];
+        EXPECT_TRUE(std::regex_match(lines[k], std::regex(expected)))
+            << "line " << k + 1 << ": " << lines[k];
         ++k;
     }
     // The runs go on until one converges, and no run starts after it.
     const auto runs = std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
         return line.rfind("STOCHASTIC APPROXIMATION RUN ", 0) == 0;
     });
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "STOCHASTIC APPROXIMATION RUN " + std::to_string(runs)), 1);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(),
+                         "STOCHASTIC APPROXIMATION RUN " + std::to_string(runs)),
+              1);
 
     // The covariance file holds the last matrix, the update file every effect in run-file order.
     EXPECT_TRUE(std::regex_match(testing::read_text(dir + "/out/covariance_net.txt"),
                                  std::regex(number + "\t\n\n")));
     const std::vector<std::string> update = lines_of(testing::read_text(dir + "/stupdate.vexa"));
     const std::vector<std::string> names = {
-        "edge", "2-star", "3-star", "4-star", "5-star", "Triangle", "4-clique", "5-clique", "6-clique",
-        "7-clique", "Isolates", "Triangle2", "Bow_tie", "P3", "Q10", "Q20", "Q30", "Q31", "3Path",
-        "cycle4", "1ET", "2ET", "0ET", "ETNT", "two3star", "one2triangle", "one2et", "AS", "AS2", "AT",
-        "AT2", "A2P", "AC", "AET"};
+        "edge",     "2-star",   "3-star",   "4-star",   "5-star",       "Triangle", "4-clique",
+        "5-clique", "6-clique", "7-clique", "Isolates", "Triangle2",    "Bow_tie",  "P3",
+        "Q10",      "Q20",      "Q30",      "Q31",      "3Path",        "cycle4",   "1ET",
+        "2ET",      "0ET",      "ETNT",     "two3star", "one2triangle", "one2et",   "AS",
+        "AS2",      "AT",       "AT2",      "A2P",      "AC",           "AET"};
     ASSERT_EQ(update.size(), 2 * names.size());
     for (size_t e = 0; e < names.size(); ++e) {
         EXPECT_EQ(update[2 * e], names[e]);
@@ -131,13 +143,15 @@ TEST(GraphEstimation, EdgeOnlyEstimatesTheLogOddsOfTheDensityAndReportsInTheQuot
     char estimate[32];
     std::snprintf(estimate, sizeof estimate, "%.5f", summary[0].estimate);
     EXPECT_EQ(update[1], estimate);
-    for (const char* empty : {"biupdate.vexa", "contupdate.vexa", "catupdate.vexa", "covupdate.vexa"}) {
+    for (const char* empty :
+         {"biupdate.vexa", "contupdate.vexa", "catupdate.vexa", "covupdate.vexa"}) {
         EXPECT_TRUE(std::filesystem::exists(dir + "/" + empty));
         EXPECT_EQ(testing::read_text(dir + "/" + empty), "");
     }
     // A converged estimation describes every pair of nodes under the estimates.
     EXPECT_EQ(lines_of(testing::read_text(dir + "/out/logodds_net.txt")).size(), 1u + 120u);
-    EXPECT_EQ(lines_of(testing::read_text(dir + "/out/change_statistics_net.txt")).size(), 1u + 120u);
+    EXPECT_EQ(lines_of(testing::read_text(dir + "/out/change_statistics_net.txt")).size(),
+              1u + 120u);
 }
 
 TEST(GraphEstimation, MarkovModelAgreesWithTheKnownMaximumLikelihoodEstimates) {
@@ -148,7 +162,8 @@ TEST(GraphEstimation, MarkovModelAgreesWithTheKnownMaximumLikelihoodEstimates) {
     file.effects = {{"edge", {0.0, 0.0}}, {"2-star", {0.0, 0.0}}, {"Triangle", {0.0, 0.0}}};
     file.runs = 6;
     run_vexa(dir, file, 3);
-    const std::vector<SummaryRow> summary = last_summary(testing::read_text(dir + "/out/estimation_net.txt"));
+    const std::vector<SummaryRow> summary =
+        last_summary(testing::read_text(dir + "/out/estimation_net.txt"));
     ASSERT_EQ(summary.size(), 3u);
     const double known[] = {-1.57, -0.027, 0.19};
     const double known_se[] = {0.88, 0.22, 0.77};
@@ -197,7 +212,8 @@ TEST(GraphEstimation, DegenerateAndImpossibleRunsEndCleanly) {
         status = run_entry(path.c_str(), options);
     });
     EXPECT_EQ(status, 1);
-    EXPECT_EQ(printed, "vexa: cannot write output file 'no/such/directory/start_statistics_net.txt'\n");
+    EXPECT_EQ(printed,
+              "vexa: cannot write output file 'no/such/directory/start_statistics_net.txt'\n");
 }
 
 }  // namespace

@@ -44,13 +44,16 @@ def cases():
         found.append((name, setup))
     for entry in sorted(os.listdir(EXAMPLES)):
         path = os.path.join(EXAMPLES, entry)
+        if not os.path.isfile(path):
+            continue
         with open(path, "rb") as handle:
             if not handle.read(13).startswith(b"network_name"):
                 continue  # a network or attribute file, not a run file
 
         def setup(work, entry=entry):
             for other in os.listdir(EXAMPLES):
-                if os.path.isfile(os.path.join(EXAMPLES, other)):
+                # Run files and the networks and attributes they name; not what runs left here.
+                if other.endswith((".txt", ".tsv")) and os.path.isfile(os.path.join(EXAMPLES, other)):
                     shutil.copy(os.path.join(EXAMPLES, other), work)
             return entry
 

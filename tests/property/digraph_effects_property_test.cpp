@@ -147,7 +147,8 @@ TEST_P(DigraphEffectProperty, TotalsAndChangesAgreeWithRecounts) {
             }
         }
         EXPECT_EQ(check_bookkeeping(d), "");
-        EXPECT_TRUE(testing::same_store(before, d)) << "toggling each pair twice restores the store";
+        EXPECT_TRUE(testing::same_store(before, d))
+            << "toggling each pair twice restores the store";
 
         // A shuffled build-up from the empty digraph.
         std::vector<std::pair<int, int>> arcs;

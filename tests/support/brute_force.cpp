@@ -12,7 +12,8 @@ namespace {
 size_t at(int v) { return static_cast<size_t>(v); }
 
 // Extends a clique whose largest node is `last` by every later node tied to all its members.
-void extend_clique(const AdjacencyMatrix& m, std::vector<int>& members, std::array<int64_t, 9>& cliques) {
+void extend_clique(const AdjacencyMatrix& m, std::vector<int>& members,
+                   std::array<int64_t, 9>& cliques) {
     const int last = members.back();
     for (int v = last + 1; v < m.n; ++v) {
         bool tied_to_all = true;
@@ -56,8 +57,8 @@ AdjacencyMatrix random_matrix(int n, double density, uint32_t seed) {
     return m;
 }
 
-Graph graph_from(const AdjacencyMatrix& matrix, int statistic_count, int clique_depth) {
-    Graph g = create(matrix.n, statistic_count, clique_depth);
+Graph graph_from(const AdjacencyMatrix& matrix) {
+    Graph g = create_graph(matrix.n);
     for (int a = 0; a < matrix.n; ++a) {
         for (int b = a + 1; b < matrix.n; ++b) {
             if (matrix(a, b)) {
@@ -132,7 +133,8 @@ BruteCounts brute_force_counts(const AdjacencyMatrix& m) {
                 if (m(v, x) && x != t[0] && x != t[1] && x != t[2]) outside.push_back(x);
             }
             c.et1 += static_cast<int64_t>(outside.size());
-            for (size_t p = 0; p < outside.size(); ++p) c.et2 += static_cast<int64_t>(outside.size() - p - 1);
+            for (size_t p = 0; p < outside.size(); ++p)
+                c.et2 += static_cast<int64_t>(outside.size() - p - 1);
         }
     }
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "effects/graph_catalogue.h"
+#include "effects/graph/graph_catalogue.h"
 #include "network/graph.h"
 
 namespace vexa::testing {
@@ -34,7 +34,7 @@ AdjacencyMatrix adjacency_of(const Graph& graph);
 // A seeded random graph: every pair tied with probability `density`.
 AdjacencyMatrix random_matrix(int n, double density, uint32_t seed);
 // A store holding the matrix's edges, built by adding them one by one.
-Graph graph_from(const AdjacencyMatrix& matrix, int statistic_count, int clique_depth);
+Graph graph_from(const AdjacencyMatrix& matrix);
 
 // Every configuration count of one graph, counted once.
 struct BruteCounts {

@@ -234,15 +234,25 @@ double digraph_value(const DigraphCounts& c, DigraphEffect effect, double lambda
         case E::in_star4: return static_cast<double>(c.in_stars[4]);
         case E::out_star4: return static_cast<double>(c.out_stars[4]);
         case E::mixed_star2: return static_cast<double>(c.mixed2);
-        case E::t1: case E::t2: case E::t3: case E::t4: case E::t5:
-        case E::t6: case E::t7: case E::t8: case E::t9: case E::t10:
+        case E::t1:
+        case E::t2:
+        case E::t3:
+        case E::t4:
+        case E::t5:
+        case E::t6:
+        case E::t7:
+        case E::t8:
+        case E::t9:
+        case E::t10:
             return static_cast<double>(
                 c.t[at(static_cast<int>(effect) - static_cast<int>(E::t1) + 1)]);
         case E::sink: return static_cast<double>(c.sink);
         case E::source: return static_cast<double>(c.source);
         case E::isolates: return static_cast<double>(c.isolates);
-        case E::ain_s: case E::ain_s2: return alternating_star(c.in, lambda);
-        case E::aout_s: case E::aout_s2: return alternating_star(c.out, lambda);
+        case E::ain_s:
+        case E::ain_s2: return alternating_star(c.in, lambda);
+        case E::aout_s:
+        case E::aout_s2: return alternating_star(c.out, lambda);
         case E::ain1out_s: return mixed_stars(0);
         case E::one_in_aout_s: return mixed_stars(1);
         case E::ain_aout_s: return mixed_stars(2);

@@ -5,7 +5,7 @@
 #include <regex>
 #include <sstream>
 
-#include "effects/graph_catalogue.h"
+#include "effects/graph/graph_catalogue.h"
 #include "entry/run_driver.h"
 #include "support/test_support.h"
 
@@ -42,13 +42,15 @@ std::string GraphRunFile::text() const {
         t += "degree_cap_given\n0\n";
     }
     t += "structural\n1\n";
-    for (const GraphEffectRow& effect : graph_catalogue()) {
-        if (effect.update_name == nullptr) continue;  // no run-file entry
-        const auto found = effects.find(effect.update_name);
+    const CatalogueView& catalogue = structural_catalogue(NetworkKind::graph);
+    for (const int32_t index : catalogue.run_file_order) {
+        const EffectDescription& effect = catalogue.rows[static_cast<size_t>(index)];
+        const auto found = effects.find(effect.labels.update_name);
         const bool included = found != effects.end();
-        t.append(effect.update_name).append("\n").append(included ? "1" : "0").append("\n");
+        t.append(effect.labels.update_name).append("\n").append(included ? "1" : "0").append("\n");
         t.append(number(included ? found->second.first : 0.0));
-        if (effect.alternating()) t.append(" ").append(number(included ? found->second.second : 0.0));
+        if (effect.alternating())
+            t.append(" ").append(number(included ? found->second.second : 0.0));
         t.append("\n");
     }
     t += "attributes\n0\ncovariates\n0\n";
@@ -65,7 +67,8 @@ std::string GraphRunFile::text() const {
         row("runs", std::to_string(runs));
         row("gof_after", std::to_string(gof_after));
     } else {
-        const char* labels[] = {"pajek", "degree", "geodesic", "cluster", "triangle", "twopath", "et0nt"};
+        const char* labels[] = {"pajek",    "degree",  "geodesic", "cluster",
+                                "triangle", "twopath", "et0nt"};
         for (int k = 0; k < 7; ++k) row(labels[k], std::to_string(flags[k]));
         row("burn_in", number(burn_in));
         row("iterations", number(iterations));
@@ -80,7 +83,8 @@ std::string GraphRunFile::write(const std::string& dir, const std::string& file)
     return path;
 }
 
-std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed) {
+std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
+                     bool confirm) {
     const WorkingDirectory here(dir);
     std::filesystem::create_directories(dir + "/" + file.directory);
     const std::string path = file.write(dir);
@@ -90,6 +94,7 @@ std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t 
     RunOptions options;
     options.fixed_seed = true;
     options.seed = seed;
+    options.confirm = confirm;
     options.console = console;
     run_entry(path.c_str(), options);
     std::fclose(console);

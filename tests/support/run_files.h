@@ -2,9 +2,9 @@
 // Graph run files for end-to-end tests, built from a few settings, and a guard that runs a
 // test in its own working directory (update files land there).
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
-#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,7 +43,9 @@ struct GraphRunFile {
 
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
-std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed);
+// With `confirm`, a converged estimation is checked with a long chain.
+std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
+                     bool confirm = false);
 
 std::vector<std::string> lines_of(const std::string& text);
 std::vector<std::string> tab_fields(const std::string& line);

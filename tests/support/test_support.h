@@ -8,7 +8,9 @@
 namespace vexa::testing {
 
 // A file of tests/data.
-inline std::string data_path(const std::string& name) { return std::string(VEXA_TEST_DATA_DIR) + "/" + name; }
+inline std::string data_path(const std::string& name) {
+    return std::string(VEXA_TEST_DATA_DIR) + "/" + name;
+}
 // A file of examples/.
 inline std::string example_path(const std::string& name) {
     return std::string(VEXA_EXAMPLES_DIR) + "/" + name;

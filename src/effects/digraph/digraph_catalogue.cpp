@@ -75,9 +75,9 @@ constexpr std::array<Row, digraph_effect_count> rows{{
 // The run file lists arc, reciprocity, the 2- and 3-stars, the mixed 2-star, the transitive
 // and cyclic triads, T1 to T8, Sink, Source, isolates, then the alternating effects, whose
 // star forms come in the order AinS, AoutS, AinS2, AoutS2, AinAoutS, Ain1outS, 1inAoutS.
-constexpr std::array<int32_t, 42> run_file_order{0,  1,  2,  3,  4,  5,  8,  17, 18, 9,  10, 11, 12, 13,
-                                                 14, 15, 16, 19, 20, 21, 22, 23, 24, 25, 28, 26, 27, 29,
-                                                 30, 31, 32, 33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43};
+constexpr std::array<int32_t, 42> run_file_order{
+    0,  1,  2,  3,  4,  5,  8,  17, 18, 9,  10, 11, 12, 13, 14, 15, 16, 19, 20, 21, 22,
+    23, 24, 25, 28, 26, 27, 29, 30, 31, 32, 33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43};
 constexpr std::array<int32_t, digraph_effect_count> catalogue_order = [] {
     std::array<int32_t, digraph_effect_count> order{};
     for (int32_t k = 0; k < digraph_effect_count; ++k) order[static_cast<size_t>(k)] = k;
@@ -87,7 +87,8 @@ constexpr std::array<int32_t, digraph_effect_count> catalogue_order = [] {
 constexpr bool names_unique() {
     for (size_t k = 0; k < rows.size(); ++k) {
         for (size_t m = k + 1; m < rows.size(); ++m) {
-            if (same_text(rows[k].about.labels.sample_column, rows[m].about.labels.sample_column)) return false;
+            if (same_text(rows[k].about.labels.sample_column, rows[m].about.labels.sample_column))
+                return false;
             if (rows[k].about.labels.update_name != nullptr &&
                 same_text(rows[k].about.labels.update_name, rows[m].about.labels.update_name)) {
                 return false;
@@ -97,7 +98,8 @@ constexpr bool names_unique() {
     return true;
 }
 static_assert(names_unique(), "short names and run-file names are unique");
-static_assert(valid_order<digraph_effect_count>(run_file_order), "every run-file entry sets one row once");
+static_assert(valid_order<digraph_effect_count>(run_file_order),
+              "every run-file entry sets one row once");
 
 constexpr auto descriptions = descriptions_of(rows);
 const CatalogueView view{descriptions, run_file_order, catalogue_order};

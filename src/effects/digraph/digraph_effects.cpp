@@ -57,7 +57,9 @@ constexpr bool holds(int configuration, int code, int a, int b, int k) {
 constexpr int symmetry(int configuration) {
     switch (configuration) {
         case 1: return 6;
-        case 4: case 5: case 6: return 2;
+        case 4:
+        case 5:
+        case 6: return 2;
         case 10: return 3;
         default: return 1;
     }
@@ -281,7 +283,7 @@ double total_triad(const D& d, const Term<D>& term, const Workspace&) {
             return static_cast<double>(sum);
         case 10:
             for_each_arc(d, [&](int a, int b) { sum += d.paths(b, a); });
-            return static_cast<double>(sum / 3);
+            return static_cast<double>(sum) / 3.0;  // every cycle was met from its three arcs
         default: return closed_triad_total(d, term.variant);
     }
 }

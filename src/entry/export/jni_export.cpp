@@ -11,7 +11,9 @@ namespace {
 class JavaString {
 public:
     JavaString(JNIEnv* env, jstring text)
-        : env_(env), text_(text), chars_(text != nullptr ? env->GetStringUTFChars(text, nullptr) : nullptr) {}
+        : env_(env),
+          text_(text),
+          chars_(text != nullptr ? env->GetStringUTFChars(text, nullptr) : nullptr) {}
     ~JavaString() {
         if (chars_ != nullptr) env_->ReleaseStringUTFChars(text_, chars_);
     }
@@ -27,7 +29,8 @@ private:
 
 }  // namespace
 
-extern "C" JNIEXPORT jint JNICALL Java_Vexa_vexa(JNIEnv* env, jobject /*self*/, jstring path) noexcept {
+extern "C" JNIEXPORT jint JNICALL Java_Vexa_vexa(JNIEnv* env, jobject /*self*/,
+                                                 jstring path) noexcept {
     try {
         const JavaString run_file(env, path);
         if (run_file.get() == nullptr) {

@@ -14,14 +14,18 @@
 #include <vector>
 
 #include "base/errors.h"
+#include "model/terms.h"
 #include "support/brute_force.h"
+#include "support/kinds.h"
 #include "support/test_support.h"
 
 namespace vexa {
 namespace {
 
 template <typename T>
-std::vector<double> as_doubles(const std::vector<T>& v) { return {v.begin(), v.end()}; }
+std::vector<double> as_doubles(const std::vector<T>& v) {
+    return {v.begin(), v.end()};
+}
 
 std::vector<double> quartiles_of(Graph g) {
     DescribeScratch scratch;
@@ -44,7 +48,7 @@ TEST_P(AgainstNetworkx, EveryMeasureMatches) {
         fields >> key;
         for (double v = 0.0; fields >> v;) expected[key].push_back(v);
     }
-    Graph g = read_graph(testing::data_path(network + ".txt"), int(expected.at("nodes")[0]), 0, 0);
+    Graph g = read_graph(testing::data_path(network + ".txt"), int(expected.at("nodes")[0]));
     ASSERT_EQ(g.edge_count, expected.at("edges")[0]);
     DescribeScratch scratch;
     geodesics(g, scratch);
@@ -52,32 +56,33 @@ TEST_P(AgainstNetworkx, EveryMeasureMatches) {
     EXPECT_EQ(as_doubles(g.triangles), expected.at("triangles"));
     EXPECT_EQ(as_doubles(g.shared_partner_histogram), expected.at("shared_partner_histogram"));
 
-    const Clustering c = clustering(g);
+    const Clustering c = clustering(g, scratch);
     EXPECT_NEAR(c.global, expected.at("transitivity")[0], 1e-12);
     EXPECT_NEAR(c.mean_local, expected.at("average_clustering")[0], 1e-12);
     EXPECT_NEAR(c.variance_local, expected.at("local_clustering_variance")[0], 1e-12);
     EXPECT_EQ(c.giant, expected.at("component_sizes").front());
-    largest_component(g);  // the store's own reading of the filled distance matrix agrees
-    EXPECT_EQ(g.giant_size, c.giant);
 
     const std::vector<int64_t>& counts = scratch.geodesic_counts;  // [n]: no path
     EXPECT_EQ(std::vector<double>(counts.begin() + 1, counts.end()), expected.at("geodesics"));
     EXPECT_EQ(quartiles_of(g), expected.at("geodesic_quartiles"));
 
     // From networkx's d, t and lone ties e: etnt = t e, etntratio = e / (d - 2) if t > 0, d > 2.
-    edge_triangle_profile(g);
+    edge_triangle_profile(g, scratch);
     const std::vector<double>& lone = expected.at("ties_in_no_triangle");
     double lone_ends = 0.0, products = 0.0;
     for (size_t v = 0; v < lone.size(); ++v) {
         const double d = expected.at("degrees")[v], t = expected.at("triangles")[v];
-        EXPECT_EQ(g.node_doubles[v], t * lone[v]) << v;
-        EXPECT_EQ(g.node_values[v], t > 0 && d > 2 ? lone[v] / (d - 2) : 0.0) << v;
+        EXPECT_EQ(scratch.lone_products[v], t * lone[v]) << v;
+        EXPECT_EQ(scratch.node_values[v], t > 0 && d > 2 ? lone[v] / (d - 2) : 0.0) << v;
         lone_ends += lone[v];
         products += t * lone[v];
     }
-    EXPECT_EQ(as_doubles(g.node_work_a), lone);
-    EXPECT_EQ(static_cast<double>(ties_in_no_triangle(g)), lone_ends / 2);
-    EXPECT_EQ(static_cast<double>(triangle_times_lone_ties(g)), products);
+    EXPECT_EQ(as_doubles(scratch.lone_ties), lone);
+    // The 0ET and ETNT statistics count the same from the store's bookkeeping.
+    const Model model =
+        testing::model_of(NetworkKind::graph, {int(GraphEffect::et0), int(GraphEffect::etnt)});
+    EXPECT_EQ(testing::totals_of(g, make_terms<Graph>(model), 2),
+              (std::vector<double>{lone_ends / 2, products}));
 }
 
 INSTANTIATE_TEST_SUITE_P(BundledNetworks, AgainstNetworkx,
@@ -98,16 +103,23 @@ std::vector<int32_t> floyd_warshall(const testing::AdjacencyMatrix& m) {
 TEST(Geodesics, MatchFloydWarshall) {
     DescribeScratch scratch;
     const auto check = [&](const testing::AdjacencyMatrix& m, const std::string& name) {
-        Graph g = testing::graph_from(m, 0, 0);
-        std::fill(g.distance.begin(), g.distance.end(), 7);  // stale entries must not survive
+        Graph g = testing::graph_from(m);
+        std::fill(scratch.distance.begin(), scratch.distance.end(),
+                  7);  // stale entries must not survive
         geodesics(g, scratch);
         const uint64_t* kept = scratch.arrivals.data();
         geodesics(g, scratch);  // a second pass on the same network reuses the scratch
         EXPECT_EQ(scratch.arrivals.data(), kept) << name;
-        EXPECT_EQ(std::vector<int32_t>(g.distance.begin(), g.distance.end()), floyd_warshall(m))
-            << name;
-        std::vector<int64_t> recounted;
-        geodesic_counts(g, recounted);
+        const std::vector<int32_t> truth = floyd_warshall(m);
+        EXPECT_EQ(scratch.distance, truth) << name;
+        // Unordered pairs by distance, unreachable ones at n.
+        std::vector<int64_t> recounted(static_cast<size_t>(m.n) + 1, 0);
+        for (int a = 0; a < m.n; ++a) {
+            for (int b = a + 1; b < m.n; ++b) {
+                const int32_t d = truth[static_cast<size_t>(a * m.n + b)];
+                recounted[static_cast<size_t>(d == no_path ? m.n : d)] += 1;
+            }
+        }
         EXPECT_EQ(scratch.geodesic_counts, recounted) << name;
         geodesics(g, scratch, false);  // the counts alone, as a sampling point takes them
         EXPECT_EQ(scratch.geodesic_counts, recounted) << name;
@@ -130,7 +142,7 @@ TEST(Geodesics, MatchFloydWarshall) {
 Graph network(int n, const std::vector<std::pair<int, int>>& edges) {
     testing::AdjacencyMatrix m(n);
     for (const auto& [a, b] : edges) m.set(a, b, true);
-    return testing::graph_from(m, 0, 0);
+    return testing::graph_from(m);
 }
 
 TEST(GeodesicQuartiles, HandDrawnNetworks) {
@@ -146,52 +158,6 @@ TEST(GeodesicQuartiles, HandDrawnNetworks) {
     // Triangle 0-1-2 and edge 3-4: 4 pairs at 1, the 6 pairs across count as distance n = 5.
     EXPECT_EQ(quartiles_of(network(5, {{0, 1}, {1, 2}, {0, 2}, {3, 4}})), (Q{1, 5, 5}));
     EXPECT_EQ(quartiles_of(network(1, {})), (Q{0, 0, 0}));  // one node: no pairs at all
-}
-
-TEST(DescriptiveFiles, ExactHeaderAndRowOnAHandWorkedNetwork) {
-    //   0 --- 1
-    //    \   /
-    //      2 --- 3        4 --- 5
-    // Degrees 2 2 3 1 1 1. Pairs at distance 1: 5, at 2: 2 (0-3, 1-3), none further, 8 apart.
-    // Local clustering 1, 1, 1/3, 0, 0, 0: mean 7/18; global 3 x 1 / (1 + 1 + 3) = 0.6.
-    // A node of 6 can be in at most (6-2)(6-1)/2 = 10 triangles: columns t0..t10.
-    // Shared partners: 5 pairs share one (0-1, 0-2, 1-2, 0-3, 1-3), the other 10 none.
-    // et0 (ties in no triangle at v): 0, 0, 1 (2-3), 1, 1, 1. etnt = t x et0: 0, 0, 1, 0, 0, 0.
-    // etntratio: only node 2 has t > 0 and d > 2: 1 / (3 - 2).
-    // Quartiles of the 15 pairs: 5 within distance 1 (a third), 7 within 2, the rest apart (6).
-    Graph g = network(6, {{0, 1}, {1, 2}, {0, 2}, {2, 3}, {4, 5}});
-    DescribeScratch scratch;
-    geodesics(g, scratch);
-    const std::string text = testing::capture([&](FILE* f) {
-        write_degree_header(f, g), write_degree_row(f, g);
-        write_geodesic_header(f, g), write_geodesic_row(f, g, scratch);
-        write_cluster_giant_header(f), write_cluster_giant_row(f, g);
-        write_triangle_header(f, g), write_triangle_row(f, g);
-        write_two_path_header(f, g), write_two_path_row(f, g);
-        write_edge_triangle_header(f, g), write_edge_triangle_row(f, g);
-        write_quartile_header(f), write_quartile_row(f, geodesic_quartiles(scratch));
-    });
-    EXPECT_EQ(text,
-              "d1\td2\td3\td4\td5\td6\tmean\tstddev\tskew\n"
-              "2\t2\t3\t1\t1\t1\t1.666667\t0.816497\t0.476290\t\n"
-              "geo1\tgeo2\tgeo3\tgeo4\tgeo5\tgeoInf\n" "5\t2\t0\t0\t0\t8\n"
-              "mlocal\tglobal\tgiant\n" "0.388889\t0.600000\t4\n"
-              "t0\tt1\tt2\tt3\tt4\tt5\tt6\tt7\tt8\tt9\tt10\tmean\tstddev\tskew\t\n"
-              "3\t3\t0\t0\t0\t0\t0\t0\t0\t0\t0\t0.500000\t0.547723\t0.000000\t\n"
-              "tp0\ttp1\ttp2\ttp3\ttp4\tmean\tstddev\tskew\t\n"
-              "10\t5\t0\t0\t0\t0.333333\t0.487950\t0.637588\t\n"
-              "et0_v1\tet0_v2\tet0_v3\tet0_v4\tet0_v5\tet0_v6\tmean\tstddev\tskew\t"
-              "etnt_v1\tetnt_v2\tetnt_v3\tetnt_v4\tetnt_v5\tetnt_v6\tmean\tstddev\tskew\t"
-              "etntratio_v1\tetntratio_v2\tetntratio_v3\tetntratio_v4\tetntratio_v5\tetntratio_v6\t"
-              "mean\tstddev\tskew\n"
-              "0\t0\t1\t1\t1\t1\t0.666667\t0.516398\t-0.537914\t"
-              "0\t0\t1\t0\t0\t0\t0.166667\t0.408248\t1.360828\t"
-              "0.000000\t0.000000\t1.000000\t0.000000\t0.000000\t0.000000\t"
-              "0.166667\t0.408248\t1.360828\t\n"
-              "G25\tG50\tG75\n" "1\t6\t6\n");
-    // Without a geodesic pass there are no counts to write: refused, not read past the end.
-    EXPECT_THROW(testing::capture([&](FILE* f) { write_geodesic_row(f, g, DescribeScratch{}); }),
-                 VexaError);
 }
 
 }  // namespace

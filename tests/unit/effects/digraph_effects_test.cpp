@@ -42,7 +42,12 @@ double added_change(const Digraph& d, DigraphEffect effect, int i, int j) {
 }
 
 TEST(DigraphEffects, HandCountedConfigurations) {
-    struct Case { const char* name; int n; Arcs arcs; std::vector<std::pair<DigraphEffect, double>> values; };
+    struct Case {
+        const char* name;
+        int n;
+        Arcs arcs;
+        std::vector<std::pair<DigraphEffect, double>> values;
+    };
     // clang-format off
     const std::vector<Case> cases = {
         // Complete triad: one T1; each of the six orderings a transitive triple; two 3-cycles.
@@ -68,7 +73,8 @@ TEST(DigraphEffects, HandCountedConfigurations) {
         const Digraph d = digraph_of(c.n, c.arcs);
         for (const auto& [effect, value] : c.values) {
             EXPECT_EQ(total(d, effect), value)
-                << c.name << ": " << structural_rows<Digraph>()[static_cast<size_t>(effect)].about.labels.report_name;
+                << c.name << ": "
+                << structural_rows<Digraph>()[static_cast<size_t>(effect)].about.labels.report_name;
         }
     }
     // The change of an order-k star at a node of degree k - 2 is 0: 2 -> 0 at in-degree 1.

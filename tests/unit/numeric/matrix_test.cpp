@@ -19,21 +19,25 @@ using Pairs = std::vector<std::pair<Matrix, Matrix>>;
 
 void expect_near(const Matrix& actual, const Matrix& expected, double tolerance) {
     ASSERT_TRUE(actual.rows == expected.rows && actual.cols == expected.cols);
-    for (size_t k = 0; k < actual.data.size(); ++k) EXPECT_NEAR(actual.data[k], expected.data[k], tolerance) << k;
+    for (size_t k = 0; k < actual.data.size(); ++k)
+        EXPECT_NEAR(actual.data[k], expected.data[k], tolerance) << k;
 }
 
 TEST(MatrixInverse, HandWorkedMatricesAndRoundTrips) {
     // 1 by 1; a scaled permutation, whose pivots all lie off the diagonal, so that rows are
-    // exchanged and the columns swapped back; determinant 1, so the inverse is the integer adjugate.
-    for (auto [m, inverse] : Pairs{
-             {Matrix{1, 1, {4}}, Matrix{1, 1, {0.25}}},
-             {Matrix{3, 3, {0, 0, 2, 0, 3, 0, 4, 0, 0}}, Matrix{3, 3, {0, 0, 0.25, 0, 1.0 / 3, 0, 0.5, 0, 0}}},
-             {Matrix{3, 3, {1, 2, 3, 0, 1, 4, 5, 6, 0}}, Matrix{3, 3, {-24, 18, 5, 20, -15, -4, -5, 4, 1}}}}) {
+    // exchanged and the columns swapped back; determinant 1, so the inverse is the integer
+    // adjugate.
+    for (auto [m, inverse] : Pairs{{Matrix{1, 1, {4}}, Matrix{1, 1, {0.25}}},
+                                   {Matrix{3, 3, {0, 0, 2, 0, 3, 0, 4, 0, 0}},
+                                    Matrix{3, 3, {0, 0, 0.25, 0, 1.0 / 3, 0, 0.5, 0, 0}}},
+                                   {Matrix{3, 3, {1, 2, 3, 0, 1, 4, 5, 6, 0}},
+                                    Matrix{3, 3, {-24, 18, 5, 20, -15, -4, -5, 4, 1}}}}) {
         EXPECT_EQ(invert_in_place(m), 1);
         expect_near(m, inverse, 1e-12);
     }
     // Singular: a zero of either sign; row 2 twice row 1 (every step exact, the third pivot 0).
-    for (Matrix m : {Matrix{1, 1, {0.0}}, Matrix{1, 1, {-0.0}}, Matrix{3, 3, {1, 2, 4, 2, 4, 8, 1, 1, 1}}}) {
+    for (Matrix m :
+         {Matrix{1, 1, {0.0}}, Matrix{1, 1, {-0.0}}, Matrix{3, 3, {1, 2, 4, 2, 4, 8, 1, 1, 1}}}) {
         EXPECT_EQ(invert_in_place(m), 0);
     }
     // All four entries tie, so the last, (1, 1), is the pivot. Its row stays [1 1] and row 0
@@ -43,7 +47,8 @@ TEST(MatrixInverse, HandWorkedMatricesAndRoundTrips) {
     EXPECT_EQ(invert_in_place(ties), 0);
     expect_near(ties, Matrix{2, 2, {0, -1, 1, 1}}, 0.0);
 
-    const Matrix product = multiply(Matrix{2, 3, {1, 2, 3, 4, 5, 6}}, Matrix{3, 2, {1, 7, 0, 8, -1, 9}});
+    const Matrix product =
+        multiply(Matrix{2, 3, {1, 2, 3, 4, 5, 6}}, Matrix{3, 2, {1, 7, 0, 8, -1, 9}});
     expect_near(product, Matrix{2, 2, {-2, 50, -2, 122}}, 0.0);
     // Random entries with a dominant one of random sign at (r, r + 1 mod n): well conditioned,
     // and the pivots need exchanges that undo in the right order only. A A^-1 = I.
@@ -67,7 +72,8 @@ TEST(SymmetricSquareRoot, HandWorkedRoots) {
     for (const auto& [c, root] : Pairs{
              {Matrix{1, 1, {9}}, Matrix{1, 1, {3}}},
              {make_matrix(2, 2, 0.0), make_matrix(2, 2, 0.0)},
-             {Matrix{2, 2, {2, 1, 1, 2}}, Matrix{2, 2, {(r3 + 1) / 2, (r3 - 1) / 2, (r3 - 1) / 2, (r3 + 1) / 2}}},
+             {Matrix{2, 2, {2, 1, 1, 2}},
+              Matrix{2, 2, {(r3 + 1) / 2, (r3 - 1) / 2, (r3 - 1) / 2, (r3 + 1) / 2}}},
              {Matrix{2, 2, {1, 1, 1, 1}}, Matrix{2, 2, {h, h, h, h}}},
              {Matrix{3, 3, {5, 4, 1, 4, 6, 4, 1, 4, 5}}, Matrix{3, 3, {2, 1, 0, 1, 2, 1, 0, 1, 2}}},
              {Matrix{4, 4, {10, 6, 1, 0, 6, 11, 6, 1, 1, 6, 11, 6, 0, 1, 6, 10}},
@@ -75,8 +81,9 @@ TEST(SymmetricSquareRoot, HandWorkedRoots) {
         expect_near(symmetric_sqrt(c), root, 1e-9);
     }
     // Not a covariance: an eigenvalue -1, a negative variance, asymmetric, not finite, not square.
-    for (const Matrix& bad : {Matrix{2, 2, {1, 2, 2, 1}}, Matrix{1, 1, {-4}}, Matrix{2, 2, {1, 0.5, 0.2, 1}},
-                              Matrix{2, 2, {1, NAN, NAN, 1}}, make_matrix(2, 3)}) {
+    for (const Matrix& bad :
+         {Matrix{2, 2, {1, 2, 2, 1}}, Matrix{1, 1, {-4}}, Matrix{2, 2, {1, 0.5, 0.2, 1}},
+          Matrix{2, 2, {1, NAN, NAN, 1}}, make_matrix(2, 3)}) {
         EXPECT_THROW(symmetric_sqrt(bad), SettingError);
     }
 }
@@ -84,8 +91,10 @@ TEST(SymmetricSquareRoot, HandWorkedRoots) {
 TEST(ReadMatrix, ReadsTheCovarianceFileLayoutAndRejectsBadFiles) {
     const std::string dir = testing::scratch_directory("numeric_read_matrix");
     const std::string good = dir + "/covariance.txt", bad = dir + "/bad.txt";
-    testing::write_text(good, "0.25\t-0.125\t1.5\t\n-2\t3.000000\t0.001\t\n7\t0.001000\t12.345678\t\n\n");
-    expect_near(read_matrix(good, 3), Matrix{3, 3, {0.25, -0.125, 1.5, -2, 3, 1e-3, 7, 1e-3, 12.345678}}, 0.0);
+    testing::write_text(good,
+                        "0.25\t-0.125\t1.5\t\n-2\t3.000000\t0.001\t\n7\t0.001000\t12.345678\t\n\n");
+    expect_near(read_matrix(good, 3),
+                Matrix{3, 3, {0.25, -0.125, 1.5, -2, 3, 1e-3, 7, 1e-3, 12.345678}}, 0.0);
     EXPECT_THROW(read_matrix(dir + "/absent.txt", 3), InputFileError);
     EXPECT_THROW(read_matrix(good, 4), InputFileError);  // too few values
     testing::write_text(bad, "1\tnan\t\n3\t4\t\n");
@@ -95,7 +104,8 @@ TEST(ReadMatrix, ReadsTheCovarianceFileLayoutAndRejectsBadFiles) {
         read_matrix(bad, 2);
         ADD_FAILURE() << "no error";
     } catch (const InputFileError& error) {
-        EXPECT_NE(std::string(error.what()).find("row 2, column 2"), std::string::npos) << error.what();
+        EXPECT_NE(std::string(error.what()).find("row 2, column 2"), std::string::npos)
+            << error.what();
     }
 }
 

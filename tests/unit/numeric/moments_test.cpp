@@ -13,11 +13,17 @@ namespace {
 // cubes 180, so the skew is (180/5) / 12.5^1.5. Mirrored, the skew changes sign; {1,2} gives 1.5,
 // 1/2 and 0; a constant, a single value and no values give 0. Integer and double arrays alike.
 TEST(Moments, HandWorkedArrays) {
-    struct Case { std::vector<int32_t> values; double mean, variance, skew; };
+    struct Case {
+        std::vector<int32_t> values;
+        double mean, variance, skew;
+    };
     const double skew = 36.0 / std::pow(12.5, 1.5);
-    for (const Case& c : std::vector<Case>{
-             {{1, 2, 3, 4, 10}, 4, 12.5, skew}, {{-1, -2, -3, -4, -10}, -4, 12.5, -skew},
-             {{3, 3, 3, 3}, 3, 0, 0}, {{1, 2}, 1.5, 0.5, 0}, {{7}, 7, 0, 0}, {{}, 0, 0, 0}}) {
+    for (const Case& c : std::vector<Case>{{{1, 2, 3, 4, 10}, 4, 12.5, skew},
+                                           {{-1, -2, -3, -4, -10}, -4, 12.5, -skew},
+                                           {{3, 3, 3, 3}, 3, 0, 0},
+                                           {{1, 2}, 1.5, 0.5, 0},
+                                           {{7}, 7, 0, 0},
+                                           {{}, 0, 0, 0}}) {
         const std::vector<double> doubles(c.values.begin(), c.values.end());
         const int n = static_cast<int>(c.values.size());
         for (const Moments& m : {moments(c.values.data(), n), moments(doubles.data(), n)}) {

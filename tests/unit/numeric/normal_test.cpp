@@ -26,7 +26,11 @@ Rng generator_before(int first, int second) {
     return rng;
 }
 
-Rng two_draws_later(Rng rng) { rng.next(); rng.next(); return rng; }
+Rng two_draws_later(Rng rng) {
+    rng.next();
+    rng.next();
+    return rng;
+}
 
 TEST(StandardNormal, HandWorkedPairs) {
     // Draws 0 then 16384: u = -1, v = 0, s = 1 exactly, which is kept: -1 * sqrt(0) = 0.
@@ -39,7 +43,8 @@ TEST(StandardNormal, HandWorkedPairs) {
     Rng half = generator_before(8192, 16384);
     EXPECT_DOUBLE_EQ(standard_normal(half), -2.0 * std::sqrt(std::log(2.0)));
     // Rejected pairs are dropped whole: s = 2 (corner), s = 0 (centre), s just above 1.
-    for (const auto& [first, second] : {std::pair{0, 0}, std::pair{16384, 16384}, std::pair{32767, 0}}) {
+    for (const auto& [first, second] :
+         {std::pair{0, 0}, std::pair{16384, 16384}, std::pair{32767, 0}}) {
         Rng rejected = generator_before(first, second), skipped = two_draws_later(rejected);
         EXPECT_EQ(standard_normal(rejected), standard_normal(skipped)) << first << ", " << second;
     }
@@ -65,11 +70,14 @@ TEST(MultivariateNormal, ReseedsAndMatchesTheGivenMoments) {
         EXPECT_NEAR(m[i], mean[static_cast<size_t>(i)], 4.5 * std::sqrt(c[i][i] / n));
         for (int j = 0; j <= i; ++j) {
             double cov = 0.0;
-            for (int r = 0; r < n; ++r) cov += (draws[r][i] - m[i]) * (draws[r][j] - m[j]) / (n - 1);
-            EXPECT_NEAR(cov, c[i][j], 4.5 * std::sqrt((c[i][i] * c[j][j] + c[i][j] * c[i][j]) / n)) << i << j;
+            for (int r = 0; r < n; ++r)
+                cov += (draws[r][i] - m[i]) * (draws[r][j] - m[j]) / (n - 1);
+            EXPECT_NEAR(cov, c[i][j], 4.5 * std::sqrt((c[i][i] * c[j][j] + c[i][j] * c[i][j]) / n))
+                << i << j;
         }
     }
-    EXPECT_THROW(multivariate_normal_batch(mean, make_matrix(2, 2, 1.0), 5, rng, seeds), SettingError);
+    EXPECT_THROW(multivariate_normal_batch(mean, make_matrix(2, 2, 1.0), 5, rng, seeds),
+                 SettingError);
     EXPECT_THROW(multivariate_normal_batch(mean, c, -1, rng, seeds), SettingError);
 }
 

@@ -23,7 +23,7 @@ TEST(NetworkFile, MatrixAndPajekBlocksSpellTheAdjacency) {
     const std::string dir = testing::scratch_directory("network_file");
     // A triangle 0-1-2 with node 3 isolated: a network file has no blank before the line end, a
     // Pajek block has one, and blocks are appended after what the file held.
-    Graph small = create(4, 0, 0);
+    Graph small = create_graph(4);
     tie(small, 0, 1);
     tie(small, 1, 2);
     tie(small, 0, 2);
@@ -32,17 +32,19 @@ TEST(NetworkFile, MatrixAndPajekBlocksSpellTheAdjacency) {
     const std::string paj = dir + "/sim_pajek_flo.paj";
     testing::write_text(paj, "earlier run\n");
     write_pajek_block(small, "sample 1", paj);
-    write_pajek_block(create(2, 0, 0), "empty", paj);
+    write_pajek_block(create_graph(2), "empty", paj);
     EXPECT_EQ(read_text(paj),
-              "earlier run\n*Network sample 1\n*vertices 4\n*matrix\n0 1 1 0 \n1 0 1 0 \n1 1 0 0 \n0 0 0 0 \n\n\n"
+              "earlier run\n*Network sample 1\n*vertices 4\n*matrix\n0 1 1 0 \n1 0 1 0 \n1 1 0 0 "
+              "\n0 0 0 0 \n\n\n"
               "*Network empty\n*vertices 2\n*matrix\n0 0 \n0 0 \n\n\n");
 
     // The bundled marriage network writes back as its own file; a random 150-node graph (three
-    // words per row) reads back as the same graph, and its Pajek matrix follows has_edge cell by cell.
-    const Graph flo = read_graph(testing::data_path("flomarriage.txt"), 16, 0, 0);
+    // words per row) reads back as the same graph, and its Pajek matrix follows has_edge cell by
+    // cell.
+    const Graph flo = read_graph(testing::data_path("flomarriage.txt"), 16);
     write_network_file(dir + "/flo.txt", flo);
     EXPECT_EQ(read_text(dir + "/flo.txt"), read_text(testing::data_path("flomarriage.txt")));
-    Graph big = create(150, 0, 0);
+    Graph big = create_graph(150);
     Rng rng;
     rng.seed(11);
     for (int s = 0; s < 2500; ++s) {
@@ -52,7 +54,7 @@ TEST(NetworkFile, MatrixAndPajekBlocksSpellTheAdjacency) {
     const std::string path = sample_network_path(dir + "/sample", 150.0);
     EXPECT_EQ(path, dir + "/sample150.txt");
     write_network_file(path, big);
-    const Graph back = read_graph(path, 150, 0, 0);
+    const Graph back = read_graph(path, 150);
     EXPECT_EQ(back.adjacency, big.adjacency);
     EXPECT_EQ(back.edge_count, big.edge_count);
     EXPECT_EQ(check_bookkeeping(back), "");

@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "effects/model.h"
+#include "effects/graph/graph_catalogue.h"
+#include "model/model.h"
+#include "model/terms.h"
+#include "support/kinds.h"
 #include "support/test_support.h"
 
 namespace vexa {
@@ -14,7 +17,7 @@ namespace {
 TEST(StatisticsReport, CountsWholeWeightedWithFiveDecimalsLambdaInTheLabel) {
     // A star: centre 0 with leaves 1, 2, 3. Three edges, three 2-stars, one 3-star, so
     // 2_3star = 3 - 1/2; AS at lambda 3 is 9 (w(3) - 1 + 1) = 9 (2/3)^3 = 8/3 (the leaves add 0).
-    Graph g = create(4, 4, 0);
+    Graph g = create_graph(4);
     for (const int leaf : {1, 2, 3}) {
         add_edge(g, 0, leaf);
         update_shared_partners(g, 0, leaf, 1);
@@ -25,10 +28,12 @@ TEST(StatisticsReport, CountsWholeWeightedWithFiveDecimalsLambdaInTheLabel) {
     model.structural[static_cast<size_t>(GraphEffect::edge)].slot = 1;
     model.structural[static_cast<size_t>(GraphEffect::two3star)].slot = 2;
     model.structural[static_cast<size_t>(GraphEffect::star2)].slot = 3;
-    const std::vector<Term> terms = graph_terms(model);
-    compute_totals(g, terms);
-    EXPECT_EQ(testing::capture([&](FILE* out) { write_graph_statistics(out, g, terms); }),
-              "\n***This graph contains:****\nedge\t3\n2-star\t3\n2_3star\t2.50000\nAS(3.00)\t2.66667\n");
+    model.structural_included = 4;
+    const std::vector<double> statistics = testing::totals_of(g, make_terms<Graph>(model), 4);
+    const auto labels = parameter_labels(model, LabelStyle::report, LabelOrder::catalogue);
+    EXPECT_EQ(
+        testing::capture([&](FILE* out) { write_statistics_report(out, labels, statistics); }),
+        "\n***This graph contains:****\nedge\t3\n2-star\t3\n2_3star\t2.50000\nAS(3.00)\t2.66667\n");
 }
 
 }  // namespace

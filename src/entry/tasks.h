@@ -1,0 +1,382 @@
+#pragma once
+// The tasks of a run, written once for every store type: the common preparation (parameter
+// vector, network, start statistics, constraint), then simulation, estimation and goodness of
+// fit. What differs between the network kinds (reading and drawing a network, the descriptive
+// measures, the per-sample files) comes from the kind's traits, KindTraits<Store>.
+
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/errors.h"
+#include "base/text_file.h"
+#include "entry/run_context.h"
+#include "estimation/confirmation.h"
+#include "estimation/diagnostics.h"
+#include "estimation/estimation.h"
+#include "model/parameter_labels.h"
+#include "model/parameter_vector.h"
+#include "model/terms.h"
+#include "report/convergence_report.h"
+#include "report/estimation_report.h"
+#include "report/gof_report.h"
+#include "report/logodds.h"
+#include "report/simulation_report.h"
+#include "report/spss.h"
+#include "report/statistics_report.h"
+#include "report/update_files.h"
+#include "sampler/steps.h"
+#include "simulation/goodness_of_fit.h"
+#include "simulation/sampling.h"
+
+namespace vexa {
+
+template <class Store>
+struct KindTraits;
+
+namespace task_detail {
+
+inline SamplingPlan sampling_plan(const RunSettings& s) {
+    return {s.iterations, s.thinning_interval};
+}
+
+template <class Store>
+void write_statistics_file(const std::string& path, const Model& model, const Store& store,
+                           const std::vector<Term<Store>>& terms) {
+    std::vector<double> statistics(static_cast<size_t>(model.parameter_count()), 0.0);
+    Workspace workspace;
+    prepare_workspace(workspace, terms);
+    compute_totals(store, terms, workspace, statistics);
+    OutFile out(path, OpenMode::truncate);
+    write_statistics_report(out, parameter_labels(model, LabelStyle::report, LabelOrder::catalogue),
+                            statistics);
+    out.close();
+}
+
+inline void write_spss(const RunContext& context) {
+    write_spss_file(context.names.sim, context.model, context.names.simulation);
+}
+
+// Everything a task needs besides the context: the network, the terms and the sampler's
+// settings.
+template <class Store>
+struct TaskSetup {
+    Store observed;
+    std::vector<Term<Store>> terms;
+    std::unique_ptr<DyadMask> mask;
+    SamplerSettings sampler;
+};
+
+template <class Store>
+void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<double>& parameters) {
+    using Traits = KindTraits<Store>;
+    const RunSettings& s = context.settings;
+    const OutputNames& names = context.names;
+    const SamplingPlan plan = sampling_plan(s);
+    const int p = static_cast<int>(parameters.size());
+    write_spss(context);
+    Chain<Store> chain = make_chain(setup.observed, setup.terms, p, setup.sampler, context.rng);
+    run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
+
+    context.seeds.reseed(context.rng);
+    const std::vector<ParameterLabel> labels =
+        parameter_labels(context.model, LabelStyle::simulation);
+    {
+        OutFile report(names.simulation, OpenMode::truncate);
+        write_simulation_heading(report, Store::kind, setup.observed.node_count, labels, parameters,
+                                 plan);
+        report.close();
+        OutFile parameter_file(names.parameter, OpenMode::truncate);
+        write_parameter_lines(parameter_file, labels, parameters);
+        parameter_file.close();
+    }
+    const std::vector<ParameterLabel> columns = parameter_labels(context.model, LabelStyle::sample);
+    OutFile statistics(names.sample_statistics + ".txt", OpenMode::truncate);
+    write_sample_statistics_header(statistics, columns);
+    OutFile accept(names.accept, OpenMode::truncate);
+    write_accept_heading(accept, Store::kind);
+    typename Traits::SampleFiles files(setup.observed, s, names);
+    typename Traits::Scratch scratch;
+
+    const double accepted = run_proposals(
+        chain, parameters.data(), plan, context.progress, [&](double i, double interval_accepted) {
+            recount_uncarried(chain);
+            write_sample_statistics_row(statistics, i, chain.statistics, columns);
+            files.write_rows(setup.observed, scratch, nullptr);
+            write_accept_row(accept, i, interval_accepted / plan.interval);
+            if (s.pajek_output == 1)
+                Traits::write_sample_network(setup.observed, i, names, s.network_name);
+        });
+    write_accepted_total(accept, Store::kind, accepted);
+    accept.close();
+    statistics.close();
+    files.close();
+    OutFile report(names.simulation, OpenMode::append);
+    write_accepted_total(report, Store::kind, accepted);
+    report.close();
+    write_statistics_file(names.end_statistics, context.model, setup.observed, setup.terms);
+}
+
+template <class Store>
+void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
+                     const std::vector<double>& parameters, const SamplingPlan& plan) {
+    using Traits = KindTraits<Store>;
+    const RunSettings& s = context.settings;
+    const OutputNames& names = context.names;
+    const Model& model = context.model;
+    const int p = static_cast<int>(parameters.size());
+    write_spss(context);
+    Store working = setup.observed;
+    Chain<Store> chain = make_chain(working, setup.terms, p, setup.sampler, context.rng);
+    run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
+
+    const double expected_samples = planned_samples(plan);
+    if (expected_samples < 1.0) {
+        throw SettingError(format_message(
+            "vexa: goodness of fit keeps no sample: %.0f proposals at 1 sample per %.0f proposals "
+            "(iterations must be at least sample_count)",
+            plan.proposals, plan.interval));
+    }
+    context.seeds.reseed(context.rng);
+
+    // The observed network's values, before sampling.
+    std::vector<double> observed_statistics(static_cast<size_t>(p), 0.0);
+    {
+        Workspace workspace;
+        prepare_workspace(workspace, setup.terms);
+        compute_totals(setup.observed, setup.terms, workspace, observed_statistics);
+    }
+    typename Traits::Scratch scratch;
+    const SampleMeasures observed_measures = Traits::measure(setup.observed, scratch);
+    {
+        OutFile report(names.gof, OpenMode::append);
+        write_gof_heading(report, Store::kind, parameter_labels(model, LabelStyle::simulation),
+                          parameters, plan);
+        report.close();
+    }
+
+    GofSample sample;
+    sample.statistics.assign(static_cast<size_t>(p), {});
+    sample.measures.assign(Traits::measure_names().size(), {});
+    const size_t reserve = static_cast<size_t>(std::min(expected_samples, 1e7));
+    for (auto& row : sample.statistics) row.reserve(reserve);
+
+    const std::vector<ParameterLabel> columns = parameter_labels(model, LabelStyle::sample);
+    OutFile statistics(names.sample_statistics + ".txt", OpenMode::truncate);
+    write_sample_statistics_header(statistics, columns);
+    typename Traits::SampleFiles files(working, s, names);
+    recount(chain);
+
+    const double accepted =
+        run_proposals(chain, parameters.data(), plan, context.progress, [&](double i, double) {
+            recount_uncarried(chain);
+            write_sample_statistics_row(statistics, i, chain.statistics, columns);
+            for (size_t k = 0; k < static_cast<size_t>(p); ++k)
+                sample.statistics[k].push_back(chain.statistics[k]);
+            sample.numbers.push_back(i);
+            const SampleMeasures measures = Traits::measure(working, scratch);
+            for (size_t m = 0; m < measures.values.size(); ++m)
+                sample.measures[m].push_back(measures.values[m]);
+            sample.quartiles.push_back(measures.quartiles);
+            files.write_rows(working, scratch, &measures);
+            if (s.pajek_output == 1)
+                Traits::write_sample_network(working, i, names, s.network_name);
+        });
+    statistics.close();
+    files.close();
+
+    OutFile report(names.gof, OpenMode::append);
+    write_gof_comparisons(report, Store::kind, accepted, plan.proposals,
+                          parameter_labels(model, LabelStyle::gof), observed_statistics,
+                          Traits::measure_names(), observed_measures.values, sample);
+    write_gof_quartiles(report, observed_measures.quartiles, sample);
+    report.close();
+    const Mahalanobis distance = mahalanobis(sample.statistics, observed_statistics);
+    {
+        OutFile table(names.simulation, OpenMode::truncate);
+        write_gof_sample_table(table, columns, sample, distance);
+        table.close();
+    }
+    OutFile tail(names.gof, OpenMode::append);
+    write_gof_mahalanobis(tail, Store::kind, distance);
+    tail.close();
+    write_statistics_file(names.end_statistics, model, working, setup.terms);
+}
+
+template <class Store>
+void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<double>& parameters) {
+    const RunSettings& s = context.settings;
+    const OutputNames& names = context.names;
+    Model& model = context.model;
+    if (parameters.empty()) {
+        throw SettingError(format_message(
+            "vexa: run file '%s' includes no effect, so there is nothing to estimate",
+            s.run_file.c_str()));
+    }
+    KindTraits<Store>::adjust_start(model, setup.observed, parameters);
+    EstimationSettings settings;
+    settings.multiplication_factor = s.multiplication_factor;
+    settings.subphase_count = s.subphase_count;
+    settings.phase3_steps = s.phase3_steps;
+    settings.start_a_value = s.start_a_value;
+    {
+        OutFile report(names.estimation, OpenMode::append);
+        write_estimation_settings(report, s.network_name, settings, s.estimation_runs);
+        report.close();
+    }
+    const int p = static_cast<int>(parameters.size());
+    Store working = setup.observed;
+    Chain<Store> chain = make_chain(working, setup.terms, p, setup.sampler, context.rng);
+    Matrix D = make_matrix(p, p, 0.0);
+    const std::vector<ParameterLabel> labels = parameter_labels(model, LabelStyle::summary);
+    const std::vector<double> starting = parameters;
+    {
+        OutFile verdicts(names.convergence, OpenMode::truncate);
+        verdicts.close();
+    }
+
+    bool converged = false;
+    bool ended = false;
+    EstimationRun last;
+    for (int run = 0; run < s.estimation_runs && !converged; ++run) {
+        // A run after the first starts from a clean D, even after a degenerate run left it
+        // partly reduced.
+        if (run > 0) D = make_matrix(p, p, 0.0);
+        {
+            OutFile report(names.estimation, OpenMode::append);
+            print(report, "STOCHASTIC APPROXIMATION RUN %d\n\n", run + 1);
+            report.close();
+        }
+        std::fprintf(context.console, "vexa: estimation run %d of %d\n", run + 1,
+                     s.estimation_runs);
+        std::fflush(context.console);
+        last = estimate(chain, parameters, D, settings, context.seeds, context.progress);
+        const EstimationRun& result = last;
+        {
+            OutFile report(names.estimation, OpenMode::append);
+            write_estimation_run(report, result, labels);
+            report.close();
+        }
+        if (!result.degenerate) {
+            OutFile covariance(names.covariance, OpenMode::truncate);
+            write_covariance_matrix(covariance, result.covariance);
+            covariance.close();
+        }
+        KindTraits<Store>::after_run(context, result);
+        // The verdict, not the quoted flag, decides: a run converges when its t-ratios are small
+        // and its draws are enough to tell.
+        ConvergenceCheck check;
+        if (result.degenerate) {
+            check.verdict = Verdict::degenerate;
+        } else {
+            check = check_convergence(result.phase3_draws_matrix, result.observed,
+                                      s.multiplication_factor);
+        }
+        converged = check.verdict == Verdict::converged;
+        if (run + 1 >= s.estimation_runs || converged) {
+            write_statistics_file(names.end_statistics, model, working, setup.terms);
+            ended = true;
+        }
+        working = setup.observed;
+        recount(chain);
+        {
+            OutFile report(names.estimation, OpenMode::append);
+            print(report, "\n\n");
+            report.close();
+        }
+        OutFile verdicts(names.convergence, OpenMode::append);
+        if (result.degenerate) {
+            const std::string advice = degeneracy_advice(result, labels);
+            std::fprintf(context.console, "vexa: run %d found the model degenerate: %s\n", run + 1,
+                         advice.c_str());
+            print(verdicts, "Run %d\nverdict\tdegenerate\nreason\t%s\n\n", run + 1, advice.c_str());
+            // A runaway parameter is no place to start the next run from.
+            parameters = starting;
+        } else {
+            std::fprintf(context.console, "vexa: run %d %s\n", run + 1,
+                         convergence_summary(check, labels).c_str());
+            write_convergence_block(verdicts, format_message("Run %d", run + 1).c_str(), check,
+                                    labels);
+        }
+        verdicts.close();
+        std::fflush(context.console);
+        if (converged) {
+            OutFile changes(names.change_statistics, OpenMode::truncate);
+            OutFile logodds(names.logodds, OpenMode::truncate);
+            write_change_statistics_and_logodds(setup.observed, setup.terms, parameters,
+                                                parameter_labels(model, LabelStyle::column),
+                                                changes, logodds);
+            changes.close();
+            logodds.close();
+        }
+    }
+    if (converged && context.confirm) {
+        Store fresh = setup.observed;
+        Chain<Store> fresh_chain = make_chain(fresh, setup.terms, p, setup.sampler, context.rng);
+        const Confirmation confirmation =
+            confirm_estimate(fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
+                             s.multiplication_factor, context.seeds, context.progress);
+        const char* answer = confirmation.confirmed ? "confirmed" : "not confirmed";
+        std::fprintf(
+            context.console, "vexa: the long-chain check at the estimate: %s\n",
+            confirmation_summary(confirmation.confirmed, confirmation.check, labels).c_str());
+        OutFile verdicts(names.convergence, OpenMode::append);
+        const std::string heading = format_message(
+            "Long-chain check at the estimate: %d draws, one every %.0f steps, after %.0f steps of "
+            "burn-in",
+            confirmation.draws, confirmation.thinning, confirmation.burn_in);
+        write_convergence_block(verdicts, heading.c_str(), confirmation.check, labels);
+        print(verdicts, "check\t%s: %s\n", answer,
+              confirmation.confirmed
+                  ? "no t-ratio lies significantly above 0.1"
+                  : "the long chain speaks against convergence at this estimate");
+        verdicts.close();
+    }
+    if (!ended) write_statistics_file(names.end_statistics, model, working, setup.terms);
+    unpack(model, parameters);
+    write_update_files(model, "");
+    if (s.gof_after_estimation == 1 && converged) {
+        KindTraits<Store>::before_gof_after_estimation(context);
+        const std::vector<double> estimates = pack(model);
+        goodness_of_fit(context, setup, estimates, sampling_plan(s));
+    }
+}
+
+}  // namespace task_detail
+
+// Runs the task of the context's run file on a network of the store type.
+template <class Store>
+void run_task(RunContext& context) {
+    using Traits = KindTraits<Store>;
+    const RunSettings& s = context.settings;
+    std::vector<double> parameters = pack(context.model);
+    const int n = s.node_count;
+    if (n < 1) {
+        throw SettingError(
+            format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
+    }
+    task_detail::TaskSetup<Store> setup;
+    setup.observed = s.task == 1 ? Traits::random_start(context) : Traits::read(s.network_file, n);
+    setup.terms = make_terms<Store>(context.model);
+    task_detail::write_statistics_file(context.names.start_statistics, context.model,
+                                       setup.observed, setup.terms);
+    if (s.constraint_given == 1) {
+        setup.mask = std::make_unique<DyadMask>(read_dyad_mask(s.constraint_file, n, Store::kind));
+    }
+    setup.sampler.variant = s.sampler_variant;
+    setup.sampler.max_degree = s.degree_cap;
+    setup.sampler.mask = setup.mask.get();
+    check_proposals_possible(setup.observed, setup.sampler);
+
+    switch (s.task) {
+        case 1: task_detail::simulate(context, setup, parameters); break;
+        case 2: task_detail::estimate_model(context, setup, parameters); break;
+        case 3:
+            task_detail::goodness_of_fit(context, setup, parameters, task_detail::sampling_plan(s));
+            break;
+        default: break;
+    }
+}
+
+}  // namespace vexa

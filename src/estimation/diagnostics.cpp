@@ -1,0 +1,152 @@
+#include "estimation/diagnostics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace vexa {
+
+namespace {
+
+struct Series {
+    std::vector<double> centred;
+    double variance = 0.0;  // divisor N
+};
+
+Series series_of(const Matrix& draws, int column) {
+    Series s;
+    const int n = draws.rows;
+    double mean = 0.0;
+    for (int i = 0; i < n; ++i) mean += draws[i][column];
+    mean /= std::max(n, 1);
+    s.centred.resize(static_cast<size_t>(n));
+    for (int i = 0; i < n; ++i) {
+        s.centred[static_cast<size_t>(i)] = draws[i][column] - mean;
+        s.variance += s.centred[static_cast<size_t>(i)] * s.centred[static_cast<size_t>(i)];
+    }
+    s.variance /= std::max(n, 1);
+    return s;
+}
+
+double autocorrelation(const Series& s, size_t lag) {
+    const size_t n = s.centred.size();
+    double sum = 0.0;
+    for (size_t i = 0; i + lag < n; ++i) sum += s.centred[i] * s.centred[i + lag];
+    return sum / static_cast<double>(n) / s.variance;
+}
+
+}  // namespace
+
+const char* verdict_text(Verdict verdict) {
+    switch (verdict) {
+        case Verdict::converged: return "converged";
+        case Verdict::converged_but_noisy: return "converged but noisy";
+        case Verdict::not_converged: return "not converged";
+        case Verdict::degenerate: return "degenerate";
+    }
+    return "not converged";
+}
+
+double autocorrelation_time(const Matrix& draws, int column) {
+    const Series s = series_of(draws, column);
+    const size_t n = s.centred.size();
+    if (n < 4 || !(s.variance > 0.0)) return std::numeric_limits<double>::infinity();
+    // tau = -1 + 2 (sum of the pairs rho(2m) + rho(2m+1) while they stay positive), each pair
+    // kept no larger than the one before, so that noise in the tail does not add up.
+    double tau = -1.0;
+    double previous = std::numeric_limits<double>::infinity();
+    for (size_t m = 0; 2 * m + 1 < n; ++m) {
+        double pair = autocorrelation(s, 2 * m) + autocorrelation(s, 2 * m + 1);
+        if (pair <= 0.0) break;
+        pair = std::min(pair, previous);
+        tau += 2.0 * pair;
+        previous = pair;
+    }
+    return std::max(tau, 1.0 / static_cast<double>(n));
+}
+
+double effective_sample_size(const Matrix& draws, int column) {
+    const double tau = autocorrelation_time(draws, column);
+    if (!std::isfinite(tau)) return 0.0;
+    return std::min(static_cast<double>(draws.rows), static_cast<double>(draws.rows) / tau);
+}
+
+ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed,
+                                   int32_t factor) {
+    ConvergenceCheck c;
+    const int p = draws.cols;
+    const int n = draws.rows;
+    std::vector<double> mean(static_cast<size_t>(p), 0.0);
+    for (int i = 0; i < n; ++i) {
+        for (int k = 0; k < p; ++k) mean[static_cast<size_t>(k)] += draws[i][k];
+    }
+    for (double& m : mean) m /= std::max(n, 1);
+    Matrix covariance = make_matrix(p, p, 0.0);
+    for (int i = 0; i < n; ++i) {
+        for (int a = 0; a < p; ++a) {
+            for (int b = 0; b < p; ++b) {
+                covariance[a][b] += (draws[i][a] - mean[static_cast<size_t>(a)]) *
+                                    (draws[i][b] - mean[static_cast<size_t>(b)]);
+            }
+        }
+    }
+    for (int a = 0; a < p; ++a) {
+        for (int b = 0; b < p; ++b) covariance[a][b] /= std::max(n - 1, 1);
+    }
+    c.smallest_effective_size = std::numeric_limits<double>::infinity();
+    bool constant = false;
+    for (int k = 0; k < p; ++k) {
+        const size_t kk = static_cast<size_t>(k);
+        const double sd = std::sqrt(covariance[k][k]);
+        constant = constant || !(sd > 0.0);
+        const double t = (observed[kk] - mean[kk]) / sd;
+        c.t_ratios.push_back(t);
+        c.largest_t = std::max(
+            c.largest_t, std::isfinite(t) ? std::fabs(t) : std::numeric_limits<double>::infinity());
+        const double size = effective_sample_size(draws, k);
+        c.effective_sizes.push_back(size);
+        if (size < c.smallest_effective_size) {
+            c.smallest_effective_size = size;
+            c.smallest_at = k;
+        }
+    }
+    if (p == 0) c.smallest_effective_size = 0.0;
+    Matrix inverse = covariance;
+    if (p > 0 && !constant && invert_in_place(inverse) == 1) {
+        double form = 0.0;
+        for (int a = 0; a < p; ++a) {
+            for (int b = 0; b < p; ++b) {
+                form += (mean[static_cast<size_t>(a)] - observed[static_cast<size_t>(a)]) *
+                        inverse[a][b] *
+                        (mean[static_cast<size_t>(b)] - observed[static_cast<size_t>(b)]);
+            }
+        }
+        // Rounding in a nearly singular covariance can make the form negative: then the ratio
+        // cannot be told.
+        c.overall_ratio = form >= 0.0 && std::isfinite(form)
+                              ? std::sqrt(form)
+                              : std::numeric_limits<double>::infinity();
+    } else {
+        c.overall_ratio = std::numeric_limits<double>::infinity();
+    }
+    if (constant) {
+        c.verdict = Verdict::degenerate;
+    } else if (c.largest_t < t_ratio_limit && c.overall_ratio < overall_ratio_limit) {
+        c.verdict = c.smallest_effective_size < enough_effective_draws
+                        ? Verdict::converged_but_noisy
+                        : Verdict::converged;
+    } else {
+        c.verdict = Verdict::not_converged;
+    }
+    // Effective draws grow about in proportion to the steps between draws; aim at half again
+    // as many as enough, so that the next try is not on the edge.
+    if (c.smallest_effective_size < enough_effective_draws &&
+        std::isfinite(c.smallest_effective_size)) {
+        const double wanted =
+            1.5 * enough_effective_draws / std::max(c.smallest_effective_size, 1.0);
+        c.suggested_factor = static_cast<int32_t>(std::ceil(std::max(factor, 1) * wanted));
+    }
+    return c;
+}
+
+}  // namespace vexa

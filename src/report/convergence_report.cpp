@@ -1,0 +1,111 @@
+#include "report/convergence_report.h"
+
+#include <cmath>
+
+#include "base/errors.h"
+#include "base/text_file.h"
+
+namespace vexa {
+
+namespace {
+
+std::string name_at(const std::vector<ParameterLabel>& labels, int32_t position) {
+    for (const ParameterLabel& label : labels) {
+        if (label.position == position) return labelled(label);
+    }
+    return format_message("parameter %d", position + 1);
+}
+
+}  // namespace
+
+std::string degeneracy_advice(const EstimationRun& run, const std::vector<ParameterLabel>& labels) {
+    switch (run.degeneracy) {
+        case Degeneracy::singular:
+            return "the statistics do not vary together under the starting parameters (their "
+                   "covariance "
+                   "matrix is singular): check that every effect can change on this network, or "
+                   "drop one";
+        case Degeneracy::runaway:
+            return format_message(
+                "the parameter of %s ran away from %g to %g, more than %.0f standard errors; drop "
+                "or "
+                "change that effect (its geometrically weighted form, an alternating star, "
+                "triangle or "
+                "two-path, keeps such models in check); the next run starts again from the "
+                "starting values",
+                name_at(labels, run.culprit).c_str(), run.culprit_from, run.culprit_to,
+                runaway_limit);
+        case Degeneracy::extreme_network:
+            return "the chain reached the empty or the complete network, far from the observed "
+                   "one: the "
+                   "model puts its weight on extreme networks; drop or change the effects that "
+                   "drive it "
+                   "(their alternating forms keep such models in check)";
+        case Degeneracy::fixed_statistic:
+            return format_message(
+                "the statistic of %s stayed at %g in every phase-3 draw (observed %g): its "
+                "parameter "
+                "has pushed it to a bound; drop or change that effect",
+                name_at(labels, run.culprit).c_str(), run.culprit_to, run.culprit_from);
+        case Degeneracy::far_statistic:
+            return format_message(
+                "the phase-3 draws of %s stayed far from its observed value (mean %g, observed %g, "
+                "more than %.0f standard deviations away): the model cannot reproduce the observed "
+                "network; drop or change the effects that drive it (their alternating forms keep "
+                "such "
+                "models in check)",
+                name_at(labels, run.culprit).c_str(), run.culprit_to, run.culprit_from, far_limit);
+        case Degeneracy::none: break;
+    }
+    return "";
+}
+
+std::string confirmation_summary(bool confirmed, const ConvergenceCheck& check,
+                                 const std::vector<ParameterLabel>& labels) {
+    return format_message(
+        "%s: largest t-ratio %.3f, overall maximum convergence ratio %.3f, smallest effective "
+        "sample size %.0f (%s)",
+        confirmed ? "confirmed" : "not confirmed", check.largest_t, check.overall_ratio,
+        check.smallest_effective_size, name_at(labels, check.smallest_at).c_str());
+}
+
+std::string convergence_summary(const ConvergenceCheck& check,
+                                const std::vector<ParameterLabel>& labels) {
+    std::string text = format_message(
+        "%s: largest t-ratio %.3f, overall maximum convergence ratio %.3f, smallest effective "
+        "sample "
+        "size %.0f (%s)",
+        verdict_text(check.verdict), check.largest_t, check.overall_ratio,
+        check.smallest_effective_size, name_at(labels, check.smallest_at).c_str());
+    if (check.suggested_factor > 0) {
+        text += format_message(
+            "; fewer than %.0f effective draws make the t-ratios too noisy to judge convergence: a "
+            "multiplication factor of %d would give enough",
+            enough_effective_draws, check.suggested_factor);
+    }
+    return text;
+}
+
+void write_convergence_block(FILE* out, const char* heading, const ConvergenceCheck& check,
+                             const std::vector<ParameterLabel>& labels) {
+    print(out, "%s\n", heading);
+    print(out, "effects\tt-ratio\teffective sample size\n");
+    for (const ParameterLabel& label : labels) {
+        const size_t k = static_cast<size_t>(label.position);
+        if (k >= check.t_ratios.size()) continue;
+        print(out, "%s\t%.5f\t%.0f\n", labelled(label).c_str(), check.t_ratios[k],
+              check.effective_sizes[k]);
+    }
+    print(out, "largest t-ratio\t%.5f\n", check.largest_t);
+    print(out, "overall maximum convergence ratio\t%.5f\n", check.overall_ratio);
+    if (check.suggested_factor > 0) {
+        print(out,
+              "warning\tfewer than %.0f effective draws: the t-ratios are too noisy to judge "
+              "convergence; "
+              "a multiplication factor of %d would give enough\n",
+              enough_effective_draws, check.suggested_factor);
+    }
+    print(out, "verdict\t%s\n\n", verdict_text(check.verdict));
+}
+
+}  // namespace vexa

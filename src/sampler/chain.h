@@ -1,0 +1,132 @@
+#pragma once
+// A Markov chain over networks of one store type: the network, the model's terms, the
+// statistics vector the chain carries beside the network, the change vectors and workspace of
+// its proposals, the sampler's settings and the run's generator. Estimation, simulation and
+// goodness of fit run chains and read their statistics; nothing else of a chain's state lives
+// anywhere else.
+//
+// A step proposes one change (a toggle of one dyad, or a move of one tie that keeps a count
+// fixed), asks the combiner for the weighted change statistics, accepts with the
+// Metropolis-Hastings probability, and on acceptance updates the store's bookkeeping and the
+// statistics in place. A step allocates nothing and recounts nothing.
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "effects/combiner.h"
+#include "effects/term.h"
+#include "network/dyad_mask.h"
+#include "numeric/rng.h"
+#include "sampler/tie_list.h"
+
+namespace vexa {
+
+// The proposal that picks a present tie half of the time (the tie/no-tie proposal).
+inline constexpr int32_t tie_no_tie_variant = 3;
+
+struct SamplerSettings {
+    // Graphs: 1 the edge-preserving move, 3 the tie/no-tie proposal, anything else the toggle.
+    // Digraphs: 1 the arc-count-preserving swap, 2 the out-degree-preserving receiver move, 3 the
+    // tie/no-tie proposal, anything else the toggle.
+    int32_t variant = 0;
+    int32_t max_degree = 9999;       // graphs: no tie is added at a node of this degree;
+                                     // digraphs: the cap on out-degrees
+    int32_t max_in_degree = 9999;    // digraphs: the cap on in-degrees
+    const DyadMask* mask = nullptr;  // when set, only the dyads it allows may change
+};
+
+template <class Store>
+struct Chain {
+    Store* store = nullptr;
+    const std::vector<Term<Store>>* terms = nullptr;
+    SamplerSettings settings;
+    Rng* rng = nullptr;
+    std::vector<double> statistics;  // the current value of every statistic, by slot
+    Workspace workspace;
+    // Change statistics of a proposal, one entry per statistic, allocated once.
+    std::vector<double> change_vector;
+    std::vector<double> removal_changes;
+    std::vector<double> addition_changes;
+    // The tie/no-tie proposal's removable ties (the ties of dyads the mask allows) and the number
+    // of dyads it may toggle.
+    TieList ties;
+    double allowed_dyads = 0.0;
+
+    int32_t statistic_count() const { return static_cast<int32_t>(statistics.size()); }
+};
+
+// The key of a dyad in the tie list: a graph's dyads are unordered.
+template <class Store>
+uint64_t dyad_key(int i, int j) {
+    if constexpr (Store::kind == NetworkKind::graph) {
+        if (i > j) std::swap(i, j);
+    }
+    return TieList::key(i, j);
+}
+
+// Fills the tie list from the store (for the tie/no-tie proposal only).
+template <class Store>
+void list_ties(Chain<Store>& chain) {
+    if (chain.settings.variant != tie_no_tie_variant) return;
+    const Store& store = *chain.store;
+    const double n = store.node_count;
+    const DyadMask* mask = chain.settings.mask;
+    chain.allowed_dyads = mask != nullptr ? static_cast<double>(mask->allowed_count)
+                          : Store::kind == NetworkKind::graph ? n * (n - 1.0) / 2.0
+                                                              : n * (n - 1.0);
+    chain.ties.clear();
+    chain.ties.reserve(static_cast<size_t>(2 * tie_count(store)) + 64);
+    for_each_tie(store, [&](int i, int j) {
+        if (mask == nullptr || mask->allows(i, j)) chain.ties.add(dyad_key<Store>(i, j));
+    });
+}
+
+// A chain on `store` under `terms` with `statistic_count` statistics; its statistics are the
+// store's totals. The store, the terms, the mask and the generator must outlive the chain.
+template <class Store>
+Chain<Store> make_chain(Store& store, const std::vector<Term<Store>>& terms,
+                        int32_t statistic_count, const SamplerSettings& settings, Rng& rng) {
+    Chain<Store> chain;
+    chain.store = &store;
+    chain.terms = &terms;
+    chain.settings = settings;
+    chain.rng = &rng;
+    const auto count = static_cast<size_t>(statistic_count);
+    chain.statistics.assign(count, 0.0);
+    chain.change_vector.assign(count, 0.0);
+    chain.removal_changes.assign(count, 0.0);
+    chain.addition_changes.assign(count, 0.0);
+    prepare_workspace(chain.workspace, terms);
+    compute_totals(store, terms, chain.workspace, chain.statistics);
+    list_ties(chain);
+    return chain;
+}
+
+// Recounts the statistics from the store (after the store was changed from outside the chain).
+template <class Store>
+void recount(Chain<Store>& chain) {
+    compute_totals(*chain.store, *chain.terms, chain.workspace, chain.statistics);
+    list_ties(chain);
+}
+
+// The statistics the chain does not carry (counted afresh wherever a sample is read).
+template <class Store>
+void recount_uncarried(Chain<Store>& chain) {
+    bool any = false;
+    bool cliques = false;
+    for (const Term<Store>& term : *chain.terms) {
+        any = any || !term.carried;
+        cliques = cliques || (!term.carried && term.clique_order > 0);
+    }
+    if (!any) return;
+    if (cliques) prepare_totals(*chain.store, chain.workspace);
+    for (const Term<Store>& term : *chain.terms) {
+        if (!term.carried) {
+            chain.statistics[static_cast<size_t>(term.slot)] =
+                term.total(*chain.store, term, chain.workspace);
+        }
+    }
+}
+
+}  // namespace vexa

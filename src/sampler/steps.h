@@ -1,0 +1,296 @@
+#pragma once
+// The sampler steps of every store type and the driver that runs them.
+//
+// Random numbers: a node is drawn as draw mod n, a uniform as draw / 32767 (both ends
+// possible). The toggle accepts when u <= p; the graph's edge-preserving move does too, while
+// the digraph's count-preserving moves accept only when u < p.
+
+#include <bit>
+#include <cmath>
+#include <string>
+
+#include "base/errors.h"
+#include "sampler/chain.h"
+
+namespace vexa {
+
+namespace chain_detail {
+
+template <class Store>
+void add_changes(Chain<Store>& chain, const std::vector<double>& changes, double sign) {
+    double* statistics = chain.statistics.data();
+    const int32_t count = chain.statistic_count();
+    for (int32_t k = 0; k < count; ++k) statistics[k] += sign * changes[static_cast<size_t>(k)];
+}
+
+// With the bookkeeping check compiled in, every accepted step recounts the store and the
+// statistics, so a fault shows at the step that made it.
+template <class Store>
+void check_after_step([[maybe_unused]] Chain<Store>& chain) {
+#ifdef VEXA_CHECK_BOOKKEEPING
+    const std::string fault = check_bookkeeping(*chain.store);
+    if (!fault.empty()) throw VexaError("vexa: store bookkeeping fault: " + fault);
+    std::vector<double> recounted(chain.statistics.size(), 0.0);
+    compute_totals(*chain.store, *chain.terms, chain.workspace, recounted);
+    for (const Term<Store>& term : *chain.terms) {
+        if (!term.carried) continue;
+        const size_t slot = static_cast<size_t>(term.slot);
+        const double kept = chain.statistics[slot];
+        if (std::fabs(kept - recounted[slot]) > 1e-6 * (1.0 + std::fabs(kept))) {
+            throw VexaError(
+                format_message("vexa: statistic %d drifted: %.9g carried, %.9g recounted",
+                               term.slot, kept, recounted[slot]));
+        }
+    }
+#endif
+}
+
+inline bool allowed(const SamplerSettings& settings, int i, int j) {
+    return settings.mask == nullptr || settings.mask->allows(i, j);
+}
+
+// Whether the caps forbid adding (i, j). A graph refuses a tie at a node whose degree has
+// reached the cap; a digraph refuses an arc from a node at the out-degree cap or to one at the
+// in-degree cap, the caps tested for equality (fixed-choice designs cap nominations exactly).
+template <class Store>
+bool addition_capped(const Store& store, const SamplerSettings& settings, int i, int j) {
+    if constexpr (Store::kind == NetworkKind::graph) {
+        return store.degree[static_cast<size_t>(i)] >= settings.max_degree ||
+               store.degree[static_cast<size_t>(j)] >= settings.max_degree;
+    } else {
+        return store.out_degree(i) == settings.max_degree ||
+               store.in_degree(j) == settings.max_in_degree;
+    }
+}
+
+}  // namespace chain_detail
+
+// One toggle of one dyad; 1 when accepted.
+template <class Store>
+int toggle_step(Chain<Store>& chain, const double* parameters) {
+    Store& store = *chain.store;
+    Rng& rng = *chain.rng;
+    const int n = store.node_count;
+    int i = rng.node(n);
+    int j = i;
+    if (chain.settings.mask == nullptr) {
+        while (j == i) j = rng.node(n);
+    } else {
+        while (j == i || !chain.settings.mask->allows(i, j)) {
+            i = rng.node(n);
+            j = rng.node(n);
+        }
+    }
+    const std::vector<Term<Store>>& terms = *chain.terms;
+    double* changes = chain.change_vector.data();
+    if (!has_tie(store, i, j)) {
+        if (chain_detail::addition_capped(store, chain.settings, i, j)) return 0;
+        const double s =
+            change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
+        if (rng.unit() > std::exp(s)) return 0;
+        chain_detail::add_changes(chain, chain.change_vector, 1.0);
+        add_tie(store, i, j);
+        update_after_toggle(store, i, j, 1);
+        chain_detail::check_after_step(chain);
+        return 1;
+    }
+    remove_tie(store, i, j);
+    const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 0);
+    if (rng.unit() > std::exp(-s)) {
+        add_tie(store, i, j);  // the pair counts never changed
+        return 0;
+    }
+    chain_detail::add_changes(chain, chain.change_vector, -1.0);
+    update_after_toggle(store, i, j, 0);
+    chain_detail::check_after_step(chain);
+    return 1;
+}
+
+// One move of a tie to a non-tie, keeping the number of ties; 1 when accepted.
+template <class Store>
+int swap_step(Chain<Store>& chain, const double* parameters) {
+    Store& store = *chain.store;
+    if (tie_count(store) < 2) return 0;
+    Rng& rng = *chain.rng;
+    const SamplerSettings& settings = chain.settings;
+    const int n = store.node_count;
+    int a = 0, b = 0, e = 0, f = 0;
+    while (true) {
+        if (settings.mask == nullptr) {
+            a = rng.node(n);
+            e = rng.node(n);
+            b = rng.node(n);
+            f = rng.node(n);
+        } else {
+            b = rng.node(n);
+            f = rng.node(n);
+            a = rng.node(n);
+            e = rng.node(n);
+        }
+        if (a == b || e == f) continue;
+        if (has_tie(store, a, b) == has_tie(store, e, f)) continue;
+        if (settings.mask != nullptr &&
+            (!chain_detail::allowed(settings, a, b) || !chain_detail::allowed(settings, e, f))) {
+            continue;
+        }
+        break;
+    }
+    // (r, s) is the tie to move, (t, w) the non-tie it moves to.
+    int r = a, s = b, t = e, w = f;
+    if (!has_tie(store, a, b)) {
+        r = e;
+        s = f;
+        t = a;
+        w = b;
+    }
+    const std::vector<Term<Store>>& terms = *chain.terms;
+    remove_tie(store, r, s);
+    const double s_remove = change_statistics(store, terms, chain.workspace, parameters,
+                                              chain.removal_changes.data(), r, s, 0);
+    update_after_toggle(store, r, s, 0);
+    const double s_add = change_statistics(store, terms, chain.workspace, parameters,
+                                           chain.addition_changes.data(), t, w, 1);
+    const double p = std::exp(s_add - s_remove);
+    const double u = rng.unit();
+    const bool rejected = Store::kind == NetworkKind::graph ? u > p : !(u < p);
+    if (rejected) {
+        add_tie(store, r, s);
+        update_after_toggle(store, r, s, 1);
+        return 0;
+    }
+    double* statistics = chain.statistics.data();
+    for (int32_t k = 0; k < chain.statistic_count(); ++k) {
+        statistics[k] += chain.addition_changes[static_cast<size_t>(k)] -
+                         chain.removal_changes[static_cast<size_t>(k)];
+    }
+    add_tie(store, t, w);
+    update_after_toggle(store, t, w, 1);
+    chain_detail::check_after_step(chain);
+    return 1;
+}
+
+// One tie/no-tie proposal; 1 when accepted. Half the time it proposes removing a tie drawn
+// uniformly from the present ones, otherwise toggling a dyad drawn uniformly; sparse networks
+// then see removals as often as additions, where a plain toggle proposes almost only
+// additions, most of them refused. The acceptance ratio carries q(back) / q(forth), so the
+// chain keeps the same stationary distribution as the toggle.
+template <class Store>
+int tie_no_tie_step(Chain<Store>& chain, const double* parameters) {
+    Store& store = *chain.store;
+    Rng& rng = *chain.rng;
+    const double ties = static_cast<double>(chain.ties.size());
+    const double dyads = chain.allowed_dyads;
+    int i = 0;
+    int j = 0;
+    if (ties > 0.0 && rng.next() < 16384) {
+        const uint64_t key = chain.ties.at(static_cast<size_t>(rng.wide()) % chain.ties.size());
+        i = TieList::first(key);
+        j = TieList::second(key);
+    } else {
+        const int n = store.node_count;
+        i = rng.node(n);
+        j = i;
+        if (chain.settings.mask == nullptr) {
+            while (j == i) j = rng.node(n);
+        } else {
+            while (j == i || !chain.settings.mask->allows(i, j)) {
+                i = rng.node(n);
+                j = rng.node(n);
+            }
+        }
+    }
+    const std::vector<Term<Store>>& terms = *chain.terms;
+    double* changes = chain.change_vector.data();
+    if (!has_tie(store, i, j)) {
+        if (chain_detail::addition_capped(store, chain.settings, i, j)) return 0;
+        const double s =
+            change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
+        const double forth = (ties > 0.0 ? 0.5 : 1.0) / dyads;
+        const double back = 0.5 / (ties + 1.0) + 0.5 / dyads;
+        if (rng.unit() > std::exp(s) * back / forth) return 0;
+        chain_detail::add_changes(chain, chain.change_vector, 1.0);
+        add_tie(store, i, j);
+        update_after_toggle(store, i, j, 1);
+        chain.ties.add(dyad_key<Store>(i, j));
+        chain_detail::check_after_step(chain);
+        return 1;
+    }
+    remove_tie(store, i, j);
+    const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 0);
+    const double forth = 0.5 / ties + 0.5 / dyads;
+    const double back = (ties > 1.0 ? 0.5 : 1.0) / dyads;
+    if (rng.unit() > std::exp(-s) * back / forth) {
+        add_tie(store, i, j);  // the pair counts never changed
+        return 0;
+    }
+    chain_detail::add_changes(chain, chain.change_vector, -1.0);
+    update_after_toggle(store, i, j, 0);
+    chain.ties.remove(dyad_key<Store>(i, j));
+    chain_detail::check_after_step(chain);
+    return 1;
+}
+
+// The step the chain's sampler variant selects.
+template <class Store>
+inline int step(Chain<Store>& chain, const double* parameters) {
+    if (chain.settings.variant == 1) return swap_step(chain, parameters);
+    if (chain.settings.variant == tie_no_tie_variant) return tie_no_tie_step(chain, parameters);
+    return toggle_step(chain, parameters);
+}
+
+// Runs ceil(steps) steps (none for 0 or less): a counter starts at 0.0 and a step is taken
+// while it is below `steps`.
+template <class Store>
+void run_steps(Chain<Store>& chain, const double* parameters, double steps) {
+    for (double k = 0.0; k < steps; k += 1.0) step(chain, parameters);
+}
+
+// Reseeds the generator, then runs the steps.
+template <class Store>
+void run_sampler(Chain<Store>& chain, const double* parameters, double steps, SeedSource& seeds) {
+    seeds.reseed(*chain.rng);
+    run_steps(chain, parameters, steps);
+}
+
+// Throws SettingError when the chain could never find a proposal: fewer than two nodes, a
+// mask that allows no dyad, or a count-preserving move whose allowed dyads are all ties or
+// all non-ties. Call once before running steps.
+template <class Store>
+void check_proposals_possible(const Store& store, const SamplerSettings& settings) {
+    const int n = store.node_count;
+    if (n < 2) {
+        throw SettingError(format_message("vexa: a network of %d node has no dyad to sample", n));
+    }
+    const DyadMask* mask = settings.mask;
+    if (mask != nullptr && mask->allowed_count == 0) {
+        throw SettingError("vexa: the constraint network has no ties, so no dyad may change");
+    }
+    if (settings.variant != 1) return;
+    // The count-preserving move needs an allowed tie and an allowed non-tie; moves within
+    // the allowed dyads keep both numbers, so one check before the chain suffices.
+    long long allowed_ties = 0;
+    long long allowed_dyads = 0;
+    constexpr bool directed = Store::kind != NetworkKind::graph;
+    if (mask != nullptr) {
+        allowed_dyads = mask->allowed_count;
+        for (int a = 0; a < n; ++a) {
+            const uint64_t* row = mask->row(a);
+            for (int w = 0; w < mask->row_words; ++w) {
+                for (uint64_t bits = row[w]; bits != 0; bits &= bits - 1) {
+                    const int b = w * 64 + std::countr_zero(bits);
+                    if ((directed || b > a) && has_tie(store, a, b)) ++allowed_ties;
+                }
+            }
+        }
+    } else {
+        allowed_dyads = static_cast<long long>(n) * (n - 1) / (directed ? 1 : 2);
+        allowed_ties = tie_count(store);
+    }
+    if (tie_count(store) >= 2 && (allowed_ties == 0 || allowed_ties == allowed_dyads)) {
+        throw SettingError(
+            "vexa: the edge-preserving sampler cannot move a tie: every dyad it may change is "
+            "already a tie, or none is");
+    }
+}
+
+}  // namespace vexa
