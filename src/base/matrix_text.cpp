@@ -88,8 +88,9 @@ void read_matrix_file(const std::string& path, const char* what, int n,
     }
     if (count < needed) {
         throw InputFileError(
-            format_message("vexa: %s file '%s' holds %lld values; a %d x %d matrix needs %lld",
-                           what, path.c_str(), count, n, n, needed));
+            format_message("vexa: %s file '%s' ends in row %lld: it holds %lld values; a %d x %d "
+                           "matrix needs %lld",
+                           what, path.c_str(), count / n + 1, count, n, n, needed));
     }
 }
 

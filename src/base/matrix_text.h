@@ -12,7 +12,8 @@ namespace vexa {
 // Reads exactly n x n numbers from the file and calls cell(row, column, value) for each, in
 // row order. `what` names the file in messages ("network", "constraint"). Throws
 // InputFileError when the file cannot be opened, when a value is not a number (naming its
-// row and column, from 1), or when the file holds fewer or more than n x n values.
+// row and column, from 1), or when the file holds fewer (naming the row where it ends) or more
+// than n x n values.
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell);
 

@@ -1,0 +1,355 @@
+#include "network/digraph.h"
+
+#include <algorithm>
+#include <cstring>
+#include <tuple>
+
+#include "base/errors.h"
+#include "base/matrix_text.h"
+#include "numeric/rng.h"
+
+#if defined(__unix__)
+#include <unistd.h>
+#endif
+
+namespace vexa {
+
+namespace {
+
+size_t as_size(int64_t value) { return static_cast<size_t>(value); }
+
+// Bytes a store of n nodes holds: the three n x n 16-bit matrices dominate, then the two bit
+// matrices and the per-node arrays (the neighbour lists of a sparse network are small).
+double store_bytes(int n) {
+    const double nodes = n;
+    const int64_t row_bytes = (int64_t{n} + 63) / 64 * 8;
+    return 6.0 * nodes * nodes + 2.0 * nodes * static_cast<double>(row_bytes) + 40.0 * nodes;
+}
+
+double physical_memory_bytes() {
+#if defined(__unix__)
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_size = sysconf(_SC_PAGESIZE);
+    if (pages > 0 && page_size > 0)
+        return static_cast<double>(pages) * static_cast<double>(page_size);
+#endif
+    return 0.0;  // unknown: do not refuse
+}
+
+// Moves one node from histogram[old_value] to histogram[new_value].
+inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
+    histogram[as_size(new_value)] += 1;
+    histogram[as_size(old_value)] -= 1;
+}
+
+inline void set_bit(std::vector<uint64_t>& rows, int32_t row_words, int row, int b) {
+    rows[as_size(row) * as_size(row_words) + as_size(b >> 6)] |= uint64_t{1} << (b & 63);
+}
+inline void clear_bit(std::vector<uint64_t>& rows, int32_t row_words, int row, int b) {
+    rows[as_size(row) * as_size(row_words) + as_size(b >> 6)] &= ~(uint64_t{1} << (b & 63));
+}
+
+// Room for n - 1 entries a node: the widest the rows can ever spread.
+size_t list_room(int n) { return n >= 1 ? as_size(n) * as_size(n - 1) : 0; }
+
+// Spreads the rows to twice their stride (n - 1 at most), moving them from the last row down
+// so that no row is overwritten before it has moved. `lengths` are the list lengths.
+void widen(NeighbourLists& lists, const std::vector<int32_t>& lengths) {
+    const size_t n = as_size(lists.node_count);
+    const size_t old_stride = as_size(lists.stride);
+    const size_t new_stride = std::min(2 * old_stride, n - 1);
+    lists.entries.resize(n * new_stride);  // within the reserved room: no reallocation
+    int32_t* base = lists.entries.data();
+    for (size_t v = n - 1; v >= 1; --v) {
+        std::memmove(base + v * new_stride, base + v * old_stride,
+                     as_size(lengths[v]) * sizeof(int32_t));
+    }
+    lists.stride = static_cast<int32_t>(new_stride);
+}
+
+// Appends v to the list of `owner`, widening the rows first when that list is full.
+inline void append(NeighbourLists& lists, std::vector<int32_t>& lengths, int owner, int v) {
+    if (lengths[as_size(owner)] == lists.stride) widen(lists, lengths);
+    lists.row(owner)[lengths[as_size(owner)]] = v;
+}
+
+// Removes v from a list of `length` entries by moving the last entry into its place.
+inline void forget(int32_t* list, int32_t length, int v) {
+    for (int32_t k = 0; k < length; ++k) {
+        if (list[k] == v) {
+            list[k] = list[length - 1];
+            return;
+        }
+    }
+}
+
+// Adds delta (1, or 0xffff for -1) modulo 2^16 to one counter.
+inline void bump(uint16_t* matrix, size_t index, uint16_t delta) {
+    matrix[index] = static_cast<uint16_t>(matrix[index] + delta);
+}
+
+}  // namespace
+
+NeighbourLists::NeighbourLists(int n) : node_count(n), stride(std::min(n - 1, 16)) {
+    entries.reserve(list_room(n));
+    entries.resize(as_size(n) * as_size(stride));
+}
+
+NeighbourLists::NeighbourLists(const NeighbourLists& other)
+    : node_count(other.node_count), stride(other.stride) {
+    entries.reserve(list_room(node_count));
+    entries.assign(other.entries.begin(), other.entries.end());
+}
+
+NeighbourLists& NeighbourLists::operator=(const NeighbourLists& other) {
+    if (this == &other) return *this;
+    node_count = other.node_count;
+    stride = other.stride;
+    if (entries.capacity() < list_room(node_count)) {
+        entries.clear();
+        entries.shrink_to_fit();
+        entries.reserve(list_room(node_count));
+    }
+    entries.assign(other.entries.begin(), other.entries.end());
+    return *this;
+}
+
+Digraph create_digraph(int n) {
+    if (n < 1) {
+        throw SettingError(
+            format_message("vexa: a network needs at least one node (node count %d)", n));
+    }
+    if (n > max_digraph_nodes) {
+        throw SettingError(
+            format_message("vexa: a digraph of %d nodes is too large: its two-path counts could "
+                           "pass 65,535 (at most "
+                           "%d nodes)",
+                           n, max_digraph_nodes));
+    }
+    const double needed = store_bytes(n);
+    const double available = physical_memory_bytes();
+    if (available > 0.0 && needed > available) {
+        throw SettingError(format_message(
+            "vexa: a digraph of %d nodes needs %.1f GB of memory, more than this machine's %.1f GB",
+            n, needed / 1e9, available / 1e9));
+    }
+    Digraph d;
+    const size_t nodes = as_size(n);
+    d.node_count = n;
+    d.row_words = (n + 63) / 64;
+    d.out_rows.assign(nodes * as_size(d.row_words), 0);
+    d.in_rows.assign(nodes * as_size(d.row_words), 0);
+    d.in_degree_values.assign(nodes, 0);
+    d.out_degree_values.assign(nodes, 0);
+    d.mutual_degree_values.assign(nodes, 0);
+    d.in_degree_histogram.assign(nodes, 0);
+    d.out_degree_histogram.assign(nodes, 0);
+    d.in_degree_histogram[0] = n;
+    d.out_degree_histogram[0] = n;
+    d.out_lists = NeighbourLists(n);
+    d.in_lists = NeighbourLists(n);
+    d.common_receivers.assign(nodes * nodes, 0);
+    d.common_senders.assign(nodes * nodes, 0);
+    d.two_paths.assign(nodes * nodes, 0);
+    return d;
+}
+
+void add_arc(Digraph& d, int i, int j) {
+    if (d.has_arc(i, j)) return;
+    append(d.out_lists, d.out_degree_values, i, j);
+    append(d.in_lists, d.in_degree_values, j, i);
+    set_bit(d.out_rows, d.row_words, i, j);
+    set_bit(d.in_rows, d.row_words, j, i);
+    d.arc_count += 1;
+    if (d.has_arc(j, i)) {
+        d.mutual_count += 1;
+        d.mutual_degree_values[as_size(i)] += 1;
+        d.mutual_degree_values[as_size(j)] += 1;
+    }
+    const int32_t out = ++d.out_degree_values[as_size(i)];
+    move_count(d.out_degree_histogram, out - 1, out);
+    const int32_t in = ++d.in_degree_values[as_size(j)];
+    move_count(d.in_degree_histogram, in - 1, in);
+}
+
+void remove_arc(Digraph& d, int i, int j) {
+    if (!d.has_arc(i, j)) return;
+    forget(d.out_lists.row(i), d.out_degree(i), j);
+    forget(d.in_lists.row(j), d.in_degree(j), i);
+    clear_bit(d.out_rows, d.row_words, i, j);
+    clear_bit(d.in_rows, d.row_words, j, i);
+    d.arc_count -= 1;
+    if (d.has_arc(j, i)) {
+        d.mutual_count -= 1;
+        d.mutual_degree_values[as_size(i)] -= 1;
+        d.mutual_degree_values[as_size(j)] -= 1;
+    }
+    const int32_t out = --d.out_degree_values[as_size(i)];
+    move_count(d.out_degree_histogram, out + 1, out);
+    const int32_t in = --d.in_degree_values[as_size(j)];
+    move_count(d.in_degree_histogram, in + 1, in);
+}
+
+void update_two_paths(Digraph& d, int i, int j, int added) {
+    const uint16_t delta = added == 1 ? uint16_t{1} : uint16_t{0xffff};
+    const size_t n = as_size(d.node_count);
+    const size_t row_i = as_size(i) * n;
+    const size_t row_j = as_size(j) * n;
+    uint16_t* senders = d.common_senders.data();
+    uint16_t* receivers = d.common_receivers.data();
+    uint16_t* paths = d.two_paths.data();
+    // i is now (or no longer) a common sender of j and each other receiver k of i.
+    for (const int32_t k : d.out_neighbours(i)) {
+        if (k == j) continue;
+        bump(senders, as_size(k) * n + as_size(j), delta);
+        bump(senders, row_j + as_size(k), delta);
+    }
+    // j is a common receiver of i and each other sender k of j.
+    for (const int32_t k : d.in_neighbours(j)) {
+        if (k == i) continue;
+        bump(receivers, as_size(k) * n + as_size(i), delta);
+        bump(receivers, row_i + as_size(k), delta);
+    }
+    // The paths k->i->j and i->j->k.
+    for (const int32_t k : d.in_neighbours(i)) {
+        if (k != j) bump(paths, as_size(k) * n + as_size(j), delta);
+    }
+    for (const int32_t k : d.out_neighbours(j)) {
+        if (k != i) bump(paths, row_i + as_size(k), delta);
+    }
+}
+
+Digraph read_digraph(const std::string& path, int n) {
+    Digraph d = create_digraph(n);
+    read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        if (a != b && value == 1.0) {
+            add_arc(d, a, b);
+            update_two_paths(d, a, b, 1);
+        }
+    });
+    return d;
+}
+
+Digraph random_digraph_by_count(int n, int64_t arc_target, Rng& rng, SeedSource& seeds) {
+    const int64_t pairs = int64_t{n} * (int64_t{n} - 1);
+    if (arc_target < 0 || arc_target > pairs) {
+        throw SettingError(
+            format_message("vexa: a random start with %lld arcs is impossible: %d nodes have only "
+                           "%lld ordered pairs",
+                           static_cast<long long>(arc_target), n,
+                           static_cast<long long>(std::max<int64_t>(pairs, 0))));
+    }
+    Digraph d = create_digraph(n);
+    seeds.reseed(rng);
+    while (d.arc_count < arc_target) {
+        const int i = rng.node(n);
+        const int j = rng.node(n);
+        if (i != j && !d.has_arc(i, j)) {
+            add_arc(d, i, j);
+            update_two_paths(d, i, j, 1);
+        }
+    }
+    return d;
+}
+
+Digraph random_digraph_by_density(int n, float p, Rng& rng, SeedSource& seeds) {
+    Digraph d = create_digraph(n);
+    seeds.reseed(rng);
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j < n; ++j) {
+            if (j == i) continue;
+            const float r = static_cast<float>(rng.unit());
+            if (p >= r) {
+                add_arc(d, i, j);
+                update_two_paths(d, i, j, 1);
+            }
+        }
+    }
+    return d;
+}
+
+double density(const Digraph& d) {
+    if (d.node_count < 2) return 0.0;
+    const double n = d.node_count;
+    return d.arc_count / n / (n - 1.0);
+}
+
+double mean_degree(const Digraph& d) { return static_cast<double>(d.arc_count) / d.node_count; }
+
+std::string check_bookkeeping(const Digraph& d) {
+    const int n = d.node_count;
+    const int words = d.row_words;
+    std::vector<int32_t> in_histogram(as_size(n), 0), out_histogram(as_size(n), 0);
+    int64_t arcs = 0, mutual_ends = 0;
+    for (int a = 0; a < n; ++a) {
+        if (d.has_arc(a, a)) return format_message("node %d has a loop", a);
+        int32_t out = 0, in = 0, mutual = 0;
+        for (int w = 0; w < words; ++w) {
+            const uint64_t sent = d.out_row(a)[w];
+            const uint64_t received = d.in_row(a)[w];
+            const int first_outside = n - w * 64;  // bits at or above this are not nodes
+            if (first_outside < 64 && ((sent | received) >> first_outside) != 0) {
+                return format_message("row %d has bits beyond the last node", a);
+            }
+            out += std::popcount(sent);
+            in += std::popcount(received);
+            mutual += std::popcount(sent & received);
+        }
+        for (int b = 0; b < n; ++b) {
+            if (bit_of(d.in_row(b), a) != d.has_arc(a, b)) {
+                return format_message("in rows disagree with out rows at arc %d->%d", a, b);
+            }
+        }
+        if (out != d.out_degree(a) || in != d.in_degree(a) || mutual != d.mutual_degree(a)) {
+            return format_message("degrees of node %d are out %d in %d mutual %d, recount %d %d %d",
+                                  a, d.out_degree(a), d.in_degree(a), d.mutual_degree(a), out, in,
+                                  mutual);
+        }
+        out_histogram[as_size(out)] += 1;
+        in_histogram[as_size(in)] += 1;
+        arcs += out;
+        mutual_ends += mutual;
+        for (const auto& [list, row, what] :
+             {std::tuple{d.out_neighbours(a), d.out_row(a), "receiver"},
+              std::tuple{d.in_neighbours(a), d.in_row(a), "sender"}}) {
+            std::vector<int32_t> sorted(list.begin(), list.end());
+            std::sort(sorted.begin(), sorted.end());
+            for (size_t k = 0; k < sorted.size(); ++k) {
+                if (!bit_of(row, sorted[k]) || (k > 0 && sorted[k] == sorted[k - 1])) {
+                    return format_message("node %d lists %s %d wrongly", a, what, sorted[k]);
+                }
+            }
+        }
+    }
+    if (out_histogram != d.out_degree_histogram)
+        return "out-degree histogram disagrees with a recount";
+    if (in_histogram != d.in_degree_histogram)
+        return "in-degree histogram disagrees with a recount";
+    if (arcs != d.arc_count || mutual_ends != 2 * int64_t{d.mutual_count}) {
+        return format_message("arc count %d and mutual count %d, recount %lld and %lld",
+                              d.arc_count, d.mutual_count, static_cast<long long>(arcs),
+                              static_cast<long long>(mutual_ends / 2));
+    }
+    for (int a = 0; a < n; ++a) {
+        for (int b = 0; b < n; ++b) {
+            if (a == b) continue;
+            int32_t paths = 0, senders = 0, receivers = 0;
+            for (int w = 0; w < words; ++w) {
+                paths += std::popcount(d.out_row(a)[w] & d.in_row(b)[w]);
+                senders += std::popcount(d.in_row(a)[w] & d.in_row(b)[w]);
+                receivers += std::popcount(d.out_row(a)[w] & d.out_row(b)[w]);
+            }
+            if (paths != d.paths(a, b) || senders != d.senders(a, b) ||
+                receivers != d.receivers(a, b)) {
+                return format_message(
+                    "pair %d, %d holds two-paths %d, common senders %d, common receivers %d; "
+                    "recount %d %d %d",
+                    a, b, d.paths(a, b), d.senders(a, b), d.receivers(a, b), paths, senders,
+                    receivers);
+            }
+        }
+    }
+    return {};
+}
+
+}  // namespace vexa
