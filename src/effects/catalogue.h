@@ -36,6 +36,32 @@ std::span<const EffectRow<Store>> structural_rows();
 template <class Store>
 std::span<const EffectRow<Store>> attribute_rows(AttributeKind which);
 
+// The term of a row as a run builds it: a lambda of 0 takes the row's default, and an
+// alternating row gets its weight table. `index` is the row's place in its catalogue.
+template <class Store>
+Term<Store> term_of(const EffectRow<Store>& row, size_t index, int32_t slot, float lambda) {
+    Term<Store> term;
+    term.row = static_cast<int32_t>(index);
+    term.slot = slot;
+    term.variant = row.about.variant;
+    term.carried = row.about.carried;
+    term.clique_order = row.about.clique_order;
+    term.change = row.change;
+    term.total = row.total;
+    if (row.about.alternating()) {
+        term.lambda = lambda == 0.0f ? row.about.lambda_default : lambda;
+        term.weights = weight_table(term.lambda);
+    }
+    return term;
+}
+
+// The term of a structural row of the store type's catalogue.
+template <class Store>
+Term<Store> structural_term(int row, int32_t slot, float lambda = 0.0f) {
+    return term_of(structural_rows<Store>()[static_cast<size_t>(row)], static_cast<size_t>(row),
+                   slot, lambda);
+}
+
 // The descriptions of a row table, computed at compile time, so that the labels and the
 // functions of an effect stand in one row.
 template <class Store, std::size_t N>

@@ -14,25 +14,13 @@
 
 namespace vexa {
 
+// A row without functions is one this version cannot evaluate.
 template <class Store>
-Term<Store> term_of(const EffectRow<Store>& row, size_t index, int32_t slot, float lambda) {
+void check_available(const EffectRow<Store>& row) {
     if (row.change == nullptr || row.total == nullptr) {
         throw SettingError(format_message("vexa: the effect '%s' is not available in this version",
                                           row.about.labels.report_name));
     }
-    Term<Store> term;
-    term.row = static_cast<int32_t>(index);
-    term.slot = slot;
-    term.variant = row.about.variant;
-    term.carried = row.about.carried;
-    term.clique_order = row.about.clique_order;
-    term.change = row.change;
-    term.total = row.total;
-    if (row.about.alternating()) {
-        term.lambda = lambda;
-        term.weights = weight_table(lambda);
-    }
-    return term;
 }
 
 // Throws SettingError when the model is of another network kind than the store, or includes
@@ -47,12 +35,14 @@ std::vector<Term<Store>> make_terms(const Model& model) {
     for (size_t k = 0; k < rows.size() && k < model.structural.size(); ++k) {
         const EffectSetting& setting = model.structural[k];
         if (setting.slot == -1) continue;
+        check_available(rows[k]);
         terms.push_back(term_of(rows[k], k, setting.slot, effective_lambda(model, k)));
     }
     int32_t position = model.structural_included;
     for_each_included_attribute_effect(
         model, [&](AttributeKind kind, int32_t effect, int32_t attribute) {
             const EffectRow<Store>& row = attribute_rows<Store>(kind)[static_cast<size_t>(effect)];
+            check_available(row);
             Term<Store> term = term_of(row, static_cast<size_t>(effect), position++, 0.0f);
             const AttributeSection& section = model.section(kind);
             const auto a = static_cast<size_t>(attribute);

@@ -5,14 +5,17 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "effects/combiner.h"
 #include "effects/graph/graph_catalogue.h"
 #include "model/model.h"
 #include "model/terms.h"
+#include "network/digraph.h"
 #include "network/graph.h"
 #include "support/brute_force.h"
+#include "support/digraph_brute_force.h"
 
 namespace vexa::testing {
 
@@ -24,8 +27,21 @@ struct KindFixture<Graph> {
     using Matrix = AdjacencyMatrix;
     using Counts = BruteCounts;
 
-    static Matrix random(int n, double density, uint32_t seed) {
-        return random_matrix(n, density, seed);
+    // Seeded random graphs of several densities (fewer dense ones at 30 nodes, which would hold
+    // too many cliques for the recount), each with a name for failure messages.
+    static std::vector<std::pair<Matrix, std::string>> networks(int n) {
+        std::vector<double> densities{0.1, 0.3, 0.6, 0.9};
+        if (n <= 2) densities = {0.0, 1.0};
+        if (n >= 30) densities = {0.1, 0.3, 0.6};
+        std::vector<std::pair<Matrix, std::string>> out;
+        for (const double density : densities) {
+            for (const uint32_t seed : {11u, 29u}) {
+                out.emplace_back(random_matrix(n, density, seed + static_cast<uint32_t>(n)),
+                                 "n " + std::to_string(n) + ", density " + std::to_string(density) +
+                                     ", seed " + std::to_string(seed));
+            }
+        }
+        return out;
     }
     static Graph build(const Matrix& matrix) { return graph_from(matrix); }
     static Matrix adjacency(const Graph& graph) { return adjacency_of(graph); }
@@ -45,6 +61,46 @@ struct KindFixture<Graph> {
             }
         }
         return out;
+    }
+};
+
+template <>
+struct KindFixture<Digraph> {
+    using Matrix = ArcMatrix;
+    using Counts = DigraphCounts;
+
+    // Seeded random digraphs from empty to complete, with no mutual dyads to all mutual.
+    static std::vector<std::pair<Matrix, std::string>> networks(int n) {
+        std::vector<std::pair<double, double>> kinds{
+            {0.1, 0.0}, {0.3, 0.5}, {0.3, 1.0}, {0.6, 0.2}, {0.9, 0.8}};
+        if (n <= 3) kinds = {{0.0, 0.0}, {0.5, 0.5}, {1.0, 0.0}, {1.0, 1.0}};
+        std::vector<std::pair<Matrix, std::string>> out;
+        for (const auto& [density, reciprocity] : kinds) {
+            const auto seed = static_cast<uint32_t>(n * 131 + static_cast<int>(density * 100) * 7 +
+                                                    static_cast<int>(reciprocity * 10));
+            out.emplace_back(random_arc_matrix(n, density, reciprocity, seed),
+                             "n " + std::to_string(n) + ", density " + std::to_string(density) +
+                                 ", reciprocity " + std::to_string(reciprocity));
+        }
+        return out;
+    }
+    static Digraph build(const Matrix& matrix) { return digraph_from(matrix); }
+    static Matrix adjacency(const Digraph& digraph) {
+        Matrix m(digraph.node_count);
+        for (int a = 0; a < m.n; ++a) {
+            for (int b = 0; b < m.n; ++b) m.set(a, b, digraph.has_arc(a, b));
+        }
+        return m;
+    }
+    static Counts count(const Matrix& matrix) { return digraph_counts(matrix); }
+    static double value(const Counts& counts, int row, double lambda) {
+        return digraph_value(counts, static_cast<DigraphEffect>(row), lambda);
+    }
+    // Ordered pairs i != j.
+    static bool directed() { return true; }
+    static bool tied(const Matrix& matrix, int i, int j) { return matrix(i, j); }
+    static Matrix relabel(const Matrix& matrix, const std::vector<int>& to) {
+        return relabelled(matrix, to);
     }
 };
 

@@ -113,21 +113,4 @@ std::span<const EffectRow<Digraph>> structural_rows<Digraph>() {
     return rows;
 }
 
-Term<Digraph> digraph_term(DigraphEffect effect, int32_t slot, float lambda) {
-    const Row& row = rows[static_cast<size_t>(effect)];
-    Term<Digraph> term;
-    term.row = static_cast<int32_t>(effect);
-    term.slot = slot;
-    term.variant = row.about.variant;
-    term.carried = row.about.carried;
-    term.clique_order = row.about.clique_order;
-    if (row.about.alternating()) {
-        term.lambda = lambda == 0.0f ? row.about.lambda_default : lambda;
-        term.weights = weight_table(term.lambda);
-    }
-    term.change = row.change;
-    term.total = row.total;
-    return term;
-}
-
 }  // namespace vexa

@@ -69,9 +69,10 @@ inline constexpr int16_t two_path_u = 8;  // i->x and j->x: common receivers
 template <>
 std::span<const EffectRow<Digraph>> structural_rows<Digraph>();
 
-// A term of one row as a run builds it: a lambda of 0 takes the row's default, and an
-// alternating row gets its weight table.
-Term<Digraph> digraph_term(DigraphEffect effect, int32_t slot, float lambda = 0.0f);
+// A term of one row as a run builds it (see structural_term).
+inline Term<Digraph> digraph_term(DigraphEffect effect, int32_t slot, float lambda = 0.0f) {
+    return structural_term<Digraph>(static_cast<int>(effect), slot, lambda);
+}
 
 inline const EffectDescription& digraph_about(DigraphEffect effect) {
     return structural_catalogue(NetworkKind::digraph).rows[static_cast<size_t>(effect)];
