@@ -51,6 +51,16 @@ struct KindTraits<Graph> {
         std::unique_ptr<OutFile> degree, geodesic, quartiles, cluster, triangle, twopath, et0nt;
     };
 
+    // Goodness of fit of a graph writes no acceptance file of its own, but its end statistics.
+    static constexpr bool gof_writes_accept = false;
+    static constexpr bool gof_writes_end_statistics = true;
+    // What a graph's goodness of fit compares beyond the measures: nothing.
+    struct GofExtras {
+        explicit GofExtras(const Graph&) {}
+        void record(const Graph&) {}
+        void write(FILE*) const {}
+    };
+
     // The sample's matrix file and its Pajek block.
     static void write_sample_network(const Graph& graph, double sample, const OutputNames& names,
                                      const std::string& network_name);

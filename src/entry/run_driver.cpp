@@ -4,6 +4,7 @@
 #include <new>
 
 #include "base/errors.h"
+#include "entry/digraph_kind.h"
 #include "entry/graph_kind.h"
 #include "entry/run_file.h"
 #include "model/parameter_labels.h"
@@ -11,16 +12,6 @@
 namespace vexa {
 
 namespace {
-
-const char* task_name(int32_t task) {
-    switch (task) {
-        case 1: return "simulation";
-        case 2: return "estimation";
-        case 3: return "goodness of fit";
-        case 4: return "Bayesian goodness of fit";
-        default: return "unknown task";
-    }
-}
 
 // Attribute and covariate effects can be read, carried and written to the update files, but
 // their statistics are not built yet: refuse a model that includes one rather than fit it
@@ -59,13 +50,6 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
             run_file.c_str(), settings.task, settings.network_kind);
         return;
     }
-    if (settings.network_kind == 2) {
-        std::fprintf(context.console,
-                     "vexa: digraph runs are not available in this version; the %s in '%s' was "
-                     "read but not run\n",
-                     task_name(settings.task), run_file.c_str());
-        return;
-    }
     if (settings.task == 4) {
         std::fprintf(
             context.console,
@@ -75,7 +59,11 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
         return;
     }
     refuse_attribute_effects(context);
-    run_graph_task(context);
+    if (settings.network_kind == 2) {
+        run_digraph_task(context);
+    } else {
+        run_graph_task(context);
+    }
 }
 
 int run_entry(const char* run_file, const RunOptions& options) noexcept {

@@ -166,10 +166,18 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     OutFile statistics(names.sample_statistics + ".txt", OpenMode::truncate);
     write_sample_statistics_header(statistics, columns);
     typename Traits::SampleFiles files(working, s, names);
+    typename Traits::GofExtras extras(setup.observed);
+    std::unique_ptr<OutFile> accept;
+    if (Traits::gof_writes_accept) {
+        accept = std::make_unique<OutFile>(names.accept, OpenMode::truncate);
+        write_accept_heading(*accept, Store::kind);
+    }
     recount(chain);
 
-    const double accepted =
-        run_proposals(chain, parameters.data(), plan, context.progress, [&](double i, double) {
+    const double accepted = run_proposals(
+        chain, parameters.data(), plan, context.progress, [&](double i, double interval_accepted) {
+            if (accept) write_accept_row(*accept, i, interval_accepted / plan.interval);
+            extras.record(working);
             recount_uncarried(chain);
             write_sample_statistics_row(statistics, i, chain.statistics, columns);
             for (size_t k = 0; k < static_cast<size_t>(p); ++k)
@@ -185,11 +193,16 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
         });
     statistics.close();
     files.close();
+    if (accept) {
+        write_accepted_total(*accept, Store::kind, accepted);
+        accept->close();
+    }
 
     OutFile report(names.gof, OpenMode::append);
     write_gof_comparisons(report, Store::kind, accepted, plan.proposals,
                           parameter_labels(model, LabelStyle::gof), observed_statistics,
                           Traits::measure_names(), observed_measures.values, sample);
+    extras.write(report);
     write_gof_quartiles(report, observed_measures.quartiles, sample);
     report.close();
     const Mahalanobis distance = mahalanobis(sample.statistics, observed_statistics);
@@ -201,7 +214,9 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     OutFile tail(names.gof, OpenMode::append);
     write_gof_mahalanobis(tail, Store::kind, distance);
     tail.close();
-    write_statistics_file(names.end_statistics, model, working, setup.terms);
+    if (Traits::gof_writes_end_statistics) {
+        write_statistics_file(names.end_statistics, model, working, setup.terms);
+    }
 }
 
 template <class Store>

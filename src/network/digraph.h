@@ -189,4 +189,10 @@ void for_each_arc(const Digraph& digraph, Fn&& fn) {
     }
 }
 
+// The name the samplers use for every store.
+template <typename Fn>
+void for_each_tie(const Digraph& digraph, Fn&& fn) {
+    for_each_arc(digraph, fn);
+}
+
 }  // namespace vexa

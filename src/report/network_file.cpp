@@ -7,7 +7,12 @@
 
 namespace vexa {
 
-void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank) {
+namespace {
+
+// Both stores keep row i of their adjacency as bit words (a digraph's out rows), so one writer
+// serves both.
+template <class Store, class RowOf>
+void write_rows(FILE* out, const Store& graph, bool trailing_blank, RowOf&& row_of) {
     const int n = graph.node_count;
     if (n <= 0) return;
     // A large sample network has n^2 cells: format each row once in a buffer instead of one
@@ -19,7 +24,7 @@ void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank) {
             line[c] = '0';
             line[c + 1] = ' ';
         }
-        const uint64_t* words = graph.row(i);
+        const uint64_t* words = row_of(i);
         for (int w = 0; w < graph.row_words; ++w) {
             for_each_bit(words[w], w * 64, [&](int j) {
                 if (j < n) line[2 * static_cast<size_t>(j)] = '1';
@@ -36,13 +41,32 @@ void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank) {
     }
 }
 
+}  // namespace
+
+void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank) {
+    write_rows(out, graph, trailing_blank, [&](int i) { return graph.row(i); });
+}
+
+void write_adjacency_rows(FILE* out, const Digraph& digraph, bool trailing_blank) {
+    write_rows(out, digraph, trailing_blank, [&](int i) { return digraph.out_row(i); });
+}
+
 void write_network_matrix(FILE* out, const Graph& graph) {
     write_adjacency_rows(out, graph, false);
+}
+void write_network_matrix(FILE* out, const Digraph& digraph) {
+    write_adjacency_rows(out, digraph, false);
 }
 
 void write_network_file(const std::string& path, const Graph& graph) {
     OutFile file(path, OpenMode::truncate);
     write_network_matrix(file, graph);
+    file.close();
+}
+
+void write_network_file(const std::string& path, const Digraph& digraph) {
+    OutFile file(path, OpenMode::truncate);
+    write_network_matrix(file, digraph);
     file.close();
 }
 

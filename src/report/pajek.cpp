@@ -26,4 +26,20 @@ void write_pajek_block(const Graph& graph, const std::string& label, const std::
     file.close();
 }
 
+void write_pajek_block(const Digraph& digraph, const std::string& label, const std::string& path) {
+    {
+        OutFile file(path, OpenMode::append);
+        print(file, "Network %s\nvertices %d\nmatrix\n", label.c_str(), digraph.node_count);
+        file.close();
+    }
+    {
+        OutFile file(path, OpenMode::append);
+        write_adjacency_rows(file, digraph, true);
+        file.close();
+    }
+    OutFile file(path, OpenMode::append);
+    print(file, "\n");
+    file.close();
+}
+
 }  // namespace vexa

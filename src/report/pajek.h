@@ -3,12 +3,13 @@
 // matrices in the Pajek text format, so that they can be drawn. The engine never truncates
 // the file: blocks of earlier runs with the same name stay in front.
 //
-// Only the graph block is here; the digraph block (keywords without the asterisk, one closing
-// empty line) belongs beside the digraph store.
+// The digraph block has its keywords without the asterisk and closes with one empty line where
+// the graph block has two; both forms are kept as the front end knows them.
 
 #include <cstdio>
 #include <string>
 
+#include "network/digraph.h"
 #include "network/graph.h"
 
 namespace vexa {
@@ -21,5 +22,10 @@ void write_pajek_matrix(FILE* out, const Graph& graph);
 // a second empty line. The file is opened three times, for the heading, the matrix and the
 // closing line, and closed after each. Throws OutputFileError when it cannot be written.
 void write_pajek_block(const Graph& graph, const std::string& label, const std::string& path);
+
+// Appends one digraph block: "Network <label>", "vertices <n>", "matrix", the rows (row i the
+// arcs node i sends, every value followed by a blank) and one empty line. Opened three times,
+// like the graph block.
+void write_pajek_block(const Digraph& digraph, const std::string& label, const std::string& path);
 
 }  // namespace vexa

@@ -230,11 +230,61 @@ int tie_no_tie_step(Chain<Store>& chain, const double* parameters) {
     return 1;
 }
 
+// One move of an arc of a sender to another receiver, keeping every out-degree; 1 when
+// accepted (digraphs only). Fixed-choice designs, where each node names a set number of
+// others, condition on exactly these degrees.
+template <class Store>
+int receiver_move_step(Chain<Store>& chain, const double* parameters) {
+    Store& store = *chain.store;
+    Rng& rng = *chain.rng;
+    const SamplerSettings& settings = chain.settings;
+    const int n = store.node_count;
+    int s = 0, r1 = 0, r2 = 0;
+    while (true) {
+        s = rng.node(n);
+        r1 = rng.node(n);
+        r2 = rng.node(n);
+        if (store.out_degree(s) < 2 || s == r1 || s == r2 || r1 == r2) continue;
+        if (has_tie(store, s, r1) == has_tie(store, s, r2)) continue;
+        if (settings.mask != nullptr &&
+            (!chain_detail::allowed(settings, s, r1) || !chain_detail::allowed(settings, s, r2))) {
+            continue;
+        }
+        break;
+    }
+    const int old_receiver = has_tie(store, s, r1) ? r1 : r2;
+    const int new_receiver = old_receiver == r1 ? r2 : r1;
+    const std::vector<Term<Store>>& terms = *chain.terms;
+    remove_tie(store, s, old_receiver);
+    const double s1 = change_statistics(store, terms, chain.workspace, parameters,
+                                        chain.removal_changes.data(), s, old_receiver, 0);
+    update_after_toggle(store, s, old_receiver, 0);
+    const double s2 = change_statistics(store, terms, chain.workspace, parameters,
+                                        chain.addition_changes.data(), s, new_receiver, 1);
+    if (!(rng.unit() < std::exp(s2 - s1))) {
+        add_tie(store, s, old_receiver);
+        update_after_toggle(store, s, old_receiver, 1);
+        return 0;
+    }
+    double* statistics = chain.statistics.data();
+    for (int32_t k = 0; k < chain.statistic_count(); ++k) {
+        statistics[k] += chain.addition_changes[static_cast<size_t>(k)] -
+                         chain.removal_changes[static_cast<size_t>(k)];
+    }
+    add_tie(store, s, new_receiver);
+    update_after_toggle(store, s, new_receiver, 1);
+    chain_detail::check_after_step(chain);
+    return 1;
+}
+
 // The step the chain's sampler variant selects.
 template <class Store>
 inline int step(Chain<Store>& chain, const double* parameters) {
     if (chain.settings.variant == 1) return swap_step(chain, parameters);
     if (chain.settings.variant == tie_no_tie_variant) return tie_no_tie_step(chain, parameters);
+    if constexpr (Store::kind == NetworkKind::digraph) {
+        if (chain.settings.variant == 2) return receiver_move_step(chain, parameters);
+    }
     return toggle_step(chain, parameters);
 }
 
@@ -265,12 +315,30 @@ void check_proposals_possible(const Store& store, const SamplerSettings& setting
     if (mask != nullptr && mask->allowed_count == 0) {
         throw SettingError("vexa: the constraint network has no ties, so no dyad may change");
     }
+    constexpr bool directed = Store::kind != NetworkKind::graph;
+    if constexpr (directed) {
+        if (settings.variant == 2) {
+            // A sender with two or more arcs and a receiver it could move one to; moves keep
+            // every out-degree, so one check before the chain suffices.
+            for (int s = 0; s < n; ++s) {
+                if (store.out_degree(s) < 2) continue;
+                bool tied = false, free = false;
+                for (int r = 0; r < n && !(tied && free); ++r) {
+                    if (r == s || (mask != nullptr && !mask->allows(s, r))) continue;
+                    (has_tie(store, s, r) ? tied : free) = true;
+                }
+                if (tied && free) return;
+            }
+            throw SettingError(
+                "vexa: the out-degree-preserving sampler cannot move an arc: no node sends two or "
+                "more arcs and has a receiver it could move one to");
+        }
+    }
     if (settings.variant != 1) return;
     // The count-preserving move needs an allowed tie and an allowed non-tie; moves within
     // the allowed dyads keep both numbers, so one check before the chain suffices.
     long long allowed_ties = 0;
     long long allowed_dyads = 0;
-    constexpr bool directed = Store::kind != NetworkKind::graph;
     if (mask != nullptr) {
         allowed_dyads = mask->allowed_count;
         for (int a = 0; a < n; ++a) {

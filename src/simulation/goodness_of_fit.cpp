@@ -9,6 +9,12 @@
 namespace vexa {
 
 Comparison compare(double observed, const std::vector<double>& sample) {
+    // A sample that never varies has that value as its mean and no spread, exactly: summing it
+    // would leave rounding in both, and a t-ratio made of rounding.
+    if (!sample.empty() &&
+        std::all_of(sample.begin(), sample.end(), [&](double v) { return v == sample[0]; })) {
+        return {observed, sample[0], 0.0, (observed - sample[0]) / 0.0};
+    }
     const Moments m = moments(sample.data(), static_cast<int>(sample.size()));
     return {observed, m.mean, m.stddev, (observed - m.mean) / m.stddev};
 }

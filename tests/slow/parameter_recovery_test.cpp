@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "effects/digraph/digraph_catalogue.h"
 #include "effects/graph/graph_catalogue.h"
 #include "model/terms.h"
 #include "report/network_file.h"
@@ -23,34 +24,39 @@ struct Truth {
     const char* name;
     double value;
     double lambda;
-    GraphEffect effect;
+    int row;  // in the catalogue of the network kind
 };
 
 // Draws one network of n nodes from the model by a long chain from a random start.
-Graph simulate(int n, const std::vector<Truth>& truth, uint32_t seed) {
-    Model model = empty_model(NetworkKind::graph);
+template <class Store>
+Store simulate(int n, const std::vector<Truth>& truth, uint32_t seed) {
+    Model model = empty_model(Store::kind);
     std::vector<double> parameters;
     for (const Truth& t : truth) {
-        EffectSetting& setting = model.structural[static_cast<size_t>(t.effect)];
+        EffectSetting& setting = model.structural[static_cast<size_t>(t.row)];
         setting.slot = model.structural_included++;
         setting.lambda = static_cast<float>(t.lambda);
         parameters.push_back(t.value);
     }
-    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
+    const std::vector<Term<Store>> terms = make_terms<Store>(model);
     const int p = static_cast<int>(parameters.size());
     Rng rng;
-    SeedSource seeds;
-    seeds.fixed = true;
-    seeds.base = seed;
-    Graph g = random_graph(n, n, rng, seeds);
-    Chain<Graph> chain = make_chain(g, terms, p, SamplerSettings{}, rng);
+    SeedSource seeds{true, seed, 0};
+    Store network;
+    if constexpr (Store::kind == NetworkKind::graph) {
+        network = random_graph(n, n, rng, seeds);
+    } else {
+        network = random_digraph_by_count(n, n, rng, seeds);
+    }
+    Chain<Store> chain = make_chain(network, terms, p, SamplerSettings{}, rng);
     run_sampler(chain, parameters.data(), 400.0 * n * n, seeds);
-    return g;
+    return network;
 }
 
 // Estimates each replication with the multiplication factor the verdict asks for on networks of
 // this size, checks every converged estimate with a long chain, and counts, per parameter, how
 // often the truth lies within two standard errors of the estimate.
+template <class Store>
 void recover(const char* tag, int n, const std::vector<Truth>& truth, int replications,
              int factor) {
     const std::string dir = testing::scratch_directory(std::string("recovery_").append(tag));
@@ -58,9 +64,10 @@ void recover(const char* tag, int n, const std::vector<Truth>& truth, int replic
     int converged = 0;
     int confirmed = 0;
     for (int r = 0; r < replications; ++r) {
-        const Graph g = simulate(n, truth, static_cast<uint32_t>(1000 + r));
+        const Store g = simulate<Store>(n, truth, static_cast<uint32_t>(1000 + r));
         write_network_file(dir + "/net.txt", g);
         testing::GraphRunFile file;
+        file.kind = Store::kind;
         file.nodes = n;
         file.network_file = "net.txt";
         file.name = std::string("r").append(std::to_string(r));
@@ -81,7 +88,7 @@ void recover(const char* tag, int n, const std::vector<Truth>& truth, int replic
             if (std::fabs(summary[k].estimate - truth[k].value) <= 2.0 * summary[k].se)
                 ++covered[k];
         }
-        std::printf("%s %2d (%d ties)%s:", tag, r, g.edge_count,
+        std::printf("%s %2d (%lld ties)%s:", tag, r, static_cast<long long>(tie_count(g)),
                     is_confirmed   ? " confirmed"
                     : is_converged ? " NOT CONFIRMED"
                                    : " not converged");
@@ -101,20 +108,29 @@ void recover(const char* tag, int n, const std::vector<Truth>& truth, int replic
 }
 
 TEST(ParameterRecovery, MarkovModel) {
-    recover("markov", 30,
-            {{"edge", -0.5, 0.0, GraphEffect::edge},
-             {"2-star", -0.15, 0.0, GraphEffect::star2},
-             {"Triangle", 0.5, 0.0, GraphEffect::triangle}},
-            40, 6);
+    recover<Graph>("markov", 30,
+                   {{"edge", -0.5, 0.0, int(GraphEffect::edge)},
+                    {"2-star", -0.15, 0.0, int(GraphEffect::star2)},
+                    {"Triangle", 0.5, 0.0, int(GraphEffect::triangle)}},
+                   40, 6);
 }
 
 TEST(ParameterRecovery, AlternatingModel) {
-    recover("alternating", 40,
-            {{"edge", -2.0, 0.0, GraphEffect::edge},
-             {"AS", -0.3, 2.0, GraphEffect::as},
-             {"AT", 0.8, 2.0, GraphEffect::at},
-             {"A2P", -0.1, 2.0, GraphEffect::a2p}},
-            100, 8);
+    recover<Graph>("alternating", 40,
+                   {{"edge", -2.0, 0.0, int(GraphEffect::edge)},
+                    {"AS", -0.3, 2.0, int(GraphEffect::as)},
+                    {"AT", 0.8, 2.0, int(GraphEffect::at)},
+                    {"A2P", -0.1, 2.0, int(GraphEffect::a2p)}},
+                   100, 8);
+}
+
+TEST(ParameterRecovery, DigraphModel) {
+    using E = DigraphEffect;
+    recover<Digraph>("digraph", 30,
+                     {{"arc", -1.8, 0.0, int(E::arc)},
+                      {"reciprocity", 1.5, 0.0, int(E::reciprocity)},
+                      {"AT-T", 0.4, 2.0, int(E::at_t)}},
+                     30, 6);
 }
 
 }  // namespace

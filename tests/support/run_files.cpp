@@ -29,7 +29,7 @@ std::string GraphRunFile::text() const {
     row("network_name", name);
     row("output_directory", directory);
     row("sampler_variant", std::to_string(sampler_variant));
-    row("task_and_kind", std::to_string(task) + " 1");
+    row("task_and_kind", std::to_string(task) + (kind == NetworkKind::digraph ? " 2" : " 1"));
     row("node_count", std::to_string(nodes));
     if (task == 1) {
         row("initial_density", number(initial_density));
@@ -37,12 +37,14 @@ std::string GraphRunFile::text() const {
         row("network_file", network_file);
     }
     if (degree_cap >= 0) {
-        t.append("degree_cap_given\n1\n").append(std::to_string(degree_cap)).append("\n");
+        t.append("degree_cap_given\n1\ndegree_cap\n")
+            .append(std::to_string(degree_cap))
+            .append("\n");
     } else {
         t += "degree_cap_given\n0\n";
     }
     t += "structural\n1\n";
-    const CatalogueView& catalogue = structural_catalogue(NetworkKind::graph);
+    const CatalogueView& catalogue = structural_catalogue(kind);
     for (const int32_t index : catalogue.run_file_order) {
         const EffectDescription& effect = catalogue.rows[static_cast<size_t>(index)];
         const auto found = effects.find(effect.labels.update_name);

@@ -9,9 +9,13 @@
 #include <utility>
 #include <vector>
 
+#include "network/network_kind.h"
+
 namespace vexa::testing {
 
+// A run file of either network kind (the name keeps the kind it first had).
 struct GraphRunFile {
+    NetworkKind kind = NetworkKind::graph;
     std::string name = "net";
     std::string directory = "out";
     std::string network_file;  // tasks 2 and 3

@@ -1,0 +1,45 @@
+#pragma once
+// Descriptive statistics of a directed network: the in- and out-degree distributions and their
+// correlation, the clustering coefficients of directed triads, and geodesics along directed
+// paths over ordered pairs.
+//
+// Clustering: Cto = T9 / (2 out-2-stars), Cti = T9 / (2 in-2-stars), Ctm = T9 / mixed 2-stars,
+// Ccm = 3 T10 / mixed 2-stars (T9 the transitive triples, T10 the cycles); the alternating
+// forms, each at lambda 2, AKC-T = AT-T / A2P-T, AKC-C = AT-C / A2P-T, AKC-D = AT-D / (2 A2P-D)
+// and AKC-U = AT-U / (2 A2P-U). A ratio with a zero denominator is 0.
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "describe/geodesic_quartiles.h"
+#include "network/digraph.h"
+#include "numeric/moments.h"
+
+namespace vexa {
+
+struct DigraphClustering {
+    double cto = 0.0, cti = 0.0, ctm = 0.0, ccm = 0.0;
+    double akc_t = 0.0, akc_d = 0.0, akc_u = 0.0, akc_c = 0.0;
+};
+DigraphClustering digraph_clustering(const Digraph& digraph);
+
+Moments in_degree_moments(const Digraph& digraph);
+Moments out_degree_moments(const Digraph& digraph);
+// The Pearson correlation of the nodes' in- and out-degrees; 0 when either does not vary.
+double in_out_degree_correlation(const Digraph& digraph);
+
+// Workspace of the directed geodesic pass, kept between calls.
+struct DigraphScratch {
+    std::vector<int32_t> distance;  // one source's distances
+    std::vector<int32_t> queue;
+    // Ordered pairs by distance: entry d = pairs at distance d (1 .. n-1), entry n = pairs
+    // without a directed path, entry 0 unused.
+    std::vector<int64_t> geodesic_counts;
+};
+
+// Breadth-first search along out-arcs from every node: O(n (n + arcs)). Leaves the pair
+// counts in the scratch.
+void directed_geodesics(const Digraph& digraph, DigraphScratch& scratch);
+
+}  // namespace vexa
