@@ -73,6 +73,8 @@ void BM_ExampleEstimation(benchmark::State& state, const char* run_file) {
 }
 BENCHMARK_CAPTURE(BM_ExampleEstimation, markov, "flomarriage_markov.txt")
     ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ExampleEstimation, digraph, "samplike_estimation.txt")
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_ExampleEstimation, alternating, "flomarriage_alternating.txt")
     ->Unit(benchmark::kMillisecond);
 

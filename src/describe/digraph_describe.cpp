@@ -60,7 +60,8 @@ double in_out_degree_correlation(const Digraph& d) {
         out_squares += b * b;
         cross += a * b;
     }
-    return in_squares > 0.0 && out_squares > 0.0 ? cross / std::sqrt(in_squares * out_squares) : 0.0;
+    return in_squares > 0.0 && out_squares > 0.0 ? cross / std::sqrt(in_squares * out_squares)
+                                                 : 0.0;
 }
 
 void directed_geodesics(const Digraph& d, DigraphScratch& scratch) {

@@ -17,7 +17,8 @@ Digraph KindTraits<Digraph>::random_start(RunContext& context) {
     const double target = std::trunc(dyads * s.initial_density);
     if (!(target >= 0.0) || target > dyads) {
         throw SettingError(format_message(
-            "vexa: run file '%s': initial_density %g asks for %.0f arcs, but %d nodes have only %.0f "
+            "vexa: run file '%s': initial_density %g asks for %.0f arcs, but %d nodes have only "
+            "%.0f "
             "ordered pairs",
             s.run_file.c_str(), static_cast<double>(s.initial_density), target, n, dyads));
     }
@@ -38,10 +39,10 @@ void KindTraits<Digraph>::before_gof_after_estimation(RunContext& context) {
 
 const std::vector<std::string>& KindTraits<Digraph>::measure_names() {
     static const std::vector<std::string> names{
-        "Std Dev in-degree dist",       "Skew in-degree dist",          "Std Dev out-degree dist",
-        "Skew out-degree dist",         "CorrCoef in-out-degree dists", "Global Clustering Cto",
-        "Global Clustering Cti",        "Global Clustering Ctm",        "Global Clustering Ccm",
-        "Global Clustering AKC-T",      "Global Clustering AKC-D",      "Global Clustering AKC-U",
+        "Std Dev in-degree dist",  "Skew in-degree dist",          "Std Dev out-degree dist",
+        "Skew out-degree dist",    "CorrCoef in-out-degree dists", "Global Clustering Cto",
+        "Global Clustering Cti",   "Global Clustering Ctm",        "Global Clustering Ccm",
+        "Global Clustering AKC-T", "Global Clustering AKC-D",      "Global Clustering AKC-U",
         "Global Clustering AKC-C"};
     return names;
 }
@@ -61,7 +62,9 @@ SampleMeasures KindTraits<Digraph>::measure(const Digraph& digraph, DigraphScrat
 
 KindTraits<Digraph>::SampleFiles::SampleFiles(const Digraph& digraph, const RunSettings& s,
                                               const OutputNames& names) {
-    const auto open = [](const std::string& path) { return std::make_unique<OutFile>(path, OpenMode::truncate); };
+    const auto open = [](const std::string& path) {
+        return std::make_unique<OutFile>(path, OpenMode::truncate);
+    };
     if (s.degree_distribution_output == 1) {
         degree = open(names.degree_distribution);
         write_in_out_degree_header(*degree, digraph);
@@ -92,9 +95,12 @@ void KindTraits<Digraph>::SampleFiles::close() {
     }
 }
 
-void KindTraits<Digraph>::GofExtras::write(FILE* out) const { write_triad_census_block(out, observed_census, sample); }
+void KindTraits<Digraph>::GofExtras::write(FILE* out) const {
+    write_triad_census_block(out, observed_census, sample);
+}
 
-void KindTraits<Digraph>::write_sample_network(const Digraph& digraph, double sample, const OutputNames& names,
+void KindTraits<Digraph>::write_sample_network(const Digraph& digraph, double sample,
+                                               const OutputNames& names,
                                                const std::string& network_name) {
     write_network_file(sample_network_path(names.sample_statistics, sample), digraph);
     char label[64];

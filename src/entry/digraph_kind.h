@@ -41,7 +41,8 @@ struct KindTraits<Digraph> {
 
     struct SampleFiles {
         SampleFiles(const Digraph& digraph, const RunSettings& settings, const OutputNames& names);
-        void write_rows(const Digraph& digraph, DigraphScratch& scratch, const SampleMeasures* measured);
+        void write_rows(const Digraph& digraph, DigraphScratch& scratch,
+                        const SampleMeasures* measured);
         void close();
 
         std::unique_ptr<OutFile> degree, geodesic, cluster;
@@ -60,8 +61,8 @@ struct KindTraits<Digraph> {
         std::vector<TriadCensus> sample;
     };
 
-    static void write_sample_network(const Digraph& digraph, double sample, const OutputNames& names,
-                                     const std::string& network_name);
+    static void write_sample_network(const Digraph& digraph, double sample,
+                                     const OutputNames& names, const std::string& network_name);
 };
 
 // Runs the task of the context's run file on a digraph.

@@ -37,9 +37,11 @@ void write_directed_geodesic_row(FILE* out, const Digraph& digraph, const Digrap
     const int n = digraph.node_count;
     const std::vector<int64_t>& counts = scratch.geodesic_counts;
     if (counts.size() != static_cast<size_t>(n) + 1) {
-        throw VexaError("vexa: a geodesic row was asked for before the geodesic pass of its network");
+        throw VexaError(
+            "vexa: a geodesic row was asked for before the geodesic pass of its network");
     }
-    for (int d = 1; d < n; ++d) print(out, "%lld\t", static_cast<long long>(counts[static_cast<size_t>(d)]));
+    for (int d = 1; d < n; ++d)
+        print(out, "%lld\t", static_cast<long long>(counts[static_cast<size_t>(d)]));
     print(out, "%lld\n", static_cast<long long>(counts[static_cast<size_t>(n)]));
 }
 
@@ -48,11 +50,12 @@ void write_digraph_clustering_header(FILE* out) {
 }
 
 void write_digraph_clustering_row(FILE* out, const DigraphClustering& c) {
-    print(out, "%f\t%f\t%f\t%f\t%f\t%f\t%f\t%f\n", c.cto, c.cti, c.ctm, c.ccm, c.akc_t, c.akc_d, c.akc_u,
-          c.akc_c);
+    print(out, "%f\t%f\t%f\t%f\t%f\t%f\t%f\t%f\n", c.cto, c.cti, c.ctm, c.ccm, c.akc_t, c.akc_d,
+          c.akc_u, c.akc_c);
 }
 
-void write_triad_census_block(FILE* out, const TriadCensus& observed, const std::vector<TriadCensus>& sample) {
+void write_triad_census_block(FILE* out, const TriadCensus& observed,
+                              const std::vector<TriadCensus>& sample) {
     print(out, "\nGOF on Triad Census\nTriad\tobserved\tmean\tstddev\tt-ratio\n");
     if (!observed.exact) {
         print(out, "not counted: a digraph of %d nodes passes the range of the census's products\n",
@@ -61,10 +64,11 @@ void write_triad_census_block(FILE* out, const TriadCensus& observed, const std:
     }
     std::vector<double> values(sample.size());
     for (int k = 0; k < triad_class_count; ++k) {
-        for (size_t s = 0; s < sample.size(); ++s) values[s] = sample[s].counts[static_cast<size_t>(k)];
+        for (size_t s = 0; s < sample.size(); ++s)
+            values[s] = sample[s].counts[static_cast<size_t>(k)];
         const Comparison c = compare(observed.counts[static_cast<size_t>(k)], values);
-        print(out, "%s\t%.0f\t%.3f\t%.3f\t%.3f\n", triad_class_names[static_cast<size_t>(k)], c.observed, c.mean,
-              c.stddev, c.t);
+        print(out, "%s\t%.0f\t%.3f\t%.3f\t%.3f\n", triad_class_names[static_cast<size_t>(k)],
+              c.observed, c.mean, c.stddev, c.t);
     }
 }
 

@@ -25,6 +25,7 @@ void write_digraph_clustering_row(FILE* out, const DigraphClustering& clustering
 
 // "\nGOF on Triad Census\n", the heading, and per class the observed count beside the mean,
 // standard deviation and t-ratio of the sampled counts.
-void write_triad_census_block(FILE* out, const TriadCensus& observed, const std::vector<TriadCensus>& sample);
+void write_triad_census_block(FILE* out, const TriadCensus& observed,
+                              const std::vector<TriadCensus>& sample);
 
 }  // namespace vexa

@@ -21,7 +21,8 @@ using testing::lines_of;
 using testing::tab_fields;
 
 GraphRunFile samplike(const std::string& dir) {
-    testing::write_text(dir + "/samplike.txt", testing::read_text(testing::data_path("samplike.txt")));
+    testing::write_text(dir + "/samplike.txt",
+                        testing::read_text(testing::data_path("samplike.txt")));
     GraphRunFile file;
     file.kind = NetworkKind::digraph;
     file.nodes = 18;
@@ -46,7 +47,8 @@ TEST(DigraphRuns, ArcAndReciprocityEstimatesMatchTheirClosedForm) {
     }
     EXPECT_EQ(summary[0].label, "arc");
     EXPECT_EQ(summary[1].label, "reciprocity");
-    EXPECT_NE(testing::read_text(dir + "/out/convergence_net.txt").find("verdict\tconverged\n"), std::string::npos);
+    EXPECT_NE(testing::read_text(dir + "/out/convergence_net.txt").find("verdict\tconverged\n"),
+              std::string::npos);
     // Change statistics and log-odds cover every ordered pair; the update file every effect.
     EXPECT_EQ(lines_of(testing::read_text(dir + "/out/logodds_net.txt")).size(), 1u + 18u * 17u);
     EXPECT_EQ(lines_of(testing::read_text(dir + "/distupdate.vexa")).size(), 2u * 42u);
@@ -65,7 +67,8 @@ TEST(DigraphRuns, ArcOnlySimulationGivesTheBinomialArcCountAndTheReceiverMoveKee
     file.samples = 2000;
     testing::run_vexa(dir, file, 9);
     std::vector<double> arcs;
-    for (const std::string& row : lines_of(testing::read_text(dir + "/out/sample_statistics_net.txt"))) {
+    for (const std::string& row :
+         lines_of(testing::read_text(dir + "/out/sample_statistics_net.txt"))) {
         if (row.rfind("id", 0) != 0) arcs.push_back(std::stod(tab_fields(row)[1]));
     }
     ASSERT_EQ(arcs.size(), 2000u);
@@ -82,13 +85,15 @@ TEST(DigraphRuns, ArcOnlySimulationGivesTheBinomialArcCountAndTheReceiverMoveKee
     file.iterations = 20000;
     file.samples = 50;
     testing::run_vexa(dir, file, 10);
-    const std::vector<std::string> rows = lines_of(testing::read_text(dir + "/out/degree_distribution_net.txt"));
+    const std::vector<std::string> rows =
+        lines_of(testing::read_text(dir + "/out/degree_distribution_net.txt"));
     ASSERT_EQ(rows.size(), 51u);
     const auto out_degrees = [](const std::string& row) {
         const std::vector<std::string> fields = tab_fields(row);
         return std::vector<std::string>(fields.begin() + 21, fields.begin() + 39);  // outd1..outd18
     };
-    for (size_t r = 2; r < rows.size(); ++r) EXPECT_EQ(out_degrees(rows[r]), out_degrees(rows[1])) << r;
+    for (size_t r = 2; r < rows.size(); ++r)
+        EXPECT_EQ(out_degrees(rows[r]), out_degrees(rows[1])) << r;
 }
 
 TEST(DigraphRuns, ADegenerateMarkovModelIsNeverReportedConvergedAndGoodnessOfFitWritesItsOwnFiles) {
@@ -100,7 +105,8 @@ TEST(DigraphRuns, ADegenerateMarkovModelIsNeverReportedConvergedAndGoodnessOfFit
                     {"Cyclic-Triad", {0.0, 0.0}}};
     file.runs = 3;
     testing::run_vexa(dir, file, 4);
-    EXPECT_EQ(testing::read_text(dir + "/out/convergence_net.txt").find("verdict\tconverged\n"), std::string::npos);
+    EXPECT_EQ(testing::read_text(dir + "/out/convergence_net.txt").find("verdict\tconverged\n"),
+              std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(dir + "/out/logodds_net.txt"));
 
     // Goodness of fit: the triad census block, an acceptance file, no end statistics.
@@ -113,7 +119,9 @@ TEST(DigraphRuns, ADegenerateMarkovModelIsNeverReportedConvergedAndGoodnessOfFit
     gof.samples = 100;
     testing::run_vexa(gof_dir, gof, 5);
     const std::string report = testing::read_text(gof_dir + "/out/gof_net.txt");
-    EXPECT_NE(report.find("\nGOF on Triad Census\nTriad\tobserved\tmean\tstddev\tt-ratio\n300\t8\t"), std::string::npos);
+    EXPECT_NE(
+        report.find("\nGOF on Triad Census\nTriad\tobserved\tmean\tstddev\tt-ratio\n300\t8\t"),
+        std::string::npos);
     EXPECT_NE(report.find("Mahalanobis distance ="), std::string::npos);
     EXPECT_EQ(lines_of(testing::read_text(gof_dir + "/out/accept_net.txt")).size(), 102u);
     EXPECT_FALSE(std::filesystem::exists(gof_dir + "/out/end_statistics_net.txt"));

@@ -44,20 +44,25 @@ TEST(DigraphFiles, DescriptiveRowsPajekBlockAndCensusBlock) {
               "0 1 0\n1 0 1\n0 0 0\n");
     const std::string path = testing::scratch_directory("digraph_pajek") + "/p.paj";
     write_pajek_block(d, "s_10", path);
-    EXPECT_EQ(testing::read_text(path), "Network s_10\nvertices 3\nmatrix\n0 1 0 \n1 0 1 \n0 0 0 \n\n");
+    EXPECT_EQ(testing::read_text(path),
+              "Network s_10\nvertices 3\nmatrix\n0 1 0 \n1 0 1 \n0 0 0 \n\n");
 
     // The observed census against two samples: class 012 (one asymmetric arc) seen once and
     // never; a sample of one value has no spread.
     TriadCensus observed = triad_census(d);
     TriadCensus first = observed, second = observed;
     second.counts[14] += 2.0;
-    const std::string block =
-        testing::capture([&](FILE* f) { write_triad_census_block(f, observed, {first, second}); });
-    EXPECT_EQ(block.substr(0, 56), "\nGOF on Triad Census\nTriad\tobserved\tmean\tstddev\tt-ratio\n");
+    const std::string block = testing::capture([&](FILE* f) {
+        write_triad_census_block(f, observed, {first, second});
+    });
+    EXPECT_EQ(block.substr(0, 56),
+              "\nGOF on Triad Census\nTriad\tobserved\tmean\tstddev\tt-ratio\n");
     EXPECT_NE(block.find("\n012\t0\t1.000\t1.414\t-0.707\n"), std::string::npos) << block;
     EXPECT_NE(block.find("\n111U\t1\t1.000\t0.000\t"), std::string::npos) << block;
     observed.exact = false;
-    EXPECT_NE(testing::capture([&](FILE* f) { write_triad_census_block(f, observed, {}); }).find("not counted"),
+    EXPECT_NE(testing::capture([&](FILE* f) {
+                  write_triad_census_block(f, observed, {});
+              }).find("not counted"),
               std::string::npos);
 }
 

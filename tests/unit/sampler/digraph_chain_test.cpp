@@ -32,7 +32,8 @@ Model every_effect() {
     return testing::model_of(NetworkKind::digraph, rows);
 }
 
-SamplerSettings settings_of(int variant, int max_out = 9999, int max_in = 9999, const DyadMask* mask = nullptr) {
+SamplerSettings settings_of(int variant, int max_out = 9999, int max_in = 9999,
+                            const DyadMask* mask = nullptr) {
     SamplerSettings s;
     s.variant = variant;
     s.max_degree = max_out;
@@ -64,8 +65,8 @@ TEST(DigraphChain, EveryVariantKeepsItsStatisticsAndItsInvariants) {
         for (const Term<Digraph>& term : terms) {
             const size_t k = static_cast<size_t>(term.slot);
             EXPECT_NEAR(chain.statistics[k], fresh[k], 1e-6 * (1.0 + std::fabs(fresh[k])))
-                << digraph_about(static_cast<DigraphEffect>(term.row)).labels.report_name << ", variant "
-                << variant;
+                << digraph_about(static_cast<DigraphEffect>(term.row)).labels.report_name
+                << ", variant " << variant;
         }
         if (variant == 1) {
             EXPECT_EQ(d.arc_count, arcs_before);
@@ -89,7 +90,8 @@ TEST(DigraphChain, CapsMaskRejectionsAndImpossibleProposals) {
     Chain<Digraph> cap = make_chain(capped, none, 0, settings_of(0, 3, 4), rng);
     for (int s = 0; s < 4000; ++s) {
         step(cap, nullptr);
-        for (int v = 0; v < 12; ++v) ASSERT_TRUE(capped.out_degree(v) <= 3 && capped.in_degree(v) <= 4);
+        for (int v = 0; v < 12; ++v)
+            ASSERT_TRUE(capped.out_degree(v) <= 3 && capped.in_degree(v) <= 4);
     }
     EXPECT_GT(capped.out_degree_histogram[3], 0);
     // Only the arcs the mask allows ever change (0->1 and 1->2, not their reverses); 5->6 stays.
@@ -112,7 +114,8 @@ TEST(DigraphChain, CapsMaskRejectionsAndImpossibleProposals) {
     }
     // A rejected move leaves store and statistics as they were: strongly favouring arcs, the
     // swap and the receiver move almost never remove one for a worse place.
-    const Model model = testing::model_of(NetworkKind::digraph, {int(DigraphEffect::arc), int(DigraphEffect::t9)});
+    const Model model =
+        testing::model_of(NetworkKind::digraph, {int(DigraphEffect::arc), int(DigraphEffect::t9)});
     const std::vector<Term<Digraph>> terms = make_terms<Digraph>(model);
     const std::vector<double> against{0.0, -8.0};
     Digraph moved = random_start(15, 60, 3);
@@ -139,18 +142,20 @@ TEST(DigraphChain, CapsMaskRejectionsAndImpossibleProposals) {
     EXPECT_THROW(check_proposals_possible(complete, settings_of(1)), SettingError);
     EXPECT_THROW(check_proposals_possible(complete, settings_of(2)), SettingError);
     Digraph cycle = create_digraph(6);  // every node sends one arc: none has two to move
-    for (int v = 0; v < 6; ++v) add_arc(cycle, v, (v + 1) % 6), update_two_paths(cycle, v, (v + 1) % 6, 1);
+    for (int v = 0; v < 6; ++v)
+        add_arc(cycle, v, (v + 1) % 6), update_two_paths(cycle, v, (v + 1) % 6, 1);
     EXPECT_THROW(check_proposals_possible(cycle, settings_of(2)), SettingError);
     add_arc(cycle, 0, 3), update_two_paths(cycle, 0, 3, 1);
     EXPECT_NO_THROW(check_proposals_possible(cycle, settings_of(2)));
     const DyadMask empty = make_dyad_mask(4, NetworkKind::digraph);
-    EXPECT_THROW(check_proposals_possible(complete, settings_of(0, 9999, 9999, &empty)), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, settings_of(0, 9999, 9999, &empty)),
+                 SettingError);
     EXPECT_NO_THROW(check_proposals_possible(complete, settings_of(0)));
 }
 
 TEST(DigraphChain, TheCensusOfEverySampledDigraphMatchesACountByTriples) {
-    const Model model = testing::model_of(NetworkKind::digraph,
-                                          {int(DigraphEffect::arc), int(DigraphEffect::reciprocity)});
+    const Model model = testing::model_of(
+        NetworkKind::digraph, {int(DigraphEffect::arc), int(DigraphEffect::reciprocity)});
     const std::vector<Term<Digraph>> terms = make_terms<Digraph>(model);
     const std::vector<double> theta{-0.4, 1.2};
     Digraph d = create_digraph(7);
@@ -160,8 +165,10 @@ TEST(DigraphChain, TheCensusOfEverySampledDigraphMatchesACountByTriples) {
     for (int sample = 0; sample < 60; ++sample) {
         for (int s = 0; s < 30; ++s) step(chain, theta.data());
         const TriadCensus census = triad_census(d);
-        const std::array<int64_t, 16> truth = testing::triad_census_by_triples(testing::KindFixture<Digraph>::adjacency(d));
-        for (size_t k = 0; k < truth.size(); ++k) ASSERT_EQ(census.counts[k], static_cast<double>(truth[k])) << sample;
+        const std::array<int64_t, 16> truth =
+            testing::triad_census_by_triples(testing::KindFixture<Digraph>::adjacency(d));
+        for (size_t k = 0; k < truth.size(); ++k)
+            ASSERT_EQ(census.counts[k], static_cast<double>(truth[k])) << sample;
     }
 }
 
