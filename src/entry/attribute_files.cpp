@@ -1,5 +1,6 @@
 #include "entry/attribute_files.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string_view>
@@ -47,24 +48,62 @@ struct Lines {
     }
 };
 
+// "NA" and "." mark a missing value.
+bool is_missing_word(const std::string& word) {
+    return word == "NA" || word == "." || word == "na";
+}
+
+[[noreturn]] void bad_value(AttributeKind kind, const std::string& path, int32_t line, int32_t node,
+                            size_t column, const std::string& word, const char* fault) {
+    throw InputFileError(format_message(
+        "vexa: %s file '%s', line %d (node %d), column %zu: '%.60s' %s", kind_words(kind),
+        path.c_str(), line, node, column + 1, word.c_str(), fault));
+}
+
 double attribute_value(const std::string& word, AttributeKind kind, const std::string& path,
                        int32_t line, int32_t node, size_t column) {
-    const char* what = kind_words(kind);
     double value = 0.0;
-    const char* fault = nullptr;
     if (!parse_double(word, value) || !std::isfinite(value)) {
-        fault = "is not a number";
-    } else if (kind == AttributeKind::binary && value != 0.0 && value != 1.0) {
-        fault = "is not 0 or 1";
-    } else if (kind == AttributeKind::categorical && value != std::trunc(value)) {
-        fault = "is not a whole number";
+        bad_value(kind, path, line, node, column, word,
+                  kind == AttributeKind::binary ? "is not 0, 1 or NA" : "is not a number or NA");
     }
-    if (fault != nullptr) {
-        throw InputFileError(
-            format_message("vexa: %s file '%s', line %d (node %d), column %zu: '%.60s' %s", what,
-                           path.c_str(), line, node, column + 1, word.c_str(), fault));
+    if (kind == AttributeKind::binary && value != 0.0 && value != 1.0) {
+        bad_value(kind, path, line, node, column, word, "is not 0, 1 or NA");
     }
     return value;
+}
+
+// Categories are words: numbers or names ("Turks", "F"). An attribute whose categories are all
+// numbers keeps them as they are; one with a name among them gives each distinct category a
+// code 1, 2, ... in order of first appearance, numbers equal as numbers ("1", "1.0") being one
+// category. Only equality of categories matters to the effects.
+void code_categories(const std::vector<std::string>& words, const std::vector<uint8_t>& missing,
+                     std::vector<double>& values) {
+    values.assign(words.size(), 0.0);
+    std::vector<std::string> keys(words.size());
+    bool all_numbers = true;
+    for (size_t v = 0; v < words.size(); ++v) {
+        if (missing[v] != 0) continue;
+        double number = 0.0;
+        if (parse_double(words[v], number) && std::isfinite(number)) {
+            values[v] = number;
+            char buffer[40];
+            std::snprintf(buffer, sizeof buffer, "%.17g", number);
+            keys[v] = buffer;
+        } else {
+            all_numbers = false;
+            keys[v] = words[v];
+        }
+    }
+    if (all_numbers) return;
+    std::vector<std::string> seen;
+    for (size_t v = 0; v < words.size(); ++v) {
+        if (missing[v] != 0) continue;
+        const auto at = std::find(seen.begin(), seen.end(), keys[v]);
+        if (at == seen.end()) seen.push_back(keys[v]);
+        values[v] =
+            static_cast<double>(std::find(seen.begin(), seen.end(), keys[v]) - seen.begin() + 1);
+    }
 }
 
 }  // namespace
@@ -88,6 +127,8 @@ AttributeData read_attribute_file(const std::string& path, AttributeKind kind, i
     }
 
     result.data.assign(static_cast<size_t>(count), std::vector<double>());
+    result.missing.assign(static_cast<size_t>(count), std::vector<uint8_t>());
+    std::vector<std::vector<std::string>> categories(static_cast<size_t>(count));
     std::vector<std::string> words;
     int32_t node = 0;
     while (lines.next_with_words(words)) {
@@ -104,13 +145,28 @@ AttributeData read_attribute_file(const std::string& path, AttributeKind kind, i
                                what, path.c_str(), lines.number, node, words.size(), count));
         }
         for (size_t a = 0; a < words.size(); ++a) {
-            result.data[a].push_back(attribute_value(words[a], kind, path, lines.number, node, a));
+            const bool missing = is_missing_word(words[a]);
+            double value = 0.0;
+            if (missing) {
+                value = 0.0;  // a missing value counts as 0 (a missing category matches nothing)
+            } else if (kind == AttributeKind::categorical) {
+                categories[a].push_back(words[a]);
+            } else {
+                value = attribute_value(words[a], kind, path, lines.number, node, a);
+            }
+            if (kind == AttributeKind::categorical && missing) categories[a].emplace_back();
+            result.data[a].push_back(value);
+            result.missing[a].push_back(missing ? 1 : 0);
         }
     }
     if (node < node_count) {
         throw InputFileError(
             format_message("vexa: %s file '%s' holds %d node rows; the network has %d nodes", what,
                            path.c_str(), node, node_count));
+    }
+    if (kind == AttributeKind::categorical) {
+        for (size_t a = 0; a < categories.size(); ++a)
+            code_categories(categories[a], result.missing[a], result.data[a]);
     }
     return result;
 }
@@ -134,6 +190,7 @@ AttributeData read_covariate_file(const std::string& path, int32_t node_count) {
     AttributeData result;
     result.names.push_back(words[0]);
     result.data.emplace_back();
+    result.missing.emplace_back(static_cast<size_t>(node_count), uint8_t{0});
     std::vector<double>& values = result.data[0];
 
     const int64_t n = node_count;
@@ -148,7 +205,9 @@ AttributeData read_covariate_file(const std::string& path, int32_t node_count) {
                     node_count));
             }
             double value = 0.0;
-            if (!parse_double(word, value) || !std::isfinite(value)) {
+            if (is_missing_word(word)) {
+                value = 0.0;  // an unknown covariate value counts as 0
+            } else if (!parse_double(word, value) || !std::isfinite(value)) {
                 const long long row = got / n + 1;
                 const long long column = got % n + 1;
                 throw InputFileError(format_message(

@@ -11,23 +11,6 @@
 
 namespace vexa {
 
-namespace {
-
-// Attribute and covariate effects can be read, carried and written to the update files, but
-// their statistics are not built yet: refuse a model that includes one rather than fit it
-// without the effect.
-void refuse_attribute_effects(const RunContext& context) {
-    for (const ParameterLabel& label : parameter_labels(context.model, LabelStyle::simulation)) {
-        if (label.structural) continue;
-        throw SettingError(format_message(
-            "vexa: run file '%s' includes the attribute effect '%s'; attribute and covariate "
-            "effects are not available in this version, so nothing was run",
-            context.settings.run_file.c_str(), label.name.c_str()));
-    }
-}
-
-}  // namespace
-
 void run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
     context.console = options.console != nullptr ? options.console : stdout;
@@ -58,7 +41,6 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
             run_file.c_str());
         return;
     }
-    refuse_attribute_effects(context);
     if (settings.network_kind == 2) {
         run_digraph_task(context);
     } else {

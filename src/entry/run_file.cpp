@@ -279,6 +279,7 @@ void read_attribute_sub_block(Reader& reader, Model& model, AttributeKind kind,
         AttributeData data = read_attribute_file(section.file, kind, count, node_count);
         section.names = std::move(data.names);
         section.data = std::move(data.data);
+        section.missing = std::move(data.missing);
     }
     size_section(section, static_cast<int32_t>(attribute_catalogue(model.kind, kind).rows.size()),
                  count);
@@ -301,6 +302,7 @@ void read_covariate_section(Reader& reader, Model& model, int32_t node_count) {
     AttributeData data = read_covariate_file(section.file, node_count);
     section.names = std::move(data.names);
     section.data = std::move(data.data);
+    section.missing = std::move(data.missing);
     size_section(
         section,
         static_cast<int32_t>(attribute_catalogue(model.kind, AttributeKind::covariate).rows.size()),

@@ -1,5 +1,7 @@
 #include "entry/run_file.h"
 
+#include "entry/attribute_files.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -293,7 +295,7 @@ TEST(RunFile, BadInputEndsTheRunWithOneClearLine) {
         int line;
         const char *text, *expected;
     } binary[] = {
-        {4, "1 2", ", line 4 (node 3), column 2: '2' is not 0 or 1"},
+        {4, "1 2", ", line 4 (node 3), column 2: '2' is not 0, 1 or NA"},
         {4, "1", ", line 4 (node 3): 1 values; each node needs 2, one per attribute"},
         {1, "wealthy", " names 1 attributes in line 1; the run file gives 2"},
         {17, "", " holds 15 node rows; the network has 16 nodes"},
@@ -306,10 +308,9 @@ TEST(RunFile, BadInputEndsTheRunWithOneClearLine) {
               "vexa: covariate file 'graph_covariate.txt' holds 255 values after its name; a 16 x "
               "16 matrix "
               "needs 256");
-    EXPECT_EQ(fails("graph_bayes.txt", "graph_categorical.txt", 3, "2.5"),
-              "vexa: categorical attribute file 'graph_categorical.txt', line 3 (node 2), column "
-              "1: '2.5' is "
-              "not a whole number");
+    EXPECT_EQ(fails("graph_estimation.txt", "graph_continuous.txt", 3, "rich"),
+              "vexa: continuous attribute file 'graph_continuous.txt', line 3 (node 2), column 1: "
+              "'rich' is not a number or NA");
 
     // An unknown task or kind: the names are formed and nothing after the head is read.
     for (const std::string pair : {"5 1", "0 2", "2 3"}) {
@@ -318,6 +319,22 @@ TEST(RunFile, BadInputEndsTheRunWithOneClearLine) {
         EXPECT_EQ(outcome("r.txt"), "unknown gof_net.txt")
             << pair;  // an empty directory: the working one
     }
+}
+
+// Missing values read as 0 with a flag; categories may be names (then coded 1, 2, ..., equal
+// numbers being one category), and numbers alone keep their values.
+TEST(AttributeFiles, MissingValuesAndCategoryWords) {
+    WorkingDirectory here(scratch_directory("attribute_words"));
+    write_text("cat.txt", "group grade\nTurks 7\n7.0 7.0\nNA 8\nTurks .\n");
+    const AttributeData cat = read_attribute_file("cat.txt", AttributeKind::categorical, 2, 4);
+    EXPECT_EQ(cat.data[0], (std::vector<double>{1, 2, 0, 1}));
+    EXPECT_EQ(cat.missing[0], (std::vector<uint8_t>{0, 0, 1, 0}));
+    EXPECT_EQ(cat.data[1], (std::vector<double>{7, 7, 8, 0}));
+    EXPECT_EQ(cat.missing[1], (std::vector<uint8_t>{0, 0, 0, 1}));
+    write_text("bin.txt", "smoker\n1\nNA\n0\n.\n");
+    const AttributeData bin = read_attribute_file("bin.txt", AttributeKind::binary, 1, 4);
+    EXPECT_EQ(bin.data[0], (std::vector<double>{1, 0, 0, 0}));
+    EXPECT_EQ(bin.missing[0], (std::vector<uint8_t>{0, 1, 0, 1}));
 }
 
 }  // namespace
