@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "effects/graph/graph_catalogue.h"
+#include "entry/attribute_files.h"
 #include "entry/run_driver.h"
 #include "model/terms.h"
 #include "network/graph.h"
@@ -55,6 +56,46 @@ void BM_SamplerProposals(benchmark::State& state) {
     state.counters["mean_degree"] = 2.0 * g.edge_count / n;
 }
 BENCHMARK(BM_SamplerProposals)->Arg(1000)->Arg(5000);
+
+// The school network (205 nodes, 203 ties) under edge + AT (lambda e^0.25) at its estimate,
+// with and without the same-grade term: what a homophily term costs a proposal.
+void BM_SchoolNetworkProposals(benchmark::State& state) {
+    const bool with_grade = state.range(0) != 0;
+    const std::filesystem::path examples = VEXA_EXAMPLES_DIR;
+    Model model = empty_model(NetworkKind::graph);
+    for (const GraphEffect effect : {GraphEffect::edge, GraphEffect::at}) {
+        EffectSetting& setting = model.structural[static_cast<size_t>(effect)];
+        setting.slot = model.structural_included++;
+        setting.lambda = effect == GraphEffect::at ? 1.2840254f : 0.0f;
+    }
+    std::vector<double> parameters{-6.29, 1.46};
+    if (with_grade) {
+        AttributeSection& section = model.section(AttributeKind::categorical);
+        AttributeData data =
+            read_attribute_file((examples / "faux.mesa.high_attributes.txt").string(),
+                                AttributeKind::categorical, 3, 205);
+        section.given = true;
+        section.count = 3;
+        section.names = data.names;
+        section.data = data.data;
+        section.missing = data.missing;
+        section.included.assign(2, std::vector<int32_t>(3, 0));
+        section.included[0][0] = 1;  // Grade, same category
+        section.included_count = 1;
+        parameters.push_back(2.0);
+    }
+    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
+    Rng rng;
+    rng.seed(5);
+    Graph g = read_graph((examples / "faux.mesa.high.txt").string(), 205);
+    Chain<Graph> chain =
+        make_chain(g, terms, static_cast<int>(parameters.size()), SamplerSettings{}, rng);
+    double accepted = 0.0;
+    for (auto _ : state) accepted += toggle_step(chain, parameters.data());
+    state.SetItemsProcessed(state.iterations());
+    state.counters["accepted"] = accepted / static_cast<double>(state.iterations());
+}
+BENCHMARK(BM_SchoolNetworkProposals)->ArgName("grade")->Arg(0)->Arg(1);
 
 // The bundled example estimations, as the command line runs them.
 void BM_ExampleEstimation(benchmark::State& state, const char* run_file) {

@@ -55,7 +55,7 @@ std::string GraphRunFile::text() const {
             t.append(" ").append(number(included ? found->second.second : 0.0));
         t.append("\n");
     }
-    t += "attributes\n0\ncovariates\n0\n";
+    t += attribute_sections.empty() ? "attributes\n0\ncovariates\n0\n" : attribute_sections;
     if (constraint_file.empty()) {
         t += "constraint_given\n0\n";
     } else {

@@ -27,6 +27,8 @@ struct GraphRunFile {
     std::string constraint_file;
     // Included effects by their run-file name: starting value and lambda.
     std::map<std::string, std::pair<double, double>> effects;
+    // The attribute and covariate sections as they stand in the file; empty: both flags 0.
+    std::string attribute_sections;
     // Estimation.
     int subphases = 5;
     double gain = 0.1;
