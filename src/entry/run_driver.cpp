@@ -33,14 +33,6 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
             run_file.c_str(), settings.task, settings.network_kind);
         return;
     }
-    if (settings.task == 4) {
-        std::fprintf(
-            context.console,
-            "vexa: the Bayesian goodness of fit is not available in this version; '%s' was "
-            "read but not run\n",
-            run_file.c_str());
-        return;
-    }
     if (settings.network_kind == 2) {
         run_digraph_task(context);
     } else {

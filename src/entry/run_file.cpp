@@ -359,7 +359,12 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     read_output_flags(reader, settings);
     settings.burn_in = double_row(reader, "burn_in");
     if (task == 4) {
-        settings.sample_count = int_row(reader, "sample_count");
+        settings.sample_count = int_row(reader, "sample_count", &line);
+        if (settings.sample_count < 1) {
+            impossible(reader, line, "sample_count",
+                       format_message("at least 1 parameter set must be used, found %d",
+                                      settings.sample_count));
+        }
         return;
     }
     settings.iterations = double_row(reader, "iterations");

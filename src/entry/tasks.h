@@ -18,6 +18,7 @@
 #include "model/parameter_labels.h"
 #include "model/parameter_vector.h"
 #include "model/terms.h"
+#include "report/bayesian_report.h"
 #include "report/convergence_report.h"
 #include "report/estimation_report.h"
 #include "report/gof_report.h"
@@ -27,6 +28,7 @@
 #include "report/statistics_report.h"
 #include "report/update_files.h"
 #include "sampler/steps.h"
+#include "simulation/bayesian_gof.h"
 #include "simulation/goodness_of_fit.h"
 #include "simulation/sampling.h"
 
@@ -219,6 +221,124 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     }
 }
 
+// Goodness of fit over the parameter sets of the run file's sets file: one draw per set, the
+// end of a burn-in chain from the observed network under that set.
+template <class Store>
+void bayesian_goodness_of_fit(RunContext& context, TaskSetup<Store>& setup) {
+    using Traits = KindTraits<Store>;
+    const RunSettings& s = context.settings;
+    const OutputNames& names = context.names;
+    const Model& model = context.model;
+    const int p = model.parameter_count();
+    if (p == 0) {
+        throw SettingError(format_message(
+            "vexa: run file '%s' includes no effect, so there is no parameter set to draw under",
+            s.run_file.c_str()));
+    }
+    const ParameterSets read = read_parameter_sets(s.parameter_sets_file, p, s.sample_count);
+    const std::vector<std::vector<double>>& sets = read.sets;
+    const int count = static_cast<int>(sets.size());
+    if (count < s.sample_count) {
+        std::fprintf(context.console,
+                     "vexa: parameter sets file '%s' holds %d parameter sets where sample_count "
+                     "asks for %d; all %d are used\n",
+                     s.parameter_sets_file.c_str(), count, s.sample_count, count);
+        std::fflush(context.console);
+    }
+    write_spss(context);
+
+    std::vector<double> observed_statistics(static_cast<size_t>(p), 0.0);
+    {
+        Workspace workspace;
+        prepare_workspace(workspace, setup.terms);
+        compute_totals(setup.observed, setup.terms, workspace, observed_statistics);
+    }
+    typename Traits::Scratch scratch;
+    const SampleMeasures observed_measures = Traits::measure(setup.observed, scratch);
+    {
+        OutFile report(names.gof, OpenMode::append);
+        write_bayesian_heading(report, parameter_labels(model, LabelStyle::simulation),
+                               summarise_sets(sets, p), count, s.burn_in);
+        report.close();
+    }
+
+    GofSample sample;
+    sample.statistics.assign(static_cast<size_t>(p), {});
+    sample.measures.assign(Traits::measure_names().size(), {});
+    const std::vector<ParameterLabel> columns = parameter_labels(model, LabelStyle::sample);
+    OutFile statistics(names.sample_statistics + ".txt", OpenMode::truncate);
+    write_sample_statistics_header(statistics, columns);
+    Store working = setup.observed;
+    typename Traits::SampleFiles files(working, s, names);
+    typename Traits::GofExtras extras(setup.observed);
+    std::unique_ptr<OutFile> accept;
+    if (Traits::gof_writes_accept) {
+        accept = std::make_unique<OutFile>(names.accept, OpenMode::truncate);
+        write_accept_heading(*accept, Store::kind);
+    }
+    Chain<Store> chain = make_chain(working, setup.terms, p, setup.sampler, context.rng);
+    // A chain of b steps takes ceil(b) of them.
+    const double steps_per_set = s.burn_in > 0.0 ? std::ceil(s.burn_in) : 0.0;
+    int empty = 0;
+    int complete = 0;
+    const double accepted = run_parameter_sets(
+        chain, setup.observed, sets, s.burn_in, context.seeds, [&](size_t d, double taken) {
+            const double number = static_cast<double>(d + 1);
+            context.progress.say("%.0f\t", number);
+            if (accept)
+                write_accept_row(*accept, number,
+                                 steps_per_set > 0.0 ? taken / steps_per_set : 0.0);
+            extras.record(working);
+            write_sample_statistics_row(statistics, number, chain.statistics, columns);
+            for (size_t k = 0; k < static_cast<size_t>(p); ++k)
+                sample.statistics[k].push_back(chain.statistics[k]);
+            sample.numbers.push_back(number);
+            const SampleMeasures measures = Traits::measure(working, scratch);
+            for (size_t m = 0; m < measures.values.size(); ++m)
+                sample.measures[m].push_back(measures.values[m]);
+            sample.quartiles.push_back(measures.quartiles);
+            files.write_rows(working, scratch, &measures);
+            if (s.pajek_output == 1)
+                Traits::write_sample_network(working, number, names, s.network_name);
+            const Bound bound = bound_of(working);
+            empty += bound == Bound::empty ? 1 : 0;
+            complete += bound == Bound::complete ? 1 : 0;
+        });
+    context.progress.say("\nAccepted %.0f changes.\n", accepted);
+    statistics.close();
+    files.close();
+    if (accept) {
+        write_accepted_total(*accept, Store::kind, accepted);
+        accept->close();
+    }
+
+    OutFile report(names.gof, OpenMode::append);
+    write_bayesian_comparisons(report, Store::kind, accepted, steps_per_set * count,
+                               parameter_labels(model, LabelStyle::gof), observed_statistics,
+                               Traits::measure_names(), observed_measures.values, sample);
+    extras.write(report);
+    write_gof_quartiles(report, observed_measures.quartiles, sample);
+    const Mahalanobis distance = mahalanobis(sample.statistics, observed_statistics);
+    write_gof_mahalanobis(report, Store::kind, distance);
+    write_bayesian_bounds(report, empty, complete);
+    report.close();
+    {
+        OutFile table(names.simulation, OpenMode::truncate);
+        write_gof_sample_table(table, columns, sample, distance);
+        table.close();
+    }
+    if (empty + complete > 0) {
+        std::fprintf(context.console,
+                     "vexa: %d of %d draws ended at the empty network and %d at the complete "
+                     "one: those parameter sets lie in a degenerate region\n",
+                     empty, count, complete);
+        std::fflush(context.console);
+    }
+    if (Traits::gof_writes_end_statistics) {
+        write_statistics_file(names.end_statistics, model, working, setup.terms);
+    }
+}
+
 template <class Store>
 void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<double>& parameters) {
     const RunSettings& s = context.settings;
@@ -390,6 +510,7 @@ void run_task(RunContext& context) {
         case 3:
             task_detail::goodness_of_fit(context, setup, parameters, task_detail::sampling_plan(s));
             break;
+        case 4: task_detail::bayesian_goodness_of_fit(context, setup); break;
         default: break;
     }
 }

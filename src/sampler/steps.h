@@ -289,17 +289,19 @@ inline int step(Chain<Store>& chain, const double* parameters) {
 }
 
 // Runs ceil(steps) steps (none for 0 or less): a counter starts at 0.0 and a step is taken
-// while it is below `steps`.
+// while it is below `steps`. Returns the number of accepted steps.
 template <class Store>
-void run_steps(Chain<Store>& chain, const double* parameters, double steps) {
-    for (double k = 0.0; k < steps; k += 1.0) step(chain, parameters);
+double run_steps(Chain<Store>& chain, const double* parameters, double steps) {
+    double accepted = 0.0;
+    for (double k = 0.0; k < steps; k += 1.0) accepted += step(chain, parameters);
+    return accepted;
 }
 
-// Reseeds the generator, then runs the steps.
+// Reseeds the generator, then runs the steps; returns the number accepted.
 template <class Store>
-void run_sampler(Chain<Store>& chain, const double* parameters, double steps, SeedSource& seeds) {
+double run_sampler(Chain<Store>& chain, const double* parameters, double steps, SeedSource& seeds) {
     seeds.reseed(*chain.rng);
-    run_steps(chain, parameters, steps);
+    return run_steps(chain, parameters, steps);
 }
 
 // Throws SettingError when the chain could never find a proposal: fewer than two nodes, a

@@ -56,6 +56,7 @@ std::string GraphRunFile::text() const {
         t.append("\n");
     }
     t += attribute_sections.empty() ? "attributes\n0\ncovariates\n0\n" : attribute_sections;
+    if (task == 4) t.append("parameter_sets_file\n").append(parameter_sets_file).append("\n\n");
     if (constraint_file.empty()) {
         t += "constraint_given\n0\n";
     } else {
@@ -73,7 +74,7 @@ std::string GraphRunFile::text() const {
                                 "triangle", "twopath", "et0nt"};
         for (int k = 0; k < 7; ++k) row(labels[k], std::to_string(flags[k]));
         row("burn_in", number(burn_in));
-        row("iterations", number(iterations));
+        if (task != 4) row("iterations", number(iterations));
         row("samples", std::to_string(samples));
     }
     return t;

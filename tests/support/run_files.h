@@ -18,13 +18,14 @@ struct GraphRunFile {
     NetworkKind kind = NetworkKind::graph;
     std::string name = "net";
     std::string directory = "out";
-    std::string network_file;  // tasks 2 and 3
+    std::string network_file;  // tasks 2 to 4
     int task = 2;
     int nodes = 16;
     double initial_density = 0.1;  // task 1
     int sampler_variant = 0;
     int degree_cap = -1;  // -1: no cap row
     std::string constraint_file;
+    std::string parameter_sets_file;  // task 4
     // Included effects by their run-file name: starting value and lambda.
     std::map<std::string, std::pair<double, double>> effects;
     // The attribute and covariate sections as they stand in the file; empty: both flags 0.
@@ -39,8 +40,8 @@ struct GraphRunFile {
     // Simulation and goodness of fit: Pajek, degree, geodesic, cluster, triangle, two-path, et0nt.
     int flags[7] = {0, 0, 0, 0, 0, 0, 0};
     double burn_in = 0;
-    double iterations = 0;
-    int samples = 1;
+    double iterations = 0;  // not in task 4
+    int samples = 1;        // task 4: the parameter sets to use
 
     std::string text() const;
     // Writes the run file into dir and returns its path.

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "entry/parameter_sets.h"
 #include "entry/run_driver.h"
 
 namespace {
@@ -12,6 +13,7 @@ void usage(FILE* out) {
     std::fprintf(
         out,
         "usage: vexa [--seed N] [--check] [--sampler V] RUNFILE\n"
+        "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says.\n"
         "  --seed N     make the run reproducible: every random stream of the run derives from N\n"
@@ -21,6 +23,11 @@ void usage(FILE* out) {
         "               dyad, 1 a move that keeps the number of ties, 2 (digraphs) a move that\n"
         "               keeps every out-degree, 3 the tie/no-tie proposal (a present tie half of\n"
         "               the time: far faster mixing on sparse networks)\n"
+        "  --draw-sets COUNT SETSFILE\n"
+        "               run nothing: after the estimation that RUNFILE describes, write COUNT\n"
+        "               parameter sets drawn from the normal distribution around its estimates\n"
+        "               (the update files in the working directory) with its covariance file\n"
+        "               to SETSFILE, one per line, for a Bayesian goodness of fit (task 4)\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -36,6 +43,8 @@ bool parse_seed(const char* text, unsigned long& seed) {
 int main(int argc, char** argv) {
     vexa::RunOptions options;
     const char* run_file = nullptr;
+    long draw_count = -1;
+    const char* sets_file = nullptr;
     for (int k = 1; k < argc; ++k) {
         const char* arg = argv[k];
         if (std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-h") == 0) {
@@ -54,6 +63,20 @@ int main(int argc, char** argv) {
             }
             options.sampler_variant = static_cast<int32_t>(variant);
             ++k;
+            continue;
+        }
+        if (std::strcmp(arg, "--draw-sets") == 0) {
+            unsigned long count = 0;
+            if (k + 2 >= argc || !parse_seed(argv[k + 1], count) || count < 1 ||
+                count > 100000000UL) {
+                std::fprintf(
+                    stderr,
+                    "vexa: --draw-sets needs a count from 1 to 100000000 and a file name\n");
+                return 2;
+            }
+            draw_count = static_cast<long>(count);
+            sets_file = argv[k + 2];
+            k += 2;
             continue;
         }
         if (std::strcmp(arg, "--check") == 0) {
@@ -85,6 +108,10 @@ int main(int argc, char** argv) {
     if (run_file == nullptr) {
         usage(stderr);
         return 2;
+    }
+    if (sets_file != nullptr) {
+        return vexa::draw_parameter_sets_entry(run_file, static_cast<int>(draw_count), sets_file,
+                                               options);
     }
     return vexa::run_entry(run_file, options);
 }

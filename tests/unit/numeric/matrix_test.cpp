@@ -64,7 +64,7 @@ TEST(MatrixInverse, HandWorkedMatricesAndRoundTrips) {
     }
 }
 
-TEST(SymmetricSquareRoot, HandWorkedRoots) {
+TEST(SymmetricSquareRoot, HandWorkedAndRandomRoots) {
     // [[2,1],[1,2]]: eigenvalues 3, 1 on (1,1), (1,-1); root (1/2) [[r3+1, r3-1], [r3-1, r3+1]].
     // C = [[1,1],[1,1]]: C C = 2C, root C / sqrt(2). The last two are B B for a tridiagonal B with
     // positive eigenvalues (2, 2 +- r2; 3 + 2 cos(k pi / 5)), so B is their root; several sweeps.
@@ -79,6 +79,22 @@ TEST(SymmetricSquareRoot, HandWorkedRoots) {
              {Matrix{4, 4, {10, 6, 1, 0, 6, 11, 6, 1, 1, 6, 11, 6, 0, 1, 6, 10}},
               Matrix{4, 4, {3, 1, 0, 0, 1, 3, 1, 0, 0, 1, 3, 1, 0, 0, 1, 3}}}}) {
         expect_near(symmetric_sqrt(c), root, 1e-9);
+    }
+    // Random covariances A A^T + I / 10: the root is symmetric and squares back to C.
+    Rng rng;
+    rng.seed(77);
+    for (const int n : {2, 3, 5, 8, 12}) {
+        Matrix a = make_matrix(n, n);
+        for (double& x : a.data) x = rng.unit() * 4.0 - 2.0;
+        Matrix a_transposed = make_matrix(n, n);
+        for (int r = 0; r < n; ++r)
+            for (int c = 0; c < n; ++c) a_transposed[c][r] = a[r][c];
+        Matrix c = multiply(a, a_transposed);
+        for (int r = 0; r < n; ++r) c[r][r] += 0.1;
+        const Matrix root = symmetric_sqrt(c);
+        expect_near(multiply(root, root), c, 1e-9 * n);
+        for (int r = 0; r < n; ++r)
+            for (int k = 0; k < r; ++k) EXPECT_NEAR(root[r][k], root[k][r], 1e-9) << n;
     }
     // Not a covariance: an eigenvalue -1, a negative variance, asymmetric, not finite, not square.
     for (const Matrix& bad :
