@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -63,64 +62,6 @@ TEST(GraphEstimation, MarkovModelAgreesWithTheKnownMaximumLikelihoodEstimates) {
         EXPECT_NEAR(summary[k].estimate, known[k], 0.5 * known_se[k]) << summary[k].label;
         EXPECT_NEAR(summary[k].se, known_se[k], 0.35 * known_se[k]) << summary[k].label;
     }
-}
-
-TEST(GraphEstimation, SameCategoryModelHasItsClosedForm) {
-    // Edge + same category is dyad-independent: the estimates are the log-odds of a tie between
-    // categories and the difference of the log-odds within and between, counted here from the
-    // files themselves (the school network, grades 7 to 12).
-    const std::string dir = testing::scratch_directory("estimation_same_category");
-    for (const char* name : {"faux.mesa.high.txt", "faux.mesa.high_attributes.txt"}) {
-        std::filesystem::copy_file(testing::data_path(name), dir + "/" + name,
-                                   std::filesystem::copy_options::overwrite_existing);
-    }
-    std::istringstream matrix(read_text(dir + "/faux.mesa.high.txt"));
-    std::istringstream attributes(read_text(dir + "/faux.mesa.high_attributes.txt"));
-    std::string word;
-    attributes >> word >> word >> word;  // Grade Race Sex
-    std::vector<std::string> grade;
-    for (std::string g, race, sex; attributes >> g >> race >> sex;) grade.push_back(g);
-    const auto n = static_cast<int>(grade.size());
-    ASSERT_EQ(n, 205);
-    double pairs[2] = {0, 0}, ties[2] = {0, 0};  // between, within
-    for (int i = 0; i < n; ++i) {
-        for (int j = 0; j < n; ++j) {
-            int cell = 0;
-            matrix >> cell;
-            if (j <= i) continue;
-            const int same = grade[static_cast<size_t>(i)] == grade[static_cast<size_t>(j)];
-            pairs[same] += 1;
-            ties[same] += cell;
-        }
-    }
-    auto logit = [](double tied, double all) { return std::log(tied / (all - tied)); };
-    const double edge = logit(ties[0], pairs[0]);
-    const double same = logit(ties[1], pairs[1]) - edge;
-
-    GraphRunFile file;
-    file.nodes = n;
-    file.network_file = "faux.mesa.high.txt";
-    file.effects = {{"edge", {0.0, 0.0}}};
-    file.attribute_sections =
-        "attributes\n1\nbinary\n0\ncontinuous\n0\ncategorical\n1\n3\nfile\n"
-        "faux.mesa.high_attributes.txt\n\n";
-    for (const char* attribute : {"Grade", "Race", "Sex"}) {
-        const int included = std::string(attribute) == "Grade" ? 1 : 0;
-        file.attribute_sections += std::string(attribute) + "_same\n" + std::to_string(included) +
-                                   "\n0\n" + attribute + "_different\n0\n0\n";
-    }
-    file.attribute_sections += "covariates\n0\n";
-    file.factor = 40;
-    file.runs = 10;
-    run_vexa(dir, file, 2);
-    const std::vector<SummaryRow> summary =
-        last_summary(read_text(dir + "/out/estimation_net.txt"));
-    ASSERT_EQ(summary.size(), 2u);
-    EXPECT_EQ(summary[1].label, "Grade_matching");
-    EXPECT_LT(std::fabs(summary[0].t), 0.1);
-    // A converged estimate sits within a fraction of its standard error of the answer.
-    EXPECT_NEAR(summary[0].estimate, edge, 0.3 * summary[0].se);
-    EXPECT_NEAR(summary[1].estimate, same, 0.3 * summary[1].se);
 }
 
 TEST(GraphRuns, DegenerateAndImpossibleRunsEndCleanlyAndKeepWhatTheyWrote) {

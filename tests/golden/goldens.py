@@ -111,11 +111,15 @@ def main():
     mode.add_argument("--update", action="store_true")
     parser.add_argument("--keep")
     parser.add_argument("--only", help="run only the cases whose name contains this")
+    parser.add_argument("--skip", action="append", default=[],
+                        help="leave out the cases whose name contains this (repeatable)")
     args = parser.parse_args()
     vexa = os.path.abspath(args.vexa)
     failures = []
     for name, setup in cases():
         if args.only and args.only not in name:
+            continue
+        if any(part in name for part in args.skip):
             continue
         with tempfile.TemporaryDirectory() as work:
             outputs = run_case(vexa, setup, work)

@@ -1,5 +1,7 @@
 #include "support/test_support.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -8,7 +10,9 @@
 namespace vexa::testing {
 
 std::string scratch_directory(const std::string& name) {
-    const std::filesystem::path dir = std::filesystem::temp_directory_path() / "vexa_tests" / name;
+    // Per process: test runs of several builds (or several checkouts) may go side by side.
+    const std::filesystem::path dir = std::filesystem::temp_directory_path() /
+                                      ("vexa_tests_" + std::to_string(::getpid())) / name;
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
     return dir.string();
