@@ -1,0 +1,221 @@
+// Mixing, not only proposals: the effective sample size per second of the model statistics for
+// the toggle (variant 0) and the tie/no-tie proposal (variant 3), at mean degree 10.
+//   graph:   edge + AS + AT + A2P (lambda 2)
+//   digraph: arc + reciprocity + AT-T + A2P-T (lambda 2)
+// Each run starts from a random network of mean degree 10, burns in with the proposal it
+// measures, then records the statistics every `thin` proposals; the effective sample size of
+// each statistic comes from the autocorrelation of those draws, and the smallest over the
+// statistics, divided by the seconds of the recorded stretch, is ess_per_s. Counters:
+// ess_per_s, min_ess, accepted_per_s, proposals_per_s, mean_degree (at the end; out-degree for
+// digraphs), peak_MB (ru_maxrss: the process's peak so far, so run one size alone for a clean
+// figure). Rates and the reported time are processor seconds of the recorded stretch.
+//
+//   build/bench/vexa_bench --benchmark_filter=Mixing/            n = 1,000 (about a minute)
+//   build/bench/vexa_bench --benchmark_filter=MixingLarge/5000   opt-in, several minutes
+//   build/bench/vexa_bench --benchmark_filter=MixingLarge/20000  opt-in, 2.5 GB, long
+// The large sizes run only when the filter names MixingLarge; otherwise they say so and stop.
+//
+// Measured (Release, processor seconds on a shared 2-core machine; ESS from 400 draws at
+// n = 1,000 and 200 at 5,000, so within some 30 %):
+//   kind     n     variant  ess/s   accepted/s  proposals/s  peak MB
+//   graph    1000  toggle    10.5     136 k       6.37 M       13
+//   graph    1000  tie/no    129      2.65 M      3.03 M       13
+//   digraph  1000  toggle    1.8      81 k        4.03 M       15
+//   digraph  1000  tie/no    8.9      765 k       1.08 M       15
+//   graph    5000  tie/no    8.8      1.07 M      1.23 M       154
+//   digraph  5000  tie/no    3.1      565 k       790 k        160
+// The toggle at 5,000 and both proposals at 20,000 (2.3 GB resident for the graph) did not
+// finish within the time the machine's load allowed.
+//
+#include <benchmark/benchmark.h>
+#include <sys/resource.h>
+
+#include <cmath>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include "effects/digraph/digraph_catalogue.h"
+#include "effects/graph/graph_catalogue.h"
+#include "estimation/diagnostics.h"
+#include "model/terms.h"
+#include "network/digraph.h"
+#include "network/graph.h"
+#include "numeric/matrix.h"
+#include "sampler/steps.h"
+
+namespace {
+
+using namespace vexa;
+
+constexpr double mean_degree_target = 10.0;
+
+// The edge parameter 1.6 above the log-odds of the density balances the pull of the
+// alternating terms (about 0.1 in size) at mean degree 10, for both kinds.
+double balancing_density_parameter(int n) {
+    const double density = mean_degree_target / (n - 1);
+    return std::log(density / (1.0 - density)) + 1.6;
+}
+
+struct GraphSetup {
+    Graph store;
+    std::vector<Term<Graph>> terms;
+    std::vector<double> parameters;
+};
+
+GraphSetup graph_setup(int n) {
+    Model model = empty_model(NetworkKind::graph);
+    for (const GraphEffect effect :
+         {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
+        EffectSetting& setting = model.structural[static_cast<size_t>(effect)];
+        setting.slot = model.structural_included++;
+        setting.lambda = 2.0f;
+    }
+    Rng rng;
+    SeedSource seeds{.fixed = true, .base = 3};
+    return {random_graph(n, static_cast<int64_t>(n * mean_degree_target / 2.0), rng, seeds),
+            make_terms<Graph>(model),
+            {balancing_density_parameter(n), 0.1, 0.1, -0.1}};
+}
+
+struct DigraphSetup {
+    Digraph store;
+    std::vector<Term<Digraph>> terms;
+    std::vector<double> parameters;
+};
+
+DigraphSetup digraph_setup(int n) {
+    Rng rng;
+    SeedSource seeds{.fixed = true, .base = 42};
+    DigraphSetup s{
+        random_digraph_by_count(n, static_cast<int64_t>(n * mean_degree_target), rng, seeds),
+        {},
+        {balancing_density_parameter(n), 0.5, 0.1, -0.1}};
+    int32_t slot = 0;
+    for (const DigraphEffect effect : {DigraphEffect::arc, DigraphEffect::reciprocity,
+                                       DigraphEffect::at_t, DigraphEffect::a2p_t}) {
+        s.terms.push_back(digraph_term(effect, slot++, 2.0f));
+    }
+    return s;
+}
+
+double mean_degree_of(const Graph& g) { return 2.0 * g.edge_count / g.node_count; }
+double mean_degree_of(const Digraph& d) { return mean_degree(d); }
+
+double peak_megabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024.0;  // kilobytes on Linux
+}
+
+// Proposals between recorded draws. The toggle refreshes the ties about once per sweep of the
+// dyads; the tie/no-tie proposal picks every tie about once in 2 x ties proposals, so its
+// natural unit is a multiple of n. Both are thinned to a few draws per autocorrelation time,
+// found by trial, so that the recorded stretch is many autocorrelation times long.
+double thinning(int n, int variant, bool directed) {
+    const double dyads = directed ? double(n) * (n - 1) : double(n) * (n - 1) / 2.0;
+    return variant == tie_no_tie_variant ? 20.0 * n : dyads / 4.0;
+}
+
+// The process's processor time: the machine is shared, and wall time would count the others.
+double cpu_seconds() {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec);
+}
+
+template <class Store>
+void measure_mixing(benchmark::State& state, Store& store, const std::vector<Term<Store>>& terms,
+                    const std::vector<double>& parameters) {
+    const int n = store.node_count;
+    const int variant = static_cast<int>(state.range(1));
+    const int p = static_cast<int>(parameters.size());
+    Rng rng;
+    rng.seed(static_cast<uint32_t>(17 + variant));
+    SamplerSettings settings;
+    settings.variant = variant;
+    Chain<Store> chain = make_chain(store, terms, p, settings, rng);
+    const double thin = thinning(n, variant, Store::kind == NetworkKind::digraph);
+    run_steps(chain, parameters.data(), 20.0 * thin);  // burn in
+    // Enough draws for tens of autocorrelation times; fewer at the large sizes, where the
+    // toggle's figure is then rough.
+    const int draws = n <= 1000 ? 400 : 200;
+    Matrix recorded = make_matrix(draws, p);
+    double accepted = 0.0;
+    double seconds = 0.0;
+    for (auto _ : state) {
+        const double start = cpu_seconds();
+        for (int d = 0; d < draws; ++d) {
+            for (double k = 0.0; k < thin; k += 1.0) accepted += step(chain, parameters.data());
+            for (int s = 0; s < p; ++s) recorded[d][s] = chain.statistics[static_cast<size_t>(s)];
+        }
+        seconds = cpu_seconds() - start;
+        state.SetIterationTime(seconds);
+    }
+    double smallest = INFINITY;
+    for (int s = 0; s < p; ++s) smallest = std::min(smallest, effective_sample_size(recorded, s));
+    state.counters["min_ess"] = smallest;
+    state.counters["ess_per_s"] = smallest / seconds;
+    state.counters["accepted_per_s"] = accepted / seconds;
+    state.counters["proposals_per_s"] = thin * draws / seconds;
+    state.counters["mean_degree"] = mean_degree_of(store);
+    state.counters["peak_MB"] = peak_megabytes();
+}
+
+void BM_GraphMixing(benchmark::State& state) {
+    GraphSetup s = graph_setup(static_cast<int>(state.range(0)));
+    measure_mixing(state, s.store, s.terms, s.parameters);
+}
+
+void BM_DigraphMixing(benchmark::State& state) {
+    DigraphSetup s = digraph_setup(static_cast<int>(state.range(0)));
+    measure_mixing(state, s.store, s.terms, s.parameters);
+}
+
+// The large sizes take minutes and gigabytes: they run only when asked for by name.
+bool large_sizes_asked() {
+    return benchmark::GetBenchmarkFilter().find("Large") != std::string::npos;
+}
+
+void BM_GraphMixingLarge(benchmark::State& state) {
+    if (!large_sizes_asked()) {
+        state.SkipWithError("opt-in: --benchmark_filter=MixingLarge");
+        for (auto _ : state) {
+        }
+        return;
+    }
+    BM_GraphMixing(state);
+}
+
+void BM_DigraphMixingLarge(benchmark::State& state) {
+    if (!large_sizes_asked()) {
+        state.SkipWithError("opt-in: --benchmark_filter=MixingLarge");
+        for (auto _ : state) {
+        }
+        return;
+    }
+    BM_DigraphMixing(state);
+}
+
+BENCHMARK(BM_GraphMixing)
+    ->ArgsProduct({{1000}, {0, tie_no_tie_variant}})
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DigraphMixing)
+    ->ArgsProduct({{1000}, {0, tie_no_tie_variant}})
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_GraphMixingLarge)
+    ->ArgsProduct({{5000, 20000}, {0, tie_no_tie_variant}})
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DigraphMixingLarge)
+    ->ArgsProduct({{5000, 20000}, {0, tie_no_tie_variant}})
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
