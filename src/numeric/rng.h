@@ -24,6 +24,20 @@ struct Rng {
     // A node drawn as draw mod n (n > 0). A draw has 15 bits, so beyond 32,768 nodes two draws
     // make one of 30 bits, and every node can be drawn.
     int node(int n) { return n <= 32768 ? next() % n : wide() % n; }
+    // Exactly uniform on 0 .. n - 1 (n > 0): draws past the last whole multiple of n are
+    // drawn again, so no value is favoured. Proposals whose acceptance ratio assumes uniform
+    // draws need this; draw mod n favours the low values whenever n does not divide the range.
+    int64_t uniform(int64_t n) {
+        const int draws = n <= (int64_t{1} << 15) ? 1 : n <= (int64_t{1} << 30) ? 2 : 3;
+        const int64_t range = int64_t{1} << (15 * draws);
+        const int64_t limit = range - range % n;
+        int64_t draw = 0;
+        do {
+            draw = 0;
+            for (int k = 0; k < draws; ++k) draw = draw << 15 | next();
+        } while (draw >= limit);
+        return draw % n;
+    }
     // 0 .. 2^30 - 1, from two draws.
     int wide() { return next() << 15 | next(); }
     // A uniform number in [0, 1], both ends possible.

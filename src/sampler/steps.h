@@ -173,7 +173,8 @@ int swap_step(Chain<Store>& chain, const double* parameters) {
 }
 
 // One tie/no-tie proposal; 1 when accepted. Half the time it proposes removing a tie drawn
-// uniformly from the present ones, otherwise toggling a dyad drawn uniformly; sparse networks
+// uniformly from the present ones, otherwise toggling a dyad drawn uniformly (exactly so: the
+// ratio below assumes it); sparse networks
 // then see removals as often as additions, where a plain toggle proposes almost only
 // additions, most of them refused. The acceptance ratio carries q(back) / q(forth), so the
 // chain keeps the same stationary distribution as the toggle.
@@ -186,19 +187,20 @@ int tie_no_tie_step(Chain<Store>& chain, const double* parameters) {
     int i = 0;
     int j = 0;
     if (ties > 0.0 && rng.next() < 16384) {
-        const uint64_t key = chain.ties.at(static_cast<size_t>(rng.wide()) % chain.ties.size());
+        const uint64_t key = chain.ties.at(
+            static_cast<size_t>(rng.uniform(static_cast<int64_t>(chain.ties.size()))));
         i = TieList::first(key);
         j = TieList::second(key);
     } else {
         const int n = store.node_count;
-        i = rng.node(n);
+        i = static_cast<int>(rng.uniform(n));
         j = i;
         if (chain.settings.mask == nullptr) {
-            while (j == i) j = rng.node(n);
+            while (j == i) j = static_cast<int>(rng.uniform(n));
         } else {
             while (j == i || !chain.settings.mask->allows(i, j)) {
-                i = rng.node(n);
-                j = rng.node(n);
+                i = static_cast<int>(rng.uniform(n));
+                j = static_cast<int>(rng.uniform(n));
             }
         }
     }
