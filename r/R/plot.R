@@ -8,9 +8,11 @@ distribution_panel <- function(sample, observed, labels, main, xlab) {
   sample <- cbind(sample, matrix(0, nrow(sample), columns - ncol(sample)))
   observed <- c(observed, rep(0, columns - length(observed)))
   keep <- seq_len(columns)
+  # The whiskers and the observed values set the scale; outliers are not drawn.
+  whiskers <- boxplot(sample[, keep, drop = FALSE], plot = FALSE)$stats
   boxplot(sample[, keep, drop = FALSE], names = labels[keep], main = main, xlab = xlab,
           ylab = "count", col = "grey90", border = "grey40", outline = FALSE,
-          ylim = range(c(sample, observed)), las = if (length(keep) > 8L) 2L else 1L,
+          ylim = range(c(whiskers, observed)), las = if (length(keep) > 8L) 2L else 1L,
           cex.axis = 0.8)
   lines(keep, observed, col = "red", lwd = 2)
   points(keep, observed, col = "red", pch = 19, cex = 0.7)

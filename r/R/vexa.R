@@ -428,7 +428,8 @@ print.vexa_gof <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
   if (is.na(x$mahalanobis)) {
     cat("\nMahalanobis distance: not available (the sampled statistics are collinear)\n")
   } else {
-    cat(sprintf("\nMahalanobis distance of the observed network: %.4f (%.1f%% of samples closer)\n",
+    cat(sprintf(paste("\nMahalanobis distance of the observed network: %.4f",
+                      "(%.1f%% of samples lie nearer the sample mean)\n"),
                 x$mahalanobis, x$mahalanobis_closer))
   }
   invisible(x)
