@@ -14,6 +14,8 @@
 
 namespace vexa {
 
+struct Embedding;
+
 // Every setting of the run file, with the defaults that apply when a row is optional.
 struct RunSettings {
     std::string run_file;  // the path the run was started with, for messages
@@ -99,8 +101,9 @@ struct RunOptions {
     bool fixed_seed = false;  // every seeding of the run derives from `seed` (else from the clock)
     uint32_t seed = 0;
     bool confirm = false;  // after a converged estimation, check the estimate with a long chain
-    int32_t sampler_variant = -1;  // when 0 or more, overrides the run file's sampler variant
-    FILE* console = stdout;        // progress and messages
+    int32_t sampler_variant = -1;        // when 0 or more, overrides the run file's sampler variant
+    FILE* console = stdout;              // progress and messages
+    const Progress* progress = nullptr;  // what computations say; null: the console
 };
 
 struct RunContext {
@@ -112,6 +115,8 @@ struct RunContext {
     FILE* console = stdout;  // the run's messages
     Progress progress;       // what the computations say while they run
     bool confirm = false;    // check a converged estimate with a long chain
+    // A host's in-memory network and the results it takes back; null for a run from files.
+    Embedding* embedding = nullptr;
 };
 
 }  // namespace vexa

@@ -11,6 +11,7 @@
 
 #include "base/errors.h"
 #include "base/text_file.h"
+#include "entry/embedding.h"
 #include "entry/run_context.h"
 #include "estimation/confirmation.h"
 #include "estimation/diagnostics.h"
@@ -105,12 +106,19 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
         chain, parameters.data(), plan, context.progress, [&](double i, double interval_accepted) {
             recount_uncarried(chain);
             write_sample_statistics_row(statistics, i, chain.statistics, columns);
+            if (Embedding* host = context.embedding) {
+                host->sample_numbers.push_back(i);
+                host->sample_statistics.emplace_back(chain.statistics.begin(),
+                                                     chain.statistics.begin() + p);
+                if (host->keep_networks) host->networks.push_back(matrix_of(setup.observed));
+            }
             files.write_rows(setup.observed, scratch, nullptr);
             write_accept_row(accept, i, interval_accepted / plan.interval);
             if (s.pajek_output == 1)
                 Traits::write_sample_network(setup.observed, i, names, s.network_name);
         });
     write_accepted_total(accept, Store::kind, accepted);
+    if (context.embedding) context.embedding->accepted = accepted;
     accept.close();
     statistics.close();
     files.close();
@@ -151,6 +159,8 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     }
     typename Traits::Scratch scratch;
     const SampleMeasures observed_measures = Traits::measure(setup.observed, scratch);
+    Embedding* host = context.embedding;
+    if (host) host->observed_profile = profile_of(setup.observed, scratch);
     {
         OutFile report(names.gof, OpenMode::append);
         write_gof_heading(report, Store::kind, parameter_labels(model, LabelStyle::simulation),
@@ -186,6 +196,7 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
                 sample.statistics[k].push_back(chain.statistics[k]);
             sample.numbers.push_back(i);
             const SampleMeasures measures = Traits::measure(working, scratch);
+            if (host) host->sample_profiles.push_back(profile_of(working, scratch));
             for (size_t m = 0; m < measures.values.size(); ++m)
                 sample.measures[m].push_back(measures.values[m]);
             sample.quartiles.push_back(measures.quartiles);
@@ -216,6 +227,15 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     OutFile tail(names.gof, OpenMode::append);
     write_gof_mahalanobis(tail, Store::kind, distance);
     tail.close();
+    if (host) {
+        host->gof_done = true;
+        host->accepted = accepted;
+        host->observed_statistics = observed_statistics;
+        host->measure_names = Traits::measure_names();
+        host->observed_measures = observed_measures;
+        host->gof = std::move(sample);
+        host->distance = distance;
+    }
     if (Traits::gof_writes_end_statistics) {
         write_statistics_file(names.end_statistics, model, working, setup.terms);
     }
@@ -409,6 +429,10 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
                                       s.multiplication_factor);
         }
         converged = check.verdict == Verdict::converged;
+        if (Embedding* host = context.embedding) {
+            host->runs.push_back(result);
+            host->checks.push_back(check);
+        }
         if (run + 1 >= s.estimation_runs || converged) {
             write_statistics_file(names.end_statistics, model, working, setup.terms);
             ended = true;
@@ -453,6 +477,7 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
             confirm_estimate(fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
                              s.multiplication_factor, context.seeds, context.progress);
         const char* answer = confirmation.confirmed ? "confirmed" : "not confirmed";
+        if (context.embedding) context.embedding->confirmed = confirmation.confirmed ? 1 : 0;
         std::fprintf(
             context.console, "vexa: the long-chain check at the estimate: %s\n",
             confirmation_summary(confirmation.confirmed, confirmation.check, labels).c_str());
@@ -470,6 +495,10 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
     }
     if (!ended) write_statistics_file(names.end_statistics, model, working, setup.terms);
     unpack(model, parameters);
+    if (context.embedding) {
+        context.embedding->converged = converged;
+        context.embedding->estimates = parameters;
+    }
     write_update_files(model, "");
     if (s.gof_after_estimation == 1 && converged) {
         KindTraits<Store>::before_gof_after_estimation(context);
@@ -492,7 +521,13 @@ void run_task(RunContext& context) {
             format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
     }
     task_detail::TaskSetup<Store> setup;
-    setup.observed = s.task == 1 ? Traits::random_start(context) : Traits::read(s.network_file, n);
+    if (s.task == 1) {
+        setup.observed = Traits::random_start(context);
+    } else if (context.embedding != nullptr && !context.embedding->adjacency.empty()) {
+        from_matrix(context.embedding->adjacency, n, setup.observed);
+    } else {
+        setup.observed = Traits::read(s.network_file, n);
+    }
     setup.terms = make_terms<Store>(context.model);
     task_detail::write_statistics_file(context.names.start_statistics, context.model,
                                        setup.observed, setup.terms);

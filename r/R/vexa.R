@@ -1,0 +1,459 @@
+# The R front end of the vexa engine: turns R networks, effect lists and data frames into a
+# task request, runs it in the linked engine and wraps the engine's result records.
+
+#' @noRd
+vexa_error <- function(message) {
+  structure(class = c("vexa_error", "error", "condition"),
+            list(message = message, call = NULL))
+}
+
+fail <- function(...) stop(vexa_error(paste0("vexa: ", ...)))
+
+whole_setting <- function(value, name, lowest) {
+  if (!is.numeric(value) || length(value) != 1L || is.na(value) || value != floor(value) ||
+      value < lowest || value > .Machine$integer.max) {
+    fail("setting '", name, "' must be a whole number of ", lowest, " or more")
+  }
+  value
+}
+
+number_setting <- function(value, name, lowest = 0) {
+  if (!is.numeric(value) || length(value) != 1L || !is.finite(value) || value < lowest) {
+    fail("setting '", name, "' must be a number of ", lowest, " or more")
+  }
+  value
+}
+
+vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_factor = 2,
+                          phase3_steps = 500, burn_in = 10000, iterations = 100000,
+                          samples = 1000, sampler = 0, degree_cap = NULL, check = FALSE,
+                          progress = interactive(), output_dir = NULL) {
+  whole_setting(runs, "runs", 1)
+  whole_setting(subphases, "subphases", 0)
+  number_setting(gain, "gain")
+  whole_setting(multiplication_factor, "multiplication_factor", 1)
+  whole_setting(phase3_steps, "phase3_steps", 2)
+  number_setting(burn_in, "burn_in")
+  number_setting(iterations, "iterations", 1)
+  whole_setting(samples, "samples", 1)
+  if (!(sampler %in% 0:3)) fail("setting 'sampler' must be 0, 1, 2 or 3")
+  if (!is.null(degree_cap)) whole_setting(degree_cap, "degree_cap", 0)
+  if (!is.logical(check) || length(check) != 1L || is.na(check)) {
+    fail("setting 'check' must be TRUE or FALSE")
+  }
+  if (!is.null(output_dir) && (!is.character(output_dir) || length(output_dir) != 1L)) {
+    fail("setting 'output_dir' must be one directory name")
+  }
+  structure(list(runs = runs, subphases = subphases, gain = gain,
+                 multiplication_factor = multiplication_factor, phase3_steps = phase3_steps,
+                 burn_in = burn_in, iterations = iterations, samples = samples,
+                 sampler = sampler, degree_cap = degree_cap, check = check,
+                 progress = isTRUE(progress), output_dir = output_dir),
+            class = "vexa_settings")
+}
+
+# The observed network as a 0/1 matrix and its kind.
+as_network <- function(net, directed = NULL) {
+  if (inherits(net, "network")) {
+    if (!requireNamespace("network", quietly = TRUE)) {
+      fail("reading a network object needs the 'network' package")
+    }
+    kind_directed <- network::is.directed(net)
+    m <- as.matrix(network::as.matrix.network.adjacency(net))
+    if (is.null(directed)) directed <- kind_directed
+  } else if (is.matrix(net) || is.data.frame(net)) {
+    m <- as.matrix(net)
+  } else {
+    fail("the network must be an adjacency matrix or a network object, not ",
+         class(net)[1L])
+  }
+  if (!is.numeric(m) && !is.logical(m)) fail("the network matrix must hold numbers")
+  n <- nrow(m)
+  if (n < 1L || ncol(m) != n) {
+    fail("the network matrix must be square with at least 1 node, found ", nrow(m), " x ",
+         ncol(m))
+  }
+  storage.mode(m) <- "double"
+  diag(m) <- 0
+  bad <- which(is.na(m) | (m != 0 & m != 1), arr.ind = TRUE)
+  if (nrow(bad) > 0L) {
+    fail("the network matrix holds ", m[bad[1L, , drop = FALSE]], " at row ", bad[1L, 1L],
+         ", column ", bad[1L, 2L], "; ties are 1 and non-ties 0")
+  }
+  if (is.null(directed)) directed <- !isSymmetric(unname(m))
+  if (!directed && !isSymmetric(unname(m))) {
+    bad <- which(m != t(m), arr.ind = TRUE)[1L, ]
+    fail("the undirected network's matrix is not symmetric at row ", bad[1L], ", column ",
+         bad[2L])
+  }
+  list(matrix = m, directed = isTRUE(directed), n = n,
+       node_names = rownames(m) %||% colnames(m))
+}
+
+`%||%` <- function(a, b) if (is.null(a)) b else a
+
+# `effects`: names of effects, with an alternating effect's lambda as its value:
+# c("edge", AS = 2, AT = 2). Returns a data frame of name and lambda.
+parse_effects <- function(effects) {
+  if (is.null(effects) || length(effects) == 0L) fail("the model needs at least one effect")
+  if (!is.character(effects) && !is.numeric(effects) && !is.list(effects)) {
+    fail("effects must be a character vector such as c(\"edge\", AS = 2)")
+  }
+  keys <- names(effects) %||% rep("", length(effects))
+  name <- character(length(effects))
+  lambda <- numeric(length(effects))
+  for (k in seq_along(effects)) {
+    value <- effects[[k]]
+    if (is.na(keys[k]) || keys[k] == "") {
+      if (!is.character(value) || length(value) != 1L || is.na(value) || value == "") {
+        fail("effect ", k, " has no name")
+      }
+      name[k] <- value
+    } else {
+      lambda_value <- suppressWarnings(as.numeric(value))
+      if (length(lambda_value) != 1L || !is.finite(lambda_value) || lambda_value <= 0) {
+        fail("effect '", keys[k], "': its lambda must be a number above 0, found '",
+             format(value), "'")
+      }
+      name[k] <- keys[k]
+      lambda[k] <- lambda_value
+    }
+  }
+  data.frame(name = name, lambda = lambda, stringsAsFactors = FALSE)
+}
+
+# Values per effect, in the order of the effects: a plain vector, or one named by effect.
+effect_values <- function(values, effects, what) {
+  if (is.null(values)) return(numeric(nrow(effects)))
+  if (!is.numeric(values) || any(!is.finite(values))) fail(what, " must be finite numbers")
+  if (!is.null(names(values)) && all(names(values) != "")) {
+    missing <- setdiff(effects$name, names(values))
+    unknown <- setdiff(names(values), effects$name)
+    if (length(unknown) > 0L) fail(what, " name an effect not in the model: '", unknown[1L], "'")
+    if (length(missing) > 0L) fail(what, " give no value for effect '", missing[1L], "'")
+    return(unname(values[effects$name]))
+  }
+  if (length(values) != nrow(effects)) {
+    fail(what, " hold ", length(values), " values for ", nrow(effects), " effects")
+  }
+  unname(as.numeric(values))
+}
+
+# One column per attribute: logical columns are binary, numeric ones continuous, factors and
+# character columns categorical.
+parse_attributes <- function(attributes, n) {
+  if (is.null(attributes)) return(list())
+  if (!is.data.frame(attributes)) fail("attributes must be a data frame, one column per attribute")
+  if (nrow(attributes) != n) {
+    fail("attributes have ", nrow(attributes), " rows for a network of ", n, " nodes")
+  }
+  lapply(names(attributes), function(name) {
+    x <- attributes[[name]]
+    if (is.logical(x)) {
+      kind <- 0L
+      values <- as.numeric(x)
+    } else if (is.factor(x) || is.character(x)) {
+      kind <- 2L
+      values <- as.numeric(as.integer(factor(x)))
+    } else if (is.numeric(x)) {
+      kind <- 1L
+      values <- as.numeric(x)
+      if (any(is.infinite(values))) fail("attribute '", name, "' holds an infinite value")
+    } else {
+      fail("attribute '", name, "' is neither logical, numeric, factor nor character")
+    }
+    missing <- is.na(values)
+    values[missing] <- 0
+    list(name = name, kind = kind, values = values, missing = missing)
+  })
+}
+
+parse_covariates <- function(covariates, n) {
+  if (is.null(covariates)) return(NULL)
+  if (is.matrix(covariates)) covariates <- list(covariate = covariates)
+  if (!is.list(covariates) || length(covariates) != 1L || is.null(names(covariates))) {
+    fail("covariates must be one named n x n matrix, as list(name = matrix)")
+  }
+  m <- covariates[[1L]]
+  if (!is.matrix(m) || !is.numeric(m) || nrow(m) != n || ncol(m) != n) {
+    fail("covariate '", names(covariates), "' must be a numeric ", n, " x ", n, " matrix")
+  }
+  m[is.na(m)] <- 0
+  if (any(!is.finite(m))) fail("covariate '", names(covariates), "' holds an infinite value")
+  list(name = names(covariates), values = as.numeric(t(m)))
+}
+
+check_seed <- function(seed) {
+  if (is.null(seed)) return(NULL)
+  if (!is.numeric(seed) || length(seed) != 1L || is.na(seed) || seed < 0 ||
+      seed > 4294967295 || seed != floor(seed)) {
+    fail("the seed must be a whole number from 0 to 4294967295")
+  }
+  as.numeric(seed)
+}
+
+output_directory <- function(settings) {
+  dir <- settings$output_dir %||% file.path(tempdir(), "vexa")
+  if (!dir.exists(dir) && !dir.create(dir, recursive = TRUE, showWarnings = FALSE)) {
+    fail("cannot create the output directory '", dir, "'")
+  }
+  normalizePath(dir, mustWork = TRUE)
+}
+
+# Runs one task request in the engine, with a progress bar when asked, and raises the engine's
+# one line as an error.
+run_task <- function(request, settings, seed) {
+  if (!inherits(settings, "vexa_settings")) fail("settings must come from vexa_settings()")
+  request$settings <- unclass(settings)
+  request$output_dir <- output_directory(settings)
+  update <- NULL
+  if (isTRUE(settings$progress)) {
+    bar <- txtProgressBar(min = 0, max = 1, style = 3)
+    on.exit(close(bar), add = TRUE)
+    update <- function(share) setTxtProgressBar(bar, share)
+  }
+  # The update files land in the working directory: keep them beside the reports.
+  old <- setwd(request$output_dir)
+  on.exit(setwd(old), add = TRUE)
+  result <- .vexa_task(request, check_seed(seed), update)
+  if (nzchar(result$error)) stop(vexa_error(result$error))
+  if (!is.null(update)) update(1)
+  result
+}
+
+task_request <- function(task, network, effects, values, attributes, covariates,
+                         name, keep_networks = FALSE, density = 0) {
+  adjacency <- if (is.null(network$matrix)) NULL else as.numeric(t(network$matrix))
+  list(what = paste0("vexa_", name), task = task, kind = if (network$directed) 2L else 1L,
+       n = network$n, name = name, adjacency = adjacency, density = density,
+       effects = list(name = effects$name, value = values, lambda = effects$lambda),
+       attributes = parse_attributes(attributes, network$n),
+       covariate = parse_covariates(covariates, network$n),
+       keep_networks = keep_networks)
+}
+
+labelled_matrix <- function(m, labels) {
+  m <- as.matrix(m)
+  if (length(m) > 0L) dimnames(m) <- list(labels, labels)
+  m
+}
+
+vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
+                          settings = vexa_settings(), seed = NULL, start = NULL,
+                          directed = NULL) {
+  network <- as_network(net, directed)
+  model <- parse_effects(effects)
+  values <- effect_values(start, model, "starting values")
+  request <- task_request(2L, network, model, values, attributes, covariates, "estimate")
+  result <- run_task(request, settings, seed)
+  labels <- result$labels
+  runs <- result$runs
+  last <- runs[[length(runs)]]
+  finished <- !last$degenerate
+  named <- function(x) if (length(x) == length(labels)) setNames(x, labels) else
+    setNames(rep(NA_real_, length(labels)), labels)
+  trace <- last$trace
+  colnames(trace) <- labels
+  steps <- c("start", "phase 1", paste("sub-phase", seq_len(max(nrow(trace) - 2L, 0L)) - 1L))
+  rownames(trace) <- steps[seq_len(nrow(trace))]
+  fit <- list(
+    coefficients = named(if (finished) last$estimates else NULL),
+    std_errors = named(if (finished) last$standard_errors else NULL),
+    t_ratios = named(if (finished) last$t_ratios else NULL),
+    covariance = if (finished) labelled_matrix(last$covariance, labels) else
+      matrix(NA_real_, length(labels), length(labels), dimnames = list(labels, labels)),
+    converged = isTRUE(result$converged), verdict = last$verdict,
+    largest_t = last$largest_t, overall_ratio = last$overall_ratio,
+    effective_sizes = named(last$effective_sizes),
+    confirmed = if (result$confirmed < 0) NA else result$confirmed == 1,
+    trace = trace, runs = runs, observed = named(last$observed),
+    effects = model, attributes = attributes, covariates = covariates,
+    network = network, seed = seed, settings = settings,
+    output_dir = request$output_dir %||% output_directory(settings), console = result$console,
+    call = match.call())
+  class(fit) <- "vexa_fit"
+  fit
+}
+
+coef.vexa_fit <- function(object, ...) object$coefficients
+
+vcov.vexa_fit <- function(object, ...) object$covariance
+
+network_words <- function(network) {
+  ties <- sum(network$matrix) / if (network$directed) 1 else 2
+  sprintf("%s of %d nodes and %g %s", if (network$directed) "digraph" else "graph",
+          network$n, ties, if (network$directed) "arcs" else "edges")
+}
+
+print.vexa_fit <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
+  cat("vexa estimate of a ", network_words(x$network), "\n", sep = "")
+  cat(sprintf("Run %d of %d: %s (largest |t| %.3f, overall convergence ratio %.3f)\n\n",
+              length(x$runs), x$settings$runs, x$verdict, x$largest_t, x$overall_ratio))
+  print(cbind(Estimate = x$coefficients, `Std. Error` = x$std_errors,
+              `Convergence t` = x$t_ratios), digits = digits)
+  invisible(x)
+}
+
+summary.vexa_fit <- function(object, ...) {
+  z <- object$coefficients / object$std_errors
+  table <- cbind(Estimate = object$coefficients, `Std. Error` = object$std_errors,
+                 `Convergence t` = object$t_ratios, `z value` = z,
+                 `Pr(>|z|)` = 2 * pnorm(-abs(z)))
+  structure(list(fit = object, coefficients = table), class = "summary.vexa_fit")
+}
+
+print.summary.vexa_fit <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
+  fit <- x$fit
+  cat("vexa estimate of a ", network_words(fit$network), "\n", sep = "")
+  cat("Call: ", paste(deparse(fit$call), collapse = "\n"), "\n\n", sep = "")
+  stats::printCoefmat(x$coefficients, digits = digits, cs.ind = 1:2, tst.ind = 4L,
+                      zap.ind = 3L, P.values = TRUE, has.Pvalue = TRUE)
+  cat(sprintf("\nVerdict after %d of %d runs: %s\n", length(fit$runs), fit$settings$runs,
+              fit$verdict))
+  cat(sprintf("Largest convergence t-ratio %.3f, overall maximum convergence ratio %.3f\n",
+              fit$largest_t, fit$overall_ratio))
+  if (length(fit$effective_sizes) > 0L && all(is.finite(fit$effective_sizes))) {
+    cat(sprintf("Smallest effective sample size %.0f (%s)\n", min(fit$effective_sizes),
+                names(fit$effective_sizes)[which.min(fit$effective_sizes)]))
+  }
+  if (!is.na(fit$confirmed)) {
+    cat("Long-chain check at the estimate:", if (fit$confirmed) "confirmed" else
+      "not confirmed", "\n")
+  }
+  invisible(x)
+}
+
+# What a simulation or goodness of fit runs: a fit's model and estimates, or a network (or a
+# node count) with effects and parameters.
+model_source <- function(x, effects, parameters, attributes, covariates, directed) {
+  if (inherits(x, "vexa_fit")) {
+    if (anyNA(x$coefficients)) fail("the fit has no estimates: its last run was degenerate")
+    return(list(network = x$network, effects = x$effects,
+                values = unname(x$coefficients), attributes = x$attributes %||% attributes,
+                covariates = x$covariates %||% covariates))
+  }
+  if (is.numeric(x) && length(x) == 1L && !is.matrix(x)) {
+    if (!is.finite(x) || x < 1 || x != floor(x)) fail("the node count must be a whole number of 1 or more")
+    network <- list(matrix = NULL, directed = isTRUE(directed), n = as.integer(x))
+  } else {
+    network <- as_network(x, directed)
+  }
+  if (is.null(parameters)) fail("parameters are needed: one value per effect")
+  model <- parse_effects(effects)
+  list(network = network, effects = model,
+       values = effect_values(parameters, model, "parameters"),
+       attributes = attributes, covariates = covariates)
+}
+
+vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
+                          covariates = NULL, settings = vexa_settings(), seed = NULL,
+                          networks = FALSE, density = NULL, directed = FALSE) {
+  source <- model_source(x, effects, parameters, attributes, covariates, directed)
+  network <- source$network
+  if (is.null(density)) {
+    density <- if (is.null(network$matrix) || network$n < 2L) 0 else
+      sum(network$matrix) / (network$n * (network$n - 1))
+  }
+  number_setting(density, "density")
+  if (density > 1) fail("setting 'density' must lie between 0 and 1")
+  observed <- network$matrix
+  network$matrix <- NULL
+  request <- task_request(1L, network, source$effects, source$values, source$attributes,
+                          source$covariates, "simulate", isTRUE(networks), density)
+  result <- run_task(request, settings, seed)
+  statistics <- as.data.frame(result$sample_statistics)
+  names(statistics) <- result$labels
+  statistics <- cbind(sample = result$sample_numbers, statistics)
+  sampled <- if (isTRUE(networks)) lapply(result$networks, function(m) {
+    dimnames(m) <- if (is.null(observed)) NULL else dimnames(observed)
+    m
+  }) else NULL
+  structure(list(statistics = statistics, networks = sampled, accepted = result$accepted,
+                 parameters = setNames(source$values, result$labels),
+                 directed = network$directed, n = network$n,
+                 output_dir = request$output_dir), class = "vexa_simulation")
+}
+
+print.vexa_simulation <- function(x, ...) {
+  cat(sprintf("vexa simulation: %d samples of a %s of %d nodes, %.0f changes accepted\n",
+              nrow(x$statistics), if (x$directed) "digraph" else "graph", x$n, x$accepted))
+  means <- colMeans(x$statistics[, -1L, drop = FALSE])
+  print(rbind(parameter = x$parameters, `sample mean` = means))
+  invisible(x)
+}
+
+vexa_gof <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
+                     covariates = NULL, settings = vexa_settings(), seed = NULL,
+                     directed = NULL) {
+  source <- model_source(x, effects, parameters, attributes, covariates, directed)
+  if (is.null(source$network$matrix)) fail("goodness of fit needs the observed network")
+  request <- task_request(3L, source$network, source$effects, source$values,
+                          source$attributes, source$covariates, "gof")
+  result <- run_task(request, settings, seed)
+  g <- result$gof
+  labels <- c(result$gof_labels, g$measure_names)
+  table <- data.frame(statistic = labels, observed = g$comparisons$observed,
+                      mean = g$comparisons$mean, sd = g$comparisons$sd,
+                      t = g$comparisons$t, stringsAsFactors = FALSE)
+  quartiles <- data.frame(quartile = c("25%", "50%", "75%"), observed = g$quartile_table$observed,
+                          median = g$quartile_table$median, iqr = g$quartile_table$iqr,
+                          below = g$quartile_table$below, above = g$quartile_table$above,
+                          stringsAsFactors = FALSE)
+  statistics <- g$statistics
+  colnames(statistics) <- result$gof_labels
+  measures <- g$measures
+  colnames(measures) <- g$measure_names
+  directed <- source$network$directed
+  structure(list(
+    table = table, quartiles = quartiles,
+    mahalanobis = if (g$mahalanobis_available) g$mahalanobis else NA_real_,
+    mahalanobis_closer = if (g$mahalanobis_available) g$mahalanobis_closer else NA_real_,
+    statistics = statistics, measures = measures,
+    observed_statistics = setNames(g$observed, result$gof_labels),
+    observed_profile = g$observed_profile,
+    degree = g$degree, in_degree = if (directed) g$in_degree else NULL,
+    geodesics = g$geodesics, triads = if (directed) g$triads else NULL,
+    parameters = setNames(source$values, result$labels), directed = directed,
+    n = source$network$n, output_dir = request$output_dir), class = "vexa_gof")
+}
+
+print.vexa_gof <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
+  cat(sprintf("vexa goodness of fit: %d samples of a %s of %d nodes\n\n", nrow(x$statistics),
+              if (x$directed) "digraph" else "graph", x$n))
+  table <- x$table
+  rownames(table) <- table$statistic
+  print(table[, -1L], digits = digits)
+  cat("\nGeodesic quartiles\n")
+  print(x$quartiles, row.names = FALSE, digits = digits)
+  if (is.na(x$mahalanobis)) {
+    cat("\nMahalanobis distance: not available (the sampled statistics are collinear)\n")
+  } else {
+    cat(sprintf(paste("\nMahalanobis distance of the observed network: %.4f",
+                      "(%.1f%% of samples lie nearer the sample mean)\n"),
+                x$mahalanobis, x$mahalanobis_closer))
+  }
+  invisible(x)
+}
+
+vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL) {
+  if (!is.character(run_file) || length(run_file) != 1L || is.na(run_file)) {
+    fail("run_file must be one file name")
+  }
+  if (!is.logical(check) || length(check) != 1L || is.na(check)) {
+    fail("check must be TRUE or FALSE")
+  }
+  if (!is.null(sampler) && !(sampler %in% 0:3)) fail("sampler must be 0, 1, 2 or 3")
+  started <- Sys.time()
+  result <- .vexa_run_file(path.expand(run_file), check_seed(seed), check,
+                           if (is.null(sampler)) -1L else as.integer(sampler))
+  if (nzchar(result$console)) message(sub("\n$", "", result$console))
+  if (nzchar(result$error)) stop(vexa_error(result$error))
+  written <- function(dir, pattern) {
+    if (!dir.exists(dir)) return(character())
+    files <- list.files(dir, pattern = pattern, full.names = TRUE)
+    files[file.mtime(files) >= started - 1]
+  }
+  dir <- if (nzchar(result$output_dir)) result$output_dir else "."
+  name <- gsub("([.|()\\^{}+$*?\\[\\]\\\\])", "\\\\\\1", result$name)
+  sort(c(written(dir, paste0("_", name, "([.]|[0-9]*[.])")), written(".", "[.]vexa$")))
+}

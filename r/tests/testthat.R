@@ -1,0 +1,4 @@
+library(testthat)
+library(vexa)
+
+test_check("vexa")

@@ -1,0 +1,1 @@
+quiet <- function(...) vexa_settings(progress = FALSE, ...)

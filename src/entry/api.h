@@ -1,0 +1,82 @@
+#pragma once
+// Running a task from an in-memory description, for hosts that hold their networks and
+// attributes as data (the R package): no run file, no network or attribute file, and the
+// results handed back as the tasks computed them. The reports are still written to the
+// description's output directory, exactly as a run from files writes them.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/progress.h"
+#include "effects/catalogue.h"
+#include "entry/embedding.h"
+#include "entry/run_context.h"
+#include "model/parameter_labels.h"
+
+namespace vexa {
+
+// One effect of the model. Structural effects are named as in the run file ("edge",
+// "2-star", "AS"); an attribute or covariate effect as its attribute's name, '_' and the
+// effect's run-file name ("Grade_Same_Category_edge"). A lambda of 0 takes the default; an
+// effect without lambda must have 0.
+struct EffectChoice {
+    std::string name;
+    double value = 0.0;
+    float lambda = 0.0f;
+};
+
+// One attribute: a value per node, 0 where the value is missing. Categories are numbers, one
+// per category.
+struct AttributeColumn {
+    std::string name;
+    AttributeKind kind = AttributeKind::binary;
+    std::vector<double> values;
+    std::vector<uint8_t> missing;  // per node; empty: none missing
+};
+
+struct TaskRequest {
+    // Head and task rows as a run file gives them: task, network_kind, node_count,
+    // initial_density (simulation), network_name, output_directory, sampler and estimation
+    // settings, burn_in, iterations and sample_count. run_file names the run in messages.
+    RunSettings settings;
+    std::vector<double> adjacency;  // n x n, row by row (tasks 2 and 3)
+    std::vector<EffectChoice> effects;
+    std::vector<AttributeColumn> attributes;
+    bool covariate_given = false;
+    std::string covariate_name;
+    std::vector<double> covariate;  // n x n, row by row
+    RunOptions options;             // seed, confirmation, sampler override
+    Progress progress;              // nothing said when it has no writer
+    bool keep_networks = false;     // keep the sampled networks of a simulation
+};
+
+struct TaskResult {
+    std::string error;    // the one-line message of a failed run; empty after a complete run
+    std::string console;  // what the run said on its console
+    std::vector<ParameterLabel> labels;  // summary labels, in parameter-vector order
+    std::vector<std::string> gof_labels;
+    std::vector<std::string> sample_columns;
+    Embedding results;
+};
+
+// The model a request describes, slots given in the order a run file would give them.
+// Throws SettingError naming an unknown, repeated or malformed effect or attribute.
+Model request_model(const TaskRequest& request);
+
+// Runs the request. Never throws: a failure leaves its one line in `error`, and the files
+// written so far stay.
+TaskResult run_request(const TaskRequest& request) noexcept;
+
+// Runs a run file as the library's entry does, but catching the console in `console` and
+// failures in `error`. `output_directory` and `network_name` say where its files went.
+struct FileRunResult {
+    std::string error;
+    std::string console;
+    std::string output_directory;
+    std::string network_name;
+};
+FileRunResult run_file_request(const std::string& run_file, const RunOptions& options,
+                               const Progress& progress) noexcept;
+
+}  // namespace vexa
