@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <type_traits>
 
 #include "describe/graph_describe.h"
 
@@ -22,7 +23,8 @@ using Lanes = uint64_t[lane_words];
 
 }  // namespace
 
-void geodesics(const Graph& graph, DescribeScratch& scratch) {
+template <class G>
+void geodesics(const G& graph, DescribeScratch& scratch) {
     const int n = graph.node_count;
     const size_t nodes = as_size(n);
 
@@ -32,9 +34,14 @@ void geodesics(const Graph& graph, DescribeScratch& scratch) {
     int32_t filled = 0;
     for (int v = 0; v < n; ++v) {
         scratch.offsets[as_size(v)] = filled;
-        const uint64_t* row = graph.row(v);
-        for (int w = 0; w < graph.row_words; ++w) {
-            for_each_bit(row[w], w * 64, [&](int u) { scratch.targets[as_size(filled++)] = u; });
+        if constexpr (std::is_same_v<G, Graph>) {
+            const uint64_t* row = graph.row(v);
+            for (int w = 0; w < graph.row_words; ++w) {
+                for_each_bit(row[w], w * 64,
+                             [&](int u) { scratch.targets[as_size(filled++)] = u; });
+            }
+        } else {
+            for (const int32_t u : graph.neighbours_of(v)) scratch.targets[as_size(filled++)] = u;
         }
     }
     scratch.offsets[nodes] = filled;
@@ -103,7 +110,8 @@ void geodesics(const Graph& graph, DescribeScratch& scratch) {
     scratch.giant_size = largest_component_size(graph, scratch);
 }
 
-int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch) {
+template <class G>
+int32_t largest_component_size(const G& graph, DescribeScratch& scratch) {
     // Labels components by a walk over the neighbour lists: O(n + E), where reading the
     // component off the distance matrix would take n^2 steps.
     const size_t nodes = as_size(graph.node_count);
@@ -154,5 +162,10 @@ GeodesicQuartiles geodesic_quartiles(const std::vector<int64_t>& counts) {
 GeodesicQuartiles geodesic_quartiles(const DescribeScratch& scratch) {
     return geodesic_quartiles(scratch.geodesic_counts);
 }
+
+template void geodesics(const Graph&, DescribeScratch&);
+template void geodesics(const SparseGraph&, DescribeScratch&);
+template int32_t largest_component_size(const Graph&, DescribeScratch&);
+template int32_t largest_component_size(const SparseGraph&, DescribeScratch&);
 
 }  // namespace vexa

@@ -100,7 +100,9 @@ struct RunOptions {
     uint32_t seed = 0;
     bool confirm = false;  // after a converged estimation, check the estimate with a long chain
     int32_t sampler_variant = -1;  // when 0 or more, overrides the run file's sampler variant
-    FILE* console = stdout;        // progress and messages
+    // The graph store: 0 chosen by the network's size, 1 the dense store, 2 the sparse store.
+    int32_t store = 0;
+    FILE* console = stdout;  // progress and messages
 };
 
 struct RunContext {
@@ -112,6 +114,8 @@ struct RunContext {
     FILE* console = stdout;  // the run's messages
     Progress progress;       // what the computations say while they run
     bool confirm = false;    // check a converged estimate with a long chain
+    // The graph store: StoreChoice (automatic, dense, sparse) as RunOptions::store.
+    int32_t store = 0;
 };
 
 }  // namespace vexa

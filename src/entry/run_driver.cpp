@@ -16,6 +16,7 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     context.console = options.console != nullptr ? options.console : stdout;
     context.progress = console_progress(context.console);
     context.confirm = options.confirm;
+    context.store = options.store;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
     RunFile file = read_run_file(run_file, context.console);

@@ -11,7 +11,7 @@ namespace {
 void usage(FILE* out) {
     std::fprintf(
         out,
-        "usage: vexa [--seed N] [--check] [--sampler V] RUNFILE\n"
+        "usage: vexa [--seed N] [--check] [--sampler V] [--store dense|sparse] RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says.\n"
         "  --seed N     make the run reproducible: every random stream of the run derives from N\n"
@@ -21,6 +21,9 @@ void usage(FILE* out) {
         "               dyad, 1 a move that keeps the number of ties, 2 (digraphs) a move that\n"
         "               keeps every out-degree, 3 the tie/no-tie proposal (a present tie half of\n"
         "               the time: far faster mixing on sparse networks)\n"
+        "  --store S    the graph store: dense (n x n arrays, fastest on small networks) or\n"
+        "               sparse (memory in proportion to the ties); without it, sparse above\n"
+        "               20,000 nodes or when the dense arrays would take half the memory\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -53,6 +56,19 @@ int main(int argc, char** argv) {
                 return 2;
             }
             options.sampler_variant = static_cast<int32_t>(variant);
+            ++k;
+            continue;
+        }
+        if (std::strcmp(arg, "--store") == 0) {
+            const char* store = k + 1 < argc ? argv[k + 1] : "";
+            if (std::strcmp(store, "dense") == 0) {
+                options.store = 1;
+            } else if (std::strcmp(store, "sparse") == 0) {
+                options.store = 2;
+            } else {
+                std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
+                return 2;
+            }
             ++k;
             continue;
         }
