@@ -56,7 +56,14 @@ struct DescribeScratch {
 // words advances every search of the batch, and a level is frontier-of-neighbours AND NOT
 // reached. Leaves the pair counts in scratch.geodesic_counts and sets scratch.giant_size; no
 // n x n distance matrix is made, since the reports need the distribution, not the entries.
-// Cost O(n/256 * diameter * (n + E)) steps of a few words each.
+// Cost O(n/256 * diameter * (n + E)) steps of a few words each. Beyond all_pairs_limit nodes
+// (a day of sampling points otherwise) the searches start from an evenly spread sample of
+// sampled_sources nodes, and the counts are the sample's, scaled to all pairs and rounded;
+// the giant component is still exact.
+inline constexpr int all_pairs_limit = 20000;
+inline constexpr int sampled_sources = 4096;
+// The number of sources the geodesic pass searches from on a network of n nodes.
+int geodesic_sources(int n);
 template <class G>
 void geodesics(const G& graph, DescribeScratch& scratch);
 

@@ -59,6 +59,13 @@ void write_degree_row(FILE* out, const G& graph) {
 
 template <class G>
 void write_geodesic_header(FILE* out, const G& graph) {
+    const int sources = geodesic_sources(graph.node_count);
+    if (sources != graph.node_count) {
+        std::fprintf(out,
+                     "# geodesics by breadth-first search from a sample of %d of the %d nodes, "
+                     "scaled to all pairs\n",
+                     sources, graph.node_count);
+    }
     for (int d = 1; d < graph.node_count; ++d) std::fprintf(out, "geo%d\t", d);
     std::fprintf(out, "geoInf\n");
 }
