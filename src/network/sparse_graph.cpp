@@ -36,6 +36,12 @@ inline void move_triangles(SparseGraph& g, size_t v, int32_t delta) {
     move_count(g.triangle_histogram, old_value, t);
 }
 
+inline void set_filter(SparseGraph& g, int a, int k) {
+    const uint32_t bit = SparseGraph::filter_bit(k);
+    g.partner_filter[as_size(a) * SparseGraph::filter_words + (bit >> 6)] |= uint64_t{1}
+                                                                             << (bit & 63);
+}
+
 // Removes v from a list by moving the last entry into its place, as the dense store does.
 void forget_neighbour(std::vector<int32_t>& list, int v) {
     for (size_t k = 0; k < list.size(); ++k) {
@@ -119,6 +125,7 @@ SparseGraph create_sparse_graph(int n) {
         whole <= whole_triangle_histogram ? static_cast<size_t>(whole) : nodes, 0);
     g.triangle_histogram[0] = n;
     g.marks.assign(nodes, 0);
+    g.partner_filter.assign(nodes * SparseGraph::filter_words, 0);
     g.shared_partners.reserve(4 * nodes);
     return g;
 }
@@ -158,6 +165,10 @@ void update_shared_partners(SparseGraph& g, int i, int j, int added) {
         for (const int32_t k : list) {
             if (k == to) continue;
             const int32_t value = g.shared_partners.add(PairTable::key(k, to), delta);
+            if (value == 1 && delta == 1) {
+                set_filter(g, k, to);
+                set_filter(g, to, k);
+            }
             partner_histogram[value] += 1;
             partner_histogram[value - delta] -= 1;
             // A common neighbour k closes (or opens) the triangle i, j, k.
@@ -256,6 +267,10 @@ std::string check_bookkeeping(const SparseGraph& g) {
         }
         for (const int32_t c : touched) {
             const int32_t s = count[as_size(c)];
+            if (!SparseGraph::may_share(g.filter_of(a), c) ||
+                !SparseGraph::may_share(g.filter_of(c), a)) {
+                return format_message("the partner filter of %d, %d misses its pair", a, c);
+            }
             if (g.partners(a, c) != s) {
                 return format_message("shared partners of %d, %d are %d, recount %d", a, c,
                                       g.partners(a, c), s);

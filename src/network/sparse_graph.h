@@ -108,11 +108,29 @@ struct SparseGraph {
     std::vector<int32_t> triangle_histogram;
     // Scratch of the update: 1 at the neighbours of one endpoint while the other's are walked.
     std::vector<uint8_t> marks;
+    // Per node, filter_words words (one cache line): bit filter_bit(k) of node a's words is set
+    // whenever the pair {a, k} enters the table, and is never cleared. A clear bit proves that
+    // a and k share no partner, so most lookups of a proposal (pairs without partners, on a
+    // sparse network) end in a line of this array instead of a miss in the table.
+    static constexpr int filter_words = 8;
+    std::vector<uint64_t> partner_filter;
+
+    static uint32_t filter_bit(int k) { return (static_cast<uint32_t>(k) * 0x9e3779b1u) >> 23; }
+    const uint64_t* filter_of(int a) const {
+        return partner_filter.data() + static_cast<size_t>(a) * filter_words;
+    }
+    static bool may_share(const uint64_t* filter, int k) {
+        const uint32_t bit = filter_bit(k);
+        return (filter[bit >> 6] >> (bit & 63)) & 1u;
+    }
 
     std::span<const int32_t> neighbours_of(int v) const {
         return neighbours[static_cast<size_t>(v)];
     }
-    int32_t partners(int a, int b) const { return shared_partners.get(PairTable::key(a, b)); }
+    int32_t partners(int a, int b) const {
+        if (!may_share(filter_of(a), b)) return 0;
+        return shared_partners.get(PairTable::key(a, b));
+    }
 };
 
 // Allocates an empty sparse graph. Throws SettingError for n < 1.

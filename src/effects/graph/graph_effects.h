@@ -56,11 +56,17 @@ inline int32_t triangles_at(const G& g, int v) {
 // of its partner matrix, or for the sparse store a reader that looks the pair up.
 struct SparsePartnerRow {
     const PairTable* table;
+    const uint64_t* filter;  // the node's partner filter
     int a;
-    int32_t operator[](int k) const { return table->get(PairTable::key(a, k)); }
+    int32_t operator[](int k) const {
+        if (!SparseGraph::may_share(filter, k)) return 0;
+        return table->get(PairTable::key(a, k));
+    }
 };
 inline const int32_t* partners_of(const Graph& g, int a) { return g.partners_row(a); }
-inline SparsePartnerRow partners_of(const SparseGraph& g, int a) { return {&g.shared_partners, a}; }
+inline SparsePartnerRow partners_of(const SparseGraph& g, int a) {
+    return {&g.shared_partners, g.filter_of(a), a};
+}
 
 // Calls fn(k) for every common neighbour k of i and j, stopping once `count` of them (the
 // shared-partner count, known beforehand) have been met: on sparse graphs most dyads have
@@ -142,8 +148,10 @@ inline void prefetch_partners(const Graph& g, const int32_t* partners, int v) {
 }
 // The same for the sparse store: the home slots of the pairs in its table.
 inline void prefetch_partners(const SparseGraph& g, const SparsePartnerRow& partners, int v) {
-    for (const int32_t k : g.neighbours_of(v))
-        partners.table->prefetch(PairTable::key(partners.a, k));
+    for (const int32_t k : g.neighbours_of(v)) {
+        if (SparseGraph::may_share(partners.filter, k))
+            partners.table->prefetch(PairTable::key(partners.a, k));
+    }
 }
 
 // Calls fn(u, v) once for every edge with u < v.
