@@ -1,7 +1,9 @@
 // Geodesics, their distribution and quartiles.
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <type_traits>
 
 #include "describe/graph_describe.h"
 
@@ -22,7 +24,8 @@ using Lanes = uint64_t[lane_words];
 
 }  // namespace
 
-void geodesics(const Graph& graph, DescribeScratch& scratch) {
+template <class G>
+void geodesics(const G& graph, DescribeScratch& scratch) {
     const int n = graph.node_count;
     const size_t nodes = as_size(n);
 
@@ -32,9 +35,14 @@ void geodesics(const Graph& graph, DescribeScratch& scratch) {
     int32_t filled = 0;
     for (int v = 0; v < n; ++v) {
         scratch.offsets[as_size(v)] = filled;
-        const uint64_t* row = graph.row(v);
-        for (int w = 0; w < graph.row_words; ++w) {
-            for_each_bit(row[w], w * 64, [&](int u) { scratch.targets[as_size(filled++)] = u; });
+        if constexpr (std::is_same_v<G, Graph>) {
+            const uint64_t* row = graph.row(v);
+            for (int w = 0; w < graph.row_words; ++w) {
+                for_each_bit(row[w], w * 64,
+                             [&](int u) { scratch.targets[as_size(filled++)] = u; });
+            }
+        } else {
+            for (const int32_t u : graph.neighbours_of(v)) scratch.targets[as_size(filled++)] = u;
         }
     }
     scratch.offsets[nodes] = filled;
@@ -49,8 +57,13 @@ void geodesics(const Graph& graph, DescribeScratch& scratch) {
     std::vector<int64_t>& counts = scratch.geodesic_counts;
     counts.assign(nodes + 1, 0);
 
-    for (int base = 0; base < n; base += batch_sources) {
-        const int width = std::min(batch_sources, n - base);
+    // All sources, or on a large network an evenly spread sample of them.
+    const int sources = geodesic_sources(n);
+    const auto source = [&](int k) {
+        return sources == n ? k : static_cast<int>(int64_t{k} * n / sources);
+    };
+    for (int base = 0; base < sources; base += batch_sources) {
+        const int width = std::min(batch_sources, sources - base);
         Lanes batch = {};
         for (int s = 0; s < width; ++s) batch[s >> 6] |= uint64_t{1} << (s & 63);
         // Level 0: each source of the batch has reached itself.
@@ -58,7 +71,7 @@ void geodesics(const Graph& graph, DescribeScratch& scratch) {
         std::fill(reached, reached + level_stride, 0);
         std::fill(seeds, seeds + level_stride, 0);
         for (int s = 0; s < width; ++s) {
-            const size_t at = as_size(base + s) * lane_words + as_size(s >> 6);
+            const size_t at = as_size(source(base + s)) * lane_words + as_size(s >> 6);
             reached[at] = seeds[at] = uint64_t{1} << (s & 63);
         }
         for (int32_t level = 1;; ++level) {
@@ -96,14 +109,20 @@ void geodesics(const Graph& graph, DescribeScratch& scratch) {
     counts[0] = 0;  // the diagonal, written as level 0
     int64_t found_pairs = 0;
     for (size_t d = 1; d < nodes; ++d) {
-        counts[d] /= 2;  // each pair was met once from either end
+        if (sources == n) {
+            counts[d] /= 2;  // each pair was met once from either end
+        } else {
+            // Pairs met from the sample, scaled to the pairs met from all n sources, halved.
+            counts[d] = std::llround(static_cast<double>(counts[d]) * n / (2.0 * sources));
+        }
         found_pairs += counts[d];
     }
     counts[nodes] = int64_t{n} * (n - 1) / 2 - found_pairs;
     scratch.giant_size = largest_component_size(graph, scratch);
 }
 
-int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch) {
+template <class G>
+int32_t largest_component_size(const G& graph, DescribeScratch& scratch) {
     // Labels components by a walk over the neighbour lists: O(n + E), where reading the
     // component off the distance matrix would take n^2 steps.
     const size_t nodes = as_size(graph.node_count);
@@ -154,5 +173,12 @@ GeodesicQuartiles geodesic_quartiles(const std::vector<int64_t>& counts) {
 GeodesicQuartiles geodesic_quartiles(const DescribeScratch& scratch) {
     return geodesic_quartiles(scratch.geodesic_counts);
 }
+
+int geodesic_sources(int n) { return n > all_pairs_limit ? sampled_sources : n; }
+
+template void geodesics(const Graph&, DescribeScratch&);
+template void geodesics(const SparseGraph&, DescribeScratch&);
+template int32_t largest_component_size(const Graph&, DescribeScratch&);
+template int32_t largest_component_size(const SparseGraph&, DescribeScratch&);
 
 }  // namespace vexa

@@ -8,6 +8,8 @@
 // at every sampling point of a simulation, so nothing here allocates once the scratch has
 // reached the size of the network.
 //
+// Each function serves both graph stores (defined for Graph and SparseGraph).
+//
 // Per-node results are left in the scratch, which each call overwrites:
 //   clustering():              node_values = local clustering of each node
 //   edge_triangle_profile():   lone_ties = et0_v, lone_products = etnt_v,
@@ -18,6 +20,7 @@
 
 #include "describe/geodesic_quartiles.h"
 #include "network/graph.h"
+#include "network/sparse_graph.h"
 #include "numeric/moments.h"
 
 namespace vexa {
@@ -53,11 +56,20 @@ struct DescribeScratch {
 // words advances every search of the batch, and a level is frontier-of-neighbours AND NOT
 // reached. Leaves the pair counts in scratch.geodesic_counts and sets scratch.giant_size; no
 // n x n distance matrix is made, since the reports need the distribution, not the entries.
-// Cost O(n/256 * diameter * (n + E)) steps of a few words each.
-void geodesics(const Graph& graph, DescribeScratch& scratch);
+// Cost O(n/256 * diameter * (n + E)) steps of a few words each. Beyond all_pairs_limit nodes
+// (a day of sampling points otherwise) the searches start from an evenly spread sample of
+// sampled_sources nodes, and the counts are the sample's, scaled to all pairs and rounded;
+// the giant component is still exact.
+inline constexpr int all_pairs_limit = 20000;
+inline constexpr int sampled_sources = 4096;
+// The number of sources the geodesic pass searches from on a network of n nodes.
+int geodesic_sources(int n);
+template <class G>
+void geodesics(const G& graph, DescribeScratch& scratch);
 
 // The number of nodes of the largest connected component (1 for a network without ties).
-int32_t largest_component_size(const Graph& graph, DescribeScratch& scratch);
+template <class G>
+int32_t largest_component_size(const G& graph, DescribeScratch& scratch);
 
 // The same from the counts of the last geodesics() pass.
 GeodesicQuartiles geodesic_quartiles(const DescribeScratch& scratch);
@@ -70,13 +82,17 @@ struct Clustering {
 };
 
 // Leaves each node's local clustering in scratch.node_values.
-Clustering clustering(const Graph& graph, DescribeScratch& scratch);
+template <class G>
+Clustering clustering(const G& graph, DescribeScratch& scratch);
 
 // Moments of the degrees, of the triangles at each node, and of the shared partners over
 // all unordered pairs.
-Moments degree_moments(const Graph& graph);
-Moments triangle_moments(const Graph& graph);
-Moments shared_partner_moments(const Graph& graph);
+template <class G>
+Moments degree_moments(const G& graph);
+template <class G>
+Moments triangle_moments(const G& graph);
+template <class G>
+Moments shared_partner_moments(const G& graph);
 
 struct EdgeTriangleProfile {
     Moments et0;         // of et0_v: v's ties that lie in no triangle
@@ -86,6 +102,7 @@ struct EdgeTriangleProfile {
 
 // Fills the scratch's lone_ties, lone_products and node_values with et0_v, etnt_v and
 // etntratio_v.
-EdgeTriangleProfile edge_triangle_profile(const Graph& graph, DescribeScratch& scratch);
+template <class G>
+EdgeTriangleProfile edge_triangle_profile(const G& graph, DescribeScratch& scratch);
 
 }  // namespace vexa

@@ -1,6 +1,7 @@
 #include "entry/graph_kind.h"
 
 #include <cmath>
+#include <type_traits>
 
 #include "base/errors.h"
 #include "entry/tasks.h"
@@ -10,7 +11,8 @@
 
 namespace vexa {
 
-Graph KindTraits<Graph>::random_start(RunContext& context) {
+template <class G>
+G GraphTraits<G>::random_start(RunContext& context) {
     const RunSettings& s = context.settings;
     const int n = s.node_count;
     const double target = std::trunc(static_cast<double>(n) * (n - 1) * s.initial_density * 0.5);
@@ -21,11 +23,25 @@ Graph KindTraits<Graph>::random_start(RunContext& context) {
                            s.run_file.c_str(), static_cast<double>(s.initial_density), target, n,
                            static_cast<double>(n) * (n - 1) / 2.0));
     }
-    return random_graph(n, static_cast<int64_t>(target), context.rng, context.seeds);
+    if constexpr (std::is_same_v<G, Graph>) {
+        return random_graph(n, static_cast<int64_t>(target), context.rng, context.seeds);
+    } else {
+        return random_sparse_graph(n, static_cast<int64_t>(target), context.rng, context.seeds);
+    }
 }
 
-void KindTraits<Graph>::adjust_start(const Model& model, const Graph& observed,
-                                     std::vector<double>& parameters) {
+template <class G>
+G GraphTraits<G>::read(const std::string& path, int n) {
+    if constexpr (std::is_same_v<G, Graph>) {
+        return read_graph(path, n);
+    } else {
+        return read_sparse_graph(path, n);
+    }
+}
+
+template <class G>
+void GraphTraits<G>::adjust_start(const Model& model, const G& observed,
+                                  std::vector<double>& parameters) {
     const EffectSetting& edge = model.structural[static_cast<size_t>(GraphEffect::edge)];
     if (edge.slot != -1 && edge.value == 0.0) {
         const double d = density(observed);
@@ -34,14 +50,16 @@ void KindTraits<Graph>::adjust_start(const Model& model, const Graph& observed,
     }
 }
 
-const std::vector<std::string>& KindTraits<Graph>::measure_names() {
+template <class G>
+const std::vector<std::string>& GraphTraits<G>::measure_names() {
     static const std::vector<std::string> names{"Std Dev degree dist", "Skew degree dist",
                                                 "Global Clustering", "Mean Local Clustering",
                                                 "Variance Local Clustering"};
     return names;
 }
 
-SampleMeasures KindTraits<Graph>::measure(const Graph& graph, DescribeScratch& scratch) {
+template <class G>
+SampleMeasures GraphTraits<G>::measure(const G& graph, DescribeScratch& scratch) {
     geodesics(graph, scratch);
     const Moments degrees = degree_moments(graph);
     const Clustering c = clustering(graph, scratch);
@@ -51,8 +69,9 @@ SampleMeasures KindTraits<Graph>::measure(const Graph& graph, DescribeScratch& s
     return m;
 }
 
-KindTraits<Graph>::SampleFiles::SampleFiles(const Graph& graph, const RunSettings& s,
-                                            const OutputNames& names) {
+template <class G>
+GraphTraits<G>::SampleFiles::SampleFiles(const G& graph, const RunSettings& s,
+                                         const OutputNames& names) {
     const auto open = [](const std::string& path) {
         return std::make_unique<OutFile>(path, OpenMode::truncate);
     };
@@ -84,8 +103,9 @@ KindTraits<Graph>::SampleFiles::SampleFiles(const Graph& graph, const RunSetting
     }
 }
 
-void KindTraits<Graph>::SampleFiles::write_rows(const Graph& graph, DescribeScratch& scratch,
-                                                const SampleMeasures* measured) {
+template <class G>
+void GraphTraits<G>::SampleFiles::write_rows(const G& graph, DescribeScratch& scratch,
+                                             const SampleMeasures* measured) {
     if (measured == nullptr && (geodesic != nullptr || cluster != nullptr))
         geodesics(graph, scratch);
     if (degree) write_degree_row(*degree, graph);
@@ -99,21 +119,37 @@ void KindTraits<Graph>::SampleFiles::write_rows(const Graph& graph, DescribeScra
     if (et0nt) write_edge_triangle_row(*et0nt, graph, scratch);
 }
 
-void KindTraits<Graph>::SampleFiles::close() {
+template <class G>
+void GraphTraits<G>::SampleFiles::close() {
     for (auto* file : {&degree, &geodesic, &quartiles, &cluster, &triangle, &twopath, &et0nt}) {
         if (*file) (*file)->close();
     }
 }
 
-void KindTraits<Graph>::write_sample_network(const Graph& graph, double sample,
-                                             const OutputNames& names,
-                                             const std::string& network_name) {
+template <class G>
+void GraphTraits<G>::write_sample_network(const G& graph, double sample, const OutputNames& names,
+                                          const std::string& network_name) {
     write_network_file(sample_network_path(names.sample_statistics, sample), graph);
     char label[64];
     std::snprintf(label, sizeof label, "%.0f", sample);
     write_pajek_block(graph, network_name + "_" + label, names.pajek);
 }
 
-void run_graph_task(RunContext& context) { run_task<Graph>(context); }
+template struct GraphTraits<Graph>;
+template struct GraphTraits<SparseGraph>;
+
+bool sparse_store_chosen(StoreChoice choice, int node_count) {
+    if (choice != StoreChoice::automatic) return choice == StoreChoice::sparse;
+    const double available = physical_memory_bytes();
+    return node_count > 20000 || (available > 0.0 && dense_store_bytes(node_count) > available / 2);
+}
+
+void run_graph_task(RunContext& context) {
+    if (sparse_store_chosen(static_cast<StoreChoice>(context.store), context.settings.node_count)) {
+        run_task<SparseGraph>(context);
+    } else {
+        run_task<Graph>(context);
+    }
+}
 
 }  // namespace vexa

@@ -13,6 +13,7 @@
 #include "entry/run_context.h"
 #include "estimation/estimation.h"
 #include "network/graph.h"
+#include "network/sparse_graph.h"
 #include "simulation/goodness_of_fit.h"
 
 namespace vexa {
@@ -20,16 +21,17 @@ namespace vexa {
 template <class Store>
 struct KindTraits;
 
-template <>
-struct KindTraits<Graph> {
+// The same for both graph stores, G = Graph (dense) or SparseGraph.
+template <class G>
+struct GraphTraits {
     using Scratch = DescribeScratch;
 
-    static Graph read(const std::string& path, int n) { return read_graph(path, n); }
+    static G read(const std::string& path, int n);
     // The random start of a simulation: trunc(n(n-1) x density x 0.5) edges.
-    static Graph random_start(RunContext& context);
+    static G random_start(RunContext& context);
 
     // An edge effect started at exactly 0 starts at the observed log-odds of a tie instead.
-    static void adjust_start(const Model& model, const Graph& observed,
+    static void adjust_start(const Model& model, const G& observed,
                              std::vector<double>& parameters);
     static void after_run(RunContext&, const EstimationRun&) {}
     static void before_gof_after_estimation(RunContext&) {}
@@ -37,15 +39,14 @@ struct KindTraits<Graph> {
     // The degree spread and skew, the global clustering and the mean and variance of the local
     // clustering, and the geodesic quartiles.
     static const std::vector<std::string>& measure_names();
-    static SampleMeasures measure(const Graph& graph, DescribeScratch& scratch);
+    static SampleMeasures measure(const G& graph, DescribeScratch& scratch);
 
     // The per-sample descriptive files that the run's flags turn on, with their headers.
     struct SampleFiles {
-        SampleFiles(const Graph& graph, const RunSettings& settings, const OutputNames& names);
+        SampleFiles(const G& graph, const RunSettings& settings, const OutputNames& names);
         // One row per enabled file. `measured` says that the scratch holds the geodesics of
         // this network already (goodness of fit measured it).
-        void write_rows(const Graph& graph, DescribeScratch& scratch,
-                        const SampleMeasures* measured);
+        void write_rows(const G& graph, DescribeScratch& scratch, const SampleMeasures* measured);
         void close();
 
         std::unique_ptr<OutFile> degree, geodesic, quartiles, cluster, triangle, twopath, et0nt;
@@ -56,15 +57,25 @@ struct KindTraits<Graph> {
     static constexpr bool gof_writes_end_statistics = true;
     // What a graph's goodness of fit compares beyond the measures: nothing.
     struct GofExtras {
-        explicit GofExtras(const Graph&) {}
-        void record(const Graph&) {}
+        explicit GofExtras(const G&) {}
+        void record(const G&) {}
         void write(FILE*) const {}
     };
 
     // The sample's matrix file and its Pajek block.
-    static void write_sample_network(const Graph& graph, double sample, const OutputNames& names,
+    static void write_sample_network(const G& graph, double sample, const OutputNames& names,
                                      const std::string& network_name);
 };
+
+template <>
+struct KindTraits<Graph> : GraphTraits<Graph> {};
+template <>
+struct KindTraits<SparseGraph> : GraphTraits<SparseGraph> {};
+
+// Which graph store a run takes: the dense one unless its n x n arrays would not fit
+// comfortably (above 20,000 nodes, or more than half the machine's memory), or as asked.
+enum class StoreChoice : int32_t { automatic = 0, dense = 1, sparse = 2 };
+bool sparse_store_chosen(StoreChoice choice, int node_count);
 
 // Runs the task of the context's run file on a graph.
 void run_graph_task(RunContext& context);

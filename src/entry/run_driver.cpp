@@ -17,6 +17,7 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     context.progress =
         options.progress != nullptr ? *options.progress : console_progress(context.console);
     context.confirm = options.confirm;
+    context.store = options.store;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
     RunFile file = read_run_file(run_file, context.console);

@@ -20,24 +20,6 @@ namespace {
 
 size_t as_size(int value) { return static_cast<size_t>(value); }
 
-// Bytes the store of n nodes takes: the n x n shared-partner matrix dominates.
-double store_bytes(int n) {
-    const double nodes = n;
-    const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
-    return 4.0 * nodes * nodes + 4.0 * triangle_entries + 24.0 * nodes +
-           nodes * ((nodes + 63.0) / 64.0) * 8.0;
-}
-
-double physical_memory_bytes() {
-#if defined(__unix__)
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0)
-        return static_cast<double>(pages) * static_cast<double>(page_size);
-#endif
-    return 0.0;  // unknown: do not refuse
-}
-
 // Moves one count from histogram[old_value] to histogram[new_value].
 inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
     histogram[as_size(new_value)] += 1;
@@ -79,12 +61,29 @@ void widen_neighbour_rows(Graph& g) {
 
 }  // namespace
 
+double dense_store_bytes(int n) {
+    const double nodes = n;
+    const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
+    return 4.0 * nodes * nodes + 4.0 * triangle_entries + 24.0 * nodes +
+           nodes * ((nodes + 63.0) / 64.0) * 8.0;
+}
+
+double physical_memory_bytes() {
+#if defined(__unix__)
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_size = sysconf(_SC_PAGESIZE);
+    if (pages > 0 && page_size > 0)
+        return static_cast<double>(pages) * static_cast<double>(page_size);
+#endif
+    return 0.0;  // unknown: do not refuse
+}
+
 Graph create_graph(int n) {
     if (n < 1) {
         throw SettingError(
             format_message("vexa: a network needs at least one node (node count %d)", n));
     }
-    const double needed = store_bytes(n);
+    const double needed = dense_store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(

@@ -80,6 +80,11 @@ struct Graph {
     }
 };
 
+// Bytes the dense store of n nodes takes (the n x n shared-partner matrix dominates), and the
+// machine's physical memory (0 when unknown).
+double dense_store_bytes(int n);
+double physical_memory_bytes();
+
 // Allocates an empty graph. Throws SettingError for n < 1 or a store larger than this machine.
 Graph create_graph(int n);
 

@@ -17,11 +17,12 @@ size_t as_size(int value) { return static_cast<size_t>(value); }
 // Integers each followed by a tab, the text of "%d\t" per value. The triangle row alone has
 // (n-2)(n-1)/2 + 1 columns, so the values are formatted into a block and written at once
 // rather than through one formatted call each.
-void print_counts(FILE* out, const int32_t* values, size_t count) {
+template <class Count>
+void print_counts(FILE* out, const Count* values, size_t count) {
     char block[4096];
     size_t used = 0;
     for (size_t k = 0; k < count; ++k) {
-        if (used + 16 > sizeof block) {  // room for any 32-bit value, its sign and the tab
+        if (used + 24 > sizeof block) {  // room for any 64-bit value, its sign and the tab
             std::fwrite(block, 1, used, out);
             used = 0;
         }
@@ -43,23 +44,34 @@ void print_node_columns(FILE* out, const char* prefix, int n) {
 
 }  // namespace
 
-void write_degree_header(FILE* out, const Graph& graph) {
+template <class G>
+void write_degree_header(FILE* out, const G& graph) {
     print_node_columns(out, "d", graph.node_count);
     std::fprintf(out, "mean\tstddev\tskew\n");
 }
 
-void write_degree_row(FILE* out, const Graph& graph) {
+template <class G>
+void write_degree_row(FILE* out, const G& graph) {
     print_counts(out, graph.degree.data(), as_size(graph.node_count));
     print_moments(out, degree_moments(graph));
     std::fprintf(out, "\n");
 }
 
-void write_geodesic_header(FILE* out, const Graph& graph) {
+template <class G>
+void write_geodesic_header(FILE* out, const G& graph) {
+    const int sources = geodesic_sources(graph.node_count);
+    if (sources != graph.node_count) {
+        std::fprintf(out,
+                     "# geodesics by breadth-first search from a sample of %d of the %d nodes, "
+                     "scaled to all pairs\n",
+                     sources, graph.node_count);
+    }
     for (int d = 1; d < graph.node_count; ++d) std::fprintf(out, "geo%d\t", d);
     std::fprintf(out, "geoInf\n");
 }
 
-void write_geodesic_row(FILE* out, const Graph& graph, const DescribeScratch& scratch) {
+template <class G>
+void write_geodesic_row(FILE* out, const G& graph, const DescribeScratch& scratch) {
     const std::vector<int64_t>& counts = scratch.geodesic_counts;
     const int n = graph.node_count;
     if (counts.size() != as_size(n) + 1) {
@@ -73,38 +85,44 @@ void write_geodesic_row(FILE* out, const Graph& graph, const DescribeScratch& sc
 
 void write_cluster_giant_header(FILE* out) { std::fprintf(out, "mlocal\tglobal\tgiant\n"); }
 
-void write_cluster_giant_row(FILE* out, const Graph& graph, DescribeScratch& scratch) {
+template <class G>
+void write_cluster_giant_row(FILE* out, const G& graph, DescribeScratch& scratch) {
     const Clustering c = clustering(graph, scratch);
     std::fprintf(out, "%f\t%f\t%d\n", c.mean_local, c.global, c.giant);
 }
 
-void write_triangle_header(FILE* out, const Graph& graph) {
+template <class G>
+void write_triangle_header(FILE* out, const G& graph) {
     // k = 0 .. (n-2)(n-1)/2: the most triangles a node can be in, one entry per count.
     const int entries = static_cast<int>(graph.triangle_histogram.size());
     for (int k = 0; k < entries; ++k) std::fprintf(out, "t%d\t", k);
     std::fprintf(out, "mean\tstddev\tskew\t\n");
 }
 
-void write_triangle_row(FILE* out, const Graph& graph) {
+template <class G>
+void write_triangle_row(FILE* out, const G& graph) {
     print_counts(out, graph.triangle_histogram.data(), graph.triangle_histogram.size());
     print_moments(out, triangle_moments(graph));
     std::fprintf(out, "\n");
 }
 
-void write_two_path_header(FILE* out, const Graph& graph) {
+template <class G>
+void write_two_path_header(FILE* out, const G& graph) {
     // k = 0 .. n-2: the most partners a pair can share.
     for (int k = 0; k + 1 < graph.node_count; ++k) std::fprintf(out, "tp%d\t", k);
     std::fprintf(out, "mean\tstddev\tskew\t\n");
 }
 
-void write_two_path_row(FILE* out, const Graph& graph) {
+template <class G>
+void write_two_path_row(FILE* out, const G& graph) {
     // k = 0 .. n-2: the histogram's n-1 entries.
     print_counts(out, graph.shared_partner_histogram.data(), graph.shared_partner_histogram.size());
     print_moments(out, shared_partner_moments(graph));
     std::fprintf(out, "\n");
 }
 
-void write_edge_triangle_header(FILE* out, const Graph& graph) {
+template <class G>
+void write_edge_triangle_header(FILE* out, const G& graph) {
     const int n = graph.node_count;
     print_node_columns(out, "et0_v", n);
     std::fprintf(out, "mean\tstddev\tskew\t");
@@ -114,7 +132,8 @@ void write_edge_triangle_header(FILE* out, const Graph& graph) {
     std::fprintf(out, "mean\tstddev\tskew\n");
 }
 
-void write_edge_triangle_row(FILE* out, const Graph& graph, DescribeScratch& scratch) {
+template <class G>
+void write_edge_triangle_row(FILE* out, const G& graph, DescribeScratch& scratch) {
     const EdgeTriangleProfile profile = edge_triangle_profile(graph, scratch);
     const size_t n = as_size(graph.node_count);
     print_counts(out, scratch.lone_ties.data(), n);
@@ -133,5 +152,21 @@ void write_quartile_header(FILE* out) { std::fprintf(out, "G25\tG50\tG75\n"); }
 void write_quartile_row(FILE* out, const GeodesicQuartiles& quartiles) {
     std::fprintf(out, "%d\t%d\t%d\n", quartiles.g25, quartiles.g50, quartiles.g75);
 }
+
+#define VEXA_DESCRIPTIVE_FILES(G)                                              \
+    template void write_degree_header(FILE*, const G&);                        \
+    template void write_degree_row(FILE*, const G&);                           \
+    template void write_geodesic_header(FILE*, const G&);                      \
+    template void write_geodesic_row(FILE*, const G&, const DescribeScratch&); \
+    template void write_cluster_giant_row(FILE*, const G&, DescribeScratch&);  \
+    template void write_triangle_header(FILE*, const G&);                      \
+    template void write_triangle_row(FILE*, const G&);                         \
+    template void write_two_path_header(FILE*, const G&);                      \
+    template void write_two_path_row(FILE*, const G&);                         \
+    template void write_edge_triangle_header(FILE*, const G&);                 \
+    template void write_edge_triangle_row(FILE*, const G&, DescribeScratch&);
+VEXA_DESCRIPTIVE_FILES(Graph)
+VEXA_DESCRIPTIVE_FILES(SparseGraph)
+#undef VEXA_DESCRIPTIVE_FILES
 
 }  // namespace vexa

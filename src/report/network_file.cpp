@@ -9,10 +9,10 @@ namespace vexa {
 
 namespace {
 
-// Both stores keep row i of their adjacency as bit words (a digraph's out rows), so one writer
-// serves both.
-template <class Store, class RowOf>
-void write_rows(FILE* out, const Store& graph, bool trailing_blank, RowOf&& row_of) {
+// mark_row(i, set) calls set(j) for every tie of row i: from bit words (the dense stores) or
+// from a neighbour list (the sparse store).
+template <class Store, class MarkRow>
+void write_rows(FILE* out, const Store& graph, bool trailing_blank, MarkRow&& mark_row) {
     const int n = graph.node_count;
     if (n <= 0) return;
     // A large sample network has n^2 cells: format each row once in a buffer instead of one
@@ -24,12 +24,9 @@ void write_rows(FILE* out, const Store& graph, bool trailing_blank, RowOf&& row_
             line[c] = '0';
             line[c + 1] = ' ';
         }
-        const uint64_t* words = row_of(i);
-        for (int w = 0; w < graph.row_words; ++w) {
-            for_each_bit(words[w], w * 64, [&](int j) {
-                if (j < n) line[2 * static_cast<size_t>(j)] = '1';
-            });
-        }
+        mark_row(i, [&](int j) {
+            if (j < n) line[2 * static_cast<size_t>(j)] = '1';
+        });
         size_t length = width;
         if (trailing_blank) {
             line[width] = '\n';
@@ -41,17 +38,33 @@ void write_rows(FILE* out, const Store& graph, bool trailing_blank, RowOf&& row_
     }
 }
 
+template <class Set>
+void mark_words(const uint64_t* words, int row_words, Set&& set) {
+    for (int w = 0; w < row_words; ++w) for_each_bit(words[w], w * 64, set);
+}
+
 }  // namespace
 
 void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank) {
-    write_rows(out, graph, trailing_blank, [&](int i) { return graph.row(i); });
+    write_rows(out, graph, trailing_blank,
+               [&](int i, auto&& set) { mark_words(graph.row(i), graph.row_words, set); });
+}
+
+void write_adjacency_rows(FILE* out, const SparseGraph& graph, bool trailing_blank) {
+    write_rows(out, graph, trailing_blank, [&](int i, auto&& set) {
+        for (const int32_t j : graph.neighbours_of(i)) set(j);
+    });
 }
 
 void write_adjacency_rows(FILE* out, const Digraph& digraph, bool trailing_blank) {
-    write_rows(out, digraph, trailing_blank, [&](int i) { return digraph.out_row(i); });
+    write_rows(out, digraph, trailing_blank,
+               [&](int i, auto&& set) { mark_words(digraph.out_row(i), digraph.row_words, set); });
 }
 
 void write_network_matrix(FILE* out, const Graph& graph) {
+    write_adjacency_rows(out, graph, false);
+}
+void write_network_matrix(FILE* out, const SparseGraph& graph) {
     write_adjacency_rows(out, graph, false);
 }
 void write_network_matrix(FILE* out, const Digraph& digraph) {
@@ -59,6 +72,12 @@ void write_network_matrix(FILE* out, const Digraph& digraph) {
 }
 
 void write_network_file(const std::string& path, const Graph& graph) {
+    OutFile file(path, OpenMode::truncate);
+    write_network_matrix(file, graph);
+    file.close();
+}
+
+void write_network_file(const std::string& path, const SparseGraph& graph) {
     OutFile file(path, OpenMode::truncate);
     write_network_matrix(file, graph);
     file.close();

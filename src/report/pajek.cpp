@@ -5,12 +5,16 @@
 
 namespace vexa {
 
-void write_pajek_matrix(FILE* out, const Graph& graph) {
+namespace {
+
+template <class G>
+void graph_matrix(FILE* out, const G& graph) {
     write_adjacency_rows(out, graph, true);
     print(out, "\n");
 }
 
-void write_pajek_block(const Graph& graph, const std::string& label, const std::string& path) {
+template <class G>
+void graph_block(const G& graph, const std::string& label, const std::string& path) {
     {
         OutFile file(path, OpenMode::append);
         print(file, "*Network %s\n*vertices %d\n*matrix\n", label.c_str(), graph.node_count);
@@ -18,12 +22,25 @@ void write_pajek_block(const Graph& graph, const std::string& label, const std::
     }
     {
         OutFile file(path, OpenMode::append);
-        write_pajek_matrix(file, graph);
+        graph_matrix(file, graph);
         file.close();
     }
     OutFile file(path, OpenMode::append);
     print(file, "\n");
     file.close();
+}
+
+}  // namespace
+
+void write_pajek_matrix(FILE* out, const Graph& graph) { graph_matrix(out, graph); }
+void write_pajek_matrix(FILE* out, const SparseGraph& graph) { graph_matrix(out, graph); }
+
+void write_pajek_block(const Graph& graph, const std::string& label, const std::string& path) {
+    graph_block(graph, label, path);
+}
+void write_pajek_block(const SparseGraph& graph, const std::string& label,
+                       const std::string& path) {
+    graph_block(graph, label, path);
 }
 
 void write_pajek_block(const Digraph& digraph, const std::string& label, const std::string& path) {

@@ -11,17 +11,20 @@
 
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_graph.h"
 
 namespace vexa {
 
 // The matrix part of a graph block: one row per node of "%d " values (the last one followed
 // by its blank too), then one empty line.
 void write_pajek_matrix(FILE* out, const Graph& graph);
+void write_pajek_matrix(FILE* out, const SparseGraph& graph);
 
 // Appends one block to `path`: "*Network <label>", "*vertices <n>", "*matrix", the matrix and
 // a second empty line. The file is opened three times, for the heading, the matrix and the
 // closing line, and closed after each. Throws OutputFileError when it cannot be written.
 void write_pajek_block(const Graph& graph, const std::string& label, const std::string& path);
+void write_pajek_block(const SparseGraph& graph, const std::string& label, const std::string& path);
 
 // Appends one digraph block: "Network <label>", "vertices <n>", "matrix", the rows (row i the
 // arcs node i sends, every value followed by a blank) and one empty line. Opened three times,

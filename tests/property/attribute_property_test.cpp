@@ -2,8 +2,8 @@
 // straight from its definition, on seeded random networks with random attribute values, some
 // of them missing: the totals pass equals the recount; for every dyad, in the addition and
 // the removal state of the store, the change statistic equals the difference of the totals;
-// and the toggles leave the store as it was. Values are multiples of a quarter, so sums and
-// products are exact and the comparisons are too.
+// and the toggles leave the store as it was (graphs on both stores). Values are multiples of a
+// quarter, so sums and products are exact and the comparisons are too.
 
 #include <gtest/gtest.h>
 
@@ -274,6 +274,7 @@ TEST_P(AttributeProperty, TotalsAndChangesAgreeWithRecounts) {
     const AttributeCase& c = GetParam();
     if (c.network == NetworkKind::graph) {
         check_case<Graph>(c);
+        check_case<SparseGraph>(c);
     } else {
         check_case<Digraph>(c);
     }

@@ -14,6 +14,7 @@
 #include "model/terms.h"
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_graph.h"
 #include "support/brute_force.h"
 #include "support/digraph_brute_force.h"
 
@@ -61,6 +62,30 @@ struct KindFixture<Graph> {
             }
         }
         return out;
+    }
+};
+
+// The sparse store over the same networks and recounts.
+template <>
+struct KindFixture<SparseGraph> : KindFixture<Graph> {
+    static SparseGraph build(const Matrix& matrix) {
+        SparseGraph g = create_sparse_graph(matrix.n);
+        for (int a = 0; a < matrix.n; ++a) {
+            for (int b = a + 1; b < matrix.n; ++b) {
+                if (matrix(a, b)) {
+                    add_edge(g, a, b);
+                    update_shared_partners(g, a, b, 1);
+                }
+            }
+        }
+        return g;
+    }
+    static Matrix adjacency(const SparseGraph& graph) {
+        Matrix m(graph.node_count);
+        for (int a = 0; a < m.n; ++a) {
+            for (const int32_t b : graph.neighbours_of(a)) m.set(a, b, true);
+        }
+        return m;
     }
 };
 

@@ -563,6 +563,17 @@ std::span<const EffectRow<Graph>> attribute_rows<Graph>(AttributeKind which) {
 }
 
 template <>
+std::span<const EffectRow<SparseGraph>> attribute_rows<SparseGraph>(AttributeKind which) {
+    switch (which) {
+        case AttributeKind::binary: return graph_binary<SparseGraph>;
+        case AttributeKind::continuous: return graph_continuous<SparseGraph>;
+        case AttributeKind::categorical: return graph_categorical<SparseGraph>;
+        case AttributeKind::covariate: return graph_covariate<SparseGraph>;
+    }
+    return {};
+}
+
+template <>
 std::span<const EffectRow<Digraph>> attribute_rows<Digraph>(AttributeKind which) {
     switch (which) {
         case AttributeKind::binary: return digraph_binary<Digraph>;

@@ -90,13 +90,15 @@ inline double total_tie_value(const S& store, const Term<S>& term, const Workspa
 // Graphs.
 
 // D_v: the labelled neighbours of v (for a binary attribute), from the neighbour list.
-inline double labelled_neighbours(const Graph& g, const double* z, int v) {
+template <GraphStore G>
+inline double labelled_neighbours(const G& g, const double* z, int v) {
     double sum = 0.0;
     for_each_neighbour(g, v, [&](int k) { sum += z[k]; });
     return sum;
 }
 // e_v: the covariate summed over the neighbours of v.
-inline double covariate_neighbours(const Graph& g, const Term<Graph>& term, int v) {
+template <GraphStore G>
+inline double covariate_neighbours(const G& g, const Term<G>& term, int v) {
     double sum = 0.0;
     for_each_neighbour(g, v, [&](int k) { sum += covariate_at(g, term, v, k); });
     return sum;
@@ -225,7 +227,7 @@ enum EdgeTriangleStatistic : int16_t { et0 = 1, etnt = 2 };
 template <class G>
 inline int32_t ties_in_no_triangle(const G& g, int v) {
     int32_t count = 0;
-    const int32_t* partners = g.partners_row(v);
+    const auto partners = partners_of(g, v);
     for_each_neighbour(g, v, [&](int k) { count += partners[k] == 0 ? 1 : 0; });
     return count;
 }

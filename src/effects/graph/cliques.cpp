@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
+#include <vector>
 
 #include "effects/graph/cliques.h"
 #include "effects/graph/graph_effects.h"
@@ -102,6 +104,67 @@ void count_among_common(const Graph& g, int i, int j, int first, int max_size, i
     }
 }
 
+// The cliques among the common neighbours of i and j numbered from `first` on, for the sparse
+// store: up to 64 of them in masks as above, more in candidate lists (which allocate; a
+// network with that many common neighbours of one pair is no sparse one).
+void count_in_lists(const SparseGraph& g, const std::vector<int32_t>& candidates, int size,
+                    int max_size, int64_t* tally) {
+    if (size + 1 >= max_size) {
+        tally[size] += static_cast<int64_t>(candidates.size());
+        return;
+    }
+    std::vector<int32_t> next;
+    for (size_t a = 0; a < candidates.size(); ++a) {
+        tally[size] += 1;
+        next.clear();
+        for (size_t b = a + 1; b < candidates.size(); ++b) {
+            if (has_edge(g, candidates[a], candidates[b])) next.push_back(candidates[b]);
+        }
+        if (!next.empty()) count_in_lists(g, next, size + 1, max_size, tally);
+    }
+}
+
+void count_among_common(const SparseGraph& g, int i, int j, int first, int max_size,
+                        int64_t* tally) {
+    const std::span<const int32_t> list_i = g.neighbours_of(i);
+    const std::span<const int32_t> list_j = g.neighbours_of(j);
+    const bool i_shorter = list_i.size() <= list_j.size();
+    const std::span<const int32_t> shorter = i_shorter ? list_i : list_j;
+    const std::span<const int32_t> other = i_shorter ? list_j : list_i;
+    std::array<int, 64> members;
+    int count = 0;
+    std::vector<int32_t> wide;
+    for (const int32_t k : shorter) {
+        if (k < first || !list_has(other, k)) continue;
+        if (count < 64) {
+            members[static_cast<size_t>(count++)] = k;
+        } else {
+            if (wide.empty()) wide.assign(members.begin(), members.end());
+            wide.push_back(k);
+        }
+    }
+    if (!wide.empty()) {
+        count_in_lists(g, wide, 0, max_size, tally);
+        return;
+    }
+    if (count == 0) return;
+    tally[0] += count;
+    if (max_size < 2 || count < 2) return;
+    std::array<uint64_t, 64> higher;
+    for (int a = 0; a < count; ++a) {
+        uint64_t mask = 0;
+        for (int b = a + 1; b < count; ++b) {
+            if (has_edge(g, members[static_cast<size_t>(a)], members[static_cast<size_t>(b)]))
+                mask |= uint64_t{1} << b;
+        }
+        higher[static_cast<size_t>(a)] = mask;
+    }
+    for (int a = 0; a < count; ++a) {
+        const uint64_t next = higher[static_cast<size_t>(a)];
+        if (next != 0) count_in_masks(higher.data(), next, 1, max_size, tally);
+    }
+}
+
 int usable_depth(const Workspace& w) {
     return std::min({static_cast<int>(w.clique_depth), max_clique_depth,
                      static_cast<int>(w.clique_counts.size()),
@@ -110,9 +173,12 @@ int usable_depth(const Workspace& w) {
 
 }  // namespace
 
+namespace {
+
 // The census: each k-clique (k >= 3) is found once, from the edge of its two lowest nodes,
 // among their common neighbours above both. O(E words) plus the cliques themselves.
-void count_cliques(const Graph& g, Workspace& w) {
+template <class G>
+void census(const G& g, Workspace& w) {
     const int depth = usable_depth(w);
     if (depth < 1) return;
     std::fill(w.clique_counts.begin(), w.clique_counts.end(), 0.0);
@@ -131,7 +197,8 @@ void count_cliques(const Graph& g, Workspace& w) {
 // The k-cliques that adding {i,j} creates: 0, 1 and s for k = 1, 2, 3, and the (k-2)-cliques
 // among the common neighbours beyond. Nothing to enumerate when fewer than two common
 // neighbours exist, which is most dyads of a sparse graph.
-void fill_clique_changes(const Graph& g, Workspace& w, int i, int j) {
+template <class G>
+void changes_of(const G& g, Workspace& w, int i, int j) {
     const int depth = usable_depth(w);
     if (depth < 1) return;
     double* changes = w.clique_changes.data();
@@ -148,7 +215,19 @@ void fill_clique_changes(const Graph& g, Workspace& w, int i, int j) {
         changes[k - 1] = static_cast<double>(tally[static_cast<size_t>(k - 3)]);
 }
 
+}  // namespace
+
+void count_cliques(const Graph& g, Workspace& w) { census(g, w); }
+void count_cliques(const SparseGraph& g, Workspace& w) { census(g, w); }
+void fill_clique_changes(const Graph& g, Workspace& w, int i, int j) { changes_of(g, w, i, j); }
+void fill_clique_changes(const SparseGraph& g, Workspace& w, int i, int j) {
+    changes_of(g, w, i, j);
+}
+
 void prepare_totals(const Graph& graph, Workspace& workspace) {
+    if (workspace.clique_depth >= 1) count_cliques(graph, workspace);
+}
+void prepare_totals(const SparseGraph& graph, Workspace& workspace) {
     if (workspace.clique_depth >= 1) count_cliques(graph, workspace);
 }
 

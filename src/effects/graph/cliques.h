@@ -5,6 +5,7 @@
 
 #include "effects/term.h"
 #include "network/graph.h"
+#include "network/sparse_graph.h"
 
 namespace vexa {
 
@@ -18,6 +19,18 @@ void prepare_totals(const Graph& graph, Workspace& workspace);
 inline void prepare_change(const Graph& graph, Workspace& workspace, int i, int j) {
     // Most terms read the pair's shared partners, far away in an n x n matrix: ask for it now.
     __builtin_prefetch(graph.partners_row(i) + j);
+    if (workspace.clique_depth >= 1) fill_clique_changes(graph, workspace, i, j);
+}
+
+// The same for the sparse store.
+void count_cliques(const SparseGraph& graph, Workspace& workspace);
+void fill_clique_changes(const SparseGraph& graph, Workspace& workspace, int i, int j);
+void prepare_totals(const SparseGraph& graph, Workspace& workspace);
+inline void prepare_change(const SparseGraph& graph, Workspace& workspace, int i, int j) {
+    // The partner filters of both ends, which most terms read first.
+    __builtin_prefetch(graph.filter_of(i));
+    __builtin_prefetch(graph.filter_of(j));
+    graph.shared_partners.prefetch(PairTable::key(i, j));
     if (workspace.clique_depth >= 1) fill_clique_changes(graph, workspace, i, j);
 }
 

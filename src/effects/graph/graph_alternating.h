@@ -69,8 +69,8 @@ inline double change_at(const G& g, const Term<G>& term, const Workspace&, int i
     if (switched_off(term)) return 0.0;
     const int32_t s = g.partners(i, j);
     double sum = lambda_of(term) * (1.0 - w(term, s));
-    const int32_t* pi = g.partners_row(i);
-    const int32_t* pj = g.partners_row(j);
+    const auto pi = partners_of(g, i);
+    const auto pj = partners_of(g, j);
     const int fix = correction(added);
     for_each_common_neighbour(g, i, j, s,
                               [&](int k) { sum += w(term, pi[k] + fix) + w(term, pj[k] + fix); });
@@ -92,8 +92,8 @@ template <class G>
 inline double change_a2p(const G& g, const Term<G>& term, const Workspace&, int i, int j,
                          int added) {
     if (switched_off(term)) return 0.0;
-    const int32_t* pi = g.partners_row(i);
-    const int32_t* pj = g.partners_row(j);
+    const auto pi = partners_of(g, i);
+    const auto pj = partners_of(g, j);
     const int fix = correction(added);
     prefetch_partners(g, pi, j);
     prefetch_partners(g, pj, i);
@@ -107,8 +107,8 @@ inline double total_a2p(const G& g, const Term<G>& term, const Workspace&) {
     if (switched_off(term)) return 0.0;
     double sum = 0.0;
     for (size_t s = 0; s < g.shared_partner_histogram.size(); ++s) {
-        const int32_t pairs = g.shared_partner_histogram[s];
-        if (pairs != 0) sum += pairs * (1.0 - w(term, static_cast<int>(s)));
+        const auto pairs = g.shared_partner_histogram[s];
+        if (pairs != 0) sum += static_cast<double>(pairs) * (1.0 - w(term, static_cast<int>(s)));
     }
     return lambda_of(term) * sum;
 }

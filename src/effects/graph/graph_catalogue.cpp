@@ -106,4 +106,9 @@ std::span<const EffectRow<Graph>> structural_rows<Graph>() {
     return rows<Graph>;
 }
 
+template <>
+std::span<const EffectRow<SparseGraph>> structural_rows<SparseGraph>() {
+    return rows<SparseGraph>;
+}
+
 }  // namespace vexa

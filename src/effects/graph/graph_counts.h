@@ -3,6 +3,8 @@
 // configurations built from them. Included by the graph catalogue only.
 
 #include <cstddef>
+#include <span>
+#include <type_traits>
 
 #include "effects/graph/cliques.h"
 #include "effects/graph/graph_effects.h"
@@ -12,7 +14,8 @@ namespace vexa::graph_terms {
 inline double as_double(int64_t v) { return static_cast<double>(v); }
 
 // Sum over the nodes of C(d, k), from the degree histogram.
-inline double star_total(const Graph& g, int k) {
+template <GraphStore G>
+inline double star_total(const G& g, int k) {
     double sum = 0.0;
     for (size_t d = 0; d < g.degree_histogram.size(); ++d) {
         const int32_t nodes = g.degree_histogram[d];
@@ -22,17 +25,20 @@ inline double star_total(const Graph& g, int k) {
     return sum;
 }
 
-inline double star_change(const Graph& g, int i, int j, int k) {
+template <GraphStore G>
+inline double star_change(const G& g, int i, int j, int k) {
     return as_double(choose(degree_of(g, i), k - 1) + choose(degree_of(g, j), k - 1));
 }
 
-inline int64_t neighbour_degree_sum(const Graph& g, int v) {
+template <GraphStore G>
+inline int64_t neighbour_degree_sum(const G& g, int v) {
     int64_t sum = 0;
     for_each_neighbour(g, v, [&](int k) { sum += degree_of(g, k); });
     return sum;
 }
 
-inline int64_t triangle_count(const Graph& g) {
+template <GraphStore G>
+inline int64_t triangle_count(const G& g) {
     int64_t sum = 0;
     for (const int32_t t : g.triangles) sum += t;
     return sum / 3;
@@ -40,17 +46,19 @@ inline int64_t triangle_count(const Graph& g) {
 
 // Triangle2 gains C(s, 2) for the new edge's own pairs of triangles, and every edge ik or jk to
 // a common neighbour k gains one partner: C(L + 1, 2) - C(L, 2) = L pairs each.
-inline int64_t triangle2_increase(const Graph& g, int i, int j, int added) {
+template <GraphStore G>
+inline int64_t triangle2_increase(const G& g, int i, int j, int added) {
     const int32_t s = g.partners(i, j);
-    const int32_t* pi = g.partners_row(i);
-    const int32_t* pj = g.partners_row(j);
+    const auto pi = partners_of(g, i);
+    const auto pj = partners_of(g, j);
     const int64_t fix = 2 * correction(added);
     int64_t sum = choose2(s);
     for_each_common_neighbour(g, i, j, s, [&](int k) { sum += pi[k] + pj[k] + fix; });
     return sum;
 }
 
-inline int64_t triangle2_count(const Graph& g) {
+template <GraphStore G>
+inline int64_t triangle2_count(const G& g) {
     int64_t sum = 0;
     for_each_edge(g, [&](int u, int v) { sum += choose2(g.partners(u, v)); });
     return sum;
@@ -58,13 +66,15 @@ inline int64_t triangle2_count(const Graph& g) {
 
 // 3-trails through the new edge: as middle edge d_i d_j, as end edge (d_k - 1) for every
 // neighbour k of either endpoint.
-inline int64_t path3_increase(const Graph& g, int i, int j) {
+template <GraphStore G>
+inline int64_t path3_increase(const G& g, int i, int j) {
     const int64_t di = degree_of(g, i);
     const int64_t dj = degree_of(g, j);
     return di * dj + (neighbour_degree_sum(g, i) - di) + (neighbour_degree_sum(g, j) - dj);
 }
 
-inline int64_t path3_count(const Graph& g) {
+template <GraphStore G>
+inline int64_t path3_count(const G& g) {
     int64_t sum = 0;
     for_each_edge(g, [&](int u, int v) {
         sum += static_cast<int64_t>(degree_of(g, u) - 1) * (degree_of(g, v) - 1);
@@ -74,13 +84,15 @@ inline int64_t path3_count(const Graph& g) {
 
 // Triangles at i and j before the toggle (during a removal they still count the s triangles
 // through the edge).
-inline int64_t triangles_without(const Graph& g, int v, int32_t s, int added) {
+template <GraphStore G>
+inline int64_t triangles_without(const G& g, int v, int32_t s, int added) {
     return triangles_at(g, v) + static_cast<int64_t>(correction(added)) * s;
 }
 
 // 1ET = sum over v of t_v (d_v - 2). At i: t -> t + s and d -> d + 1 gives t + s (d_i - 1);
 // at a common neighbour one more triangle at unchanged degree gives d_k - 2.
-inline int64_t et1_increase(const Graph& g, int i, int j, int added) {
+template <GraphStore G>
+inline int64_t et1_increase(const G& g, int i, int j, int added) {
     const int32_t s = g.partners(i, j);
     const int64_t di = degree_of(g, i);
     const int64_t dj = degree_of(g, j);
@@ -90,7 +102,8 @@ inline int64_t et1_increase(const Graph& g, int i, int j, int added) {
     return sum;
 }
 
-inline int64_t et1_count(const Graph& g) {
+template <GraphStore G>
+inline int64_t et1_count(const G& g) {
     int64_t sum = 0;
     for (int v = 0; v < g.node_count; ++v) {
         sum += static_cast<int64_t>(triangles_at(g, v)) * (degree_of(g, v) - 2);
@@ -100,7 +113,8 @@ inline int64_t et1_count(const Graph& g) {
 
 // 2ET = sum over v of t_v C(d_v - 2, 2). At i: (t + s) C(d_i - 1, 2) - t C(d_i - 2, 2)
 // = s C(d_i - 1, 2) + t (d_i - 2) (t is 0 whenever d_i < 2); at a common neighbour C(d_k - 2, 2).
-inline int64_t et2_increase(const Graph& g, int i, int j, int added) {
+template <GraphStore G>
+inline int64_t et2_increase(const G& g, int i, int j, int added) {
     const int32_t s = g.partners(i, j);
     const int64_t di = degree_of(g, i);
     const int64_t dj = degree_of(g, j);
@@ -111,7 +125,8 @@ inline int64_t et2_increase(const Graph& g, int i, int j, int added) {
     return sum;
 }
 
-inline int64_t et2_count(const Graph& g) {
+template <GraphStore G>
+inline int64_t et2_count(const G& g) {
     int64_t sum = 0;
     for (int v = 0; v < g.node_count; ++v) {
         sum += static_cast<int64_t>(triangles_at(g, v)) * choose2(degree_of(g, v) - 2);
@@ -128,41 +143,66 @@ struct QKind {
 // Adding {i,j} gives every pair {i,k} with k a neighbour of j one more two-path (and {j,k}
 // with k a neighbour of i); such a pair is tied when k is a common neighbour. The pair {i,j}
 // itself moves from the untied to the tied sum with its s two-paths.
-inline int64_t q_increase(const Graph& g, int i, int j, int added, QKind kind) {
+template <GraphStore G>
+inline int64_t q_increase(const G& g, int i, int j, int added, QKind kind) {
     const int32_t s = g.partners(i, j);
     int64_t sum = kind.tied ? choose(s, kind.order) : -choose(s, kind.order);
-    const int32_t* pi = g.partners_row(i);
-    const int32_t* pj = g.partners_row(j);
+    const auto pi = partners_of(g, i);
+    const auto pj = partners_of(g, j);
     const int fix = correction(added);
     const int step = kind.order - 1;  // C(L + 1, m) - C(L, m) = C(L, m - 1)
     // Every entry read below is one of these.
     prefetch_partners(g, pi, j);
     prefetch_partners(g, pj, i);
-    const uint64_t* ri = g.row(i);
-    const uint64_t* rj = g.row(j);
-    int left = degree_of(g, i) + degree_of(g, j);
-    for (int w = 0; w < g.row_words && left > 0; ++w) {
-        const uint64_t a = ri[w];
-        const uint64_t b = rj[w];
-        if ((a | b) == 0) continue;
-        left -= std::popcount(a) + std::popcount(b);
-        const int base = w * 64;
-        if (kind.tied) {
-            for_each_bit(a & b, base, [&](int k) {
-                sum += choose(pi[k] + fix, step) + choose(pj[k] + fix, step);
-            });
-        } else {
-            for_each_bit(b & ~a, base, [&](int k) { sum += choose(pi[k] + fix, step); });
-            for_each_bit(a & ~b, base, [&](int k) { sum += choose(pj[k] + fix, step); });
+    if constexpr (std::is_same_v<G, Graph>) {
+        const uint64_t* ri = g.row(i);
+        const uint64_t* rj = g.row(j);
+        int left = degree_of(g, i) + degree_of(g, j);
+        for (int w = 0; w < g.row_words && left > 0; ++w) {
+            const uint64_t a = ri[w];
+            const uint64_t b = rj[w];
+            if ((a | b) == 0) continue;
+            left -= std::popcount(a) + std::popcount(b);
+            const int base = w * 64;
+            if (kind.tied) {
+                for_each_bit(a & b, base, [&](int k) {
+                    sum += choose(pi[k] + fix, step) + choose(pj[k] + fix, step);
+                });
+            } else {
+                for_each_bit(b & ~a, base, [&](int k) { sum += choose(pi[k] + fix, step); });
+                for_each_bit(a & ~b, base, [&](int k) { sum += choose(pj[k] + fix, step); });
+            }
+        }
+    } else if (kind.tied) {
+        for_each_common_neighbour(g, i, j, s, [&](int k) {
+            sum += choose(pi[k] + fix, step) + choose(pj[k] + fix, step);
+        });
+    } else {
+        // Neither list holds the other endpoint, in either state of the store.
+        const std::span<const int32_t> ni = g.neighbours_of(i);
+        const std::span<const int32_t> nj = g.neighbours_of(j);
+        for (const int32_t k : nj) {
+            if (!list_has(ni, k)) sum += choose(pi[k] + fix, step);
+        }
+        for (const int32_t k : ni) {
+            if (!list_has(nj, k)) sum += choose(pj[k] + fix, step);
         }
     }
     return sum;
 }
 
-inline int64_t q_count(const Graph& g, QKind kind) {
+template <GraphStore G>
+inline int64_t q_count(const G& g, QKind kind) {
     int64_t sum = 0;
+    if constexpr (!std::is_same_v<G, Graph>) {
+        // Only the pairs the table holds have a two-path.
+        g.shared_partners.for_each([&](int u, int v, int32_t partners) {
+            if (has_edge(g, u, v) == kind.tied) sum += choose(partners, kind.order);
+        });
+        return sum;
+    }
     for (int u = 0; u < g.node_count; ++u) {
-        const int32_t* pu = g.partners_row(u);
+        const auto pu = partners_of(g, u);
         for (int v = u + 1; v < g.node_count; ++v) {
             if (has_edge(g, u, v) == kind.tied) sum += choose(pu[v], kind.order);
         }
@@ -234,8 +274,8 @@ inline double change_bow_tie(const G& g, const Term<G>&, const Workspace&, int i
     const int32_t s = g.partners(i, j);
     const int64_t ti = triangles_without(g, i, s, added);
     const int64_t tj = triangles_without(g, j, s, added);
-    const int32_t* pi = g.partners_row(i);
-    const int32_t* pj = g.partners_row(j);
+    const auto pi = partners_of(g, i);
+    const auto pj = partners_of(g, j);
     const int fix = correction(added);
     int64_t at_common = 0;
     int64_t t2 = choose2(s);
@@ -293,7 +333,7 @@ inline double total_q(const G& g, const Term<G>& term, const Workspace&) {
 // O(words + d_j); total from the shared-partner histogram, O(n).
 template <class G>
 inline double change_cycle4(const G& g, const Term<G>&, const Workspace&, int i, int j, int added) {
-    const int32_t* pi = g.partners_row(i);
+    const auto pi = partners_of(g, i);
     const int fix = correction(added);
     prefetch_partners(g, pi, j);
     int64_t sum = 0;
@@ -366,7 +406,7 @@ inline double total_etnt(const G& g, const Term<G>&, const Workspace&) {
     for (int v = 0; v < g.node_count; ++v) {
         const int32_t t = triangles_at(g, v);
         if (t == 0) continue;
-        const int32_t* pv = g.partners_row(v);
+        const auto pv = partners_of(g, v);
         int64_t bare = 0;
         for_each_neighbour(g, v, [&](int u) { bare += pv[u] == 0 ? 1 : 0; });
         sum += t * bare;

@@ -11,10 +11,13 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <climits>
 #include <cstdint>
+#include <vector>
 
 #include "effects/term.h"
 #include "network/graph.h"
+#include "network/sparse_graph.h"
 
 namespace vexa {
 
@@ -34,8 +37,36 @@ inline int64_t choose2(int64_t m) { return m >= 2 ? m * (m - 1) / 2 : 0; }
 // neighbour of the other endpoint still count that endpoint during a removal, by one too many.
 inline int correction(int added) { return added == 1 ? 0 : -1; }
 
-inline int32_t degree_of(const Graph& g, int v) { return g.degree[static_cast<size_t>(v)]; }
-inline int32_t triangles_at(const Graph& g, int v) { return g.triangles[static_cast<size_t>(v)]; }
+// Either graph store: the effects read both through the same accessors, so that totals and
+// changes agree exactly between them. Where the dense store has a faster path (bit rows, a row
+// of the partner matrix) it keeps it through an overload.
+template <class G>
+concept GraphStore = G::kind == NetworkKind::graph;
+
+template <GraphStore G>
+inline int32_t degree_of(const G& g, int v) {
+    return g.degree[static_cast<size_t>(v)];
+}
+template <GraphStore G>
+inline int32_t triangles_at(const G& g, int v) {
+    return g.triangles[static_cast<size_t>(v)];
+}
+
+// The shared partners of a fixed node a with any node k, read as row[k]: the dense store's row
+// of its partner matrix, or for the sparse store a reader that looks the pair up.
+struct SparsePartnerRow {
+    const PairTable* table;
+    const uint64_t* filter;  // the node's partner filter
+    int a;
+    int32_t operator[](int k) const {
+        if (!SparseGraph::may_share(filter, k)) return 0;
+        return table->get(PairTable::key(a, k));
+    }
+};
+inline const int32_t* partners_of(const Graph& g, int a) { return g.partners_row(a); }
+inline SparsePartnerRow partners_of(const SparseGraph& g, int a) {
+    return {&g.shared_partners, g.filter_of(a), a};
+}
 
 // Calls fn(k) for every common neighbour k of i and j, stopping once `count` of them (the
 // shared-partner count, known beforehand) have been met: on sparse graphs most dyads have
@@ -68,11 +99,43 @@ inline void for_each_common_neighbour(const Graph& g, int i, int j, int count, F
     }
 }
 
+// The sparse store's walk meets the common neighbours in the same order as the dense one: the
+// shorter list's order when it is short, else ascending (one scan of the shorter list per
+// neighbour met, a path only networks far denser than this store is chosen for take).
+// Membership in the other list is a scan of it.
+template <typename Fn>
+inline void for_each_common_neighbour(const SparseGraph& g, int i, int j, int count, Fn&& fn) {
+    if (count <= 0) return;
+    const std::span<const int32_t> list_i = g.neighbours_of(i);
+    const std::span<const int32_t> list_j = g.neighbours_of(j);
+    const bool i_shorter = list_i.size() <= list_j.size();
+    const std::span<const int32_t> shorter = i_shorter ? list_i : list_j;
+    const std::span<const int32_t> other = i_shorter ? list_j : list_i;
+    if (shorter.size() <= 4 * static_cast<size_t>(g.row_words)) {
+        for (const int32_t k : shorter) {
+            if (list_has(other, k)) {
+                fn(k);
+                if (--count == 0) return;
+            }
+        }
+        return;
+    }
+    for (int last = -1; count > 0; --count) {
+        int next = INT_MAX;
+        for (const int32_t k : shorter) {
+            if (k > last && k < next && list_has(other, k)) next = k;
+        }
+        if (next == INT_MAX) return;
+        fn(next);
+        last = next;
+    }
+}
+
 // Calls fn(k) for every neighbour k of v, from the store's neighbour list: the reads fn makes
 // for each (shared-partner entries scattered over an n x n matrix) do not wait on a bit scan
 // and overlap in memory.
-template <typename Fn>
-inline void for_each_neighbour(const Graph& g, int v, Fn&& fn) {
+template <GraphStore G, typename Fn>
+inline void for_each_neighbour(const G& g, int v, Fn&& fn) {
     for (const int32_t k : g.neighbours_of(v)) fn(k);
 }
 
@@ -82,6 +145,13 @@ inline void for_each_neighbour(const Graph& g, int v, Fn&& fn) {
 // the alternating two-path change runs twice as fast).
 inline void prefetch_partners(const Graph& g, const int32_t* partners, int v) {
     for (const int32_t k : g.neighbours_of(v)) __builtin_prefetch(partners + k);
+}
+// The same for the sparse store: the home slots of the pairs in its table.
+inline void prefetch_partners(const SparseGraph& g, const SparsePartnerRow& partners, int v) {
+    for (const int32_t k : g.neighbours_of(v)) {
+        if (SparseGraph::may_share(partners.filter, k))
+            partners.table->prefetch(PairTable::key(partners.a, k));
+    }
 }
 
 // Calls fn(u, v) once for every edge with u < v.
@@ -95,6 +165,21 @@ inline void for_each_edge(const Graph& g, Fn&& fn) {
             if (w == (first >> 6)) bits &= ~uint64_t{0} << (first & 63);
             for_each_bit(bits, w * 64, [&](int v) { fn(u, v); });
         }
+    }
+}
+
+// The same order from the sparse store's lists: each node's higher neighbours, sorted.
+// O(E log d); allocates a buffer of the largest degree.
+template <typename Fn>
+inline void for_each_edge(const SparseGraph& g, Fn&& fn) {
+    std::vector<int32_t> higher;
+    for (int u = 0; u < g.node_count; ++u) {
+        higher.clear();
+        for (const int32_t v : g.neighbours_of(u)) {
+            if (v > u) higher.push_back(v);
+        }
+        std::sort(higher.begin(), higher.end());
+        for (const int32_t v : higher) fn(u, v);
     }
 }
 

@@ -12,7 +12,7 @@ namespace {
 void usage(FILE* out) {
     std::fprintf(
         out,
-        "usage: vexa [--seed N] [--check] [--sampler V] RUNFILE\n"
+        "usage: vexa [--seed N] [--check] [--sampler V] [--store dense|sparse] RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says.\n"
@@ -28,6 +28,9 @@ void usage(FILE* out) {
         "               parameter sets drawn from the normal distribution around its estimates\n"
         "               (the update files in the working directory) with its covariance file\n"
         "               to SETSFILE, one per line, for a Bayesian goodness of fit (task 4)\n"
+        "  --store S    the graph store: dense (n x n arrays, fastest on small networks) or\n"
+        "               sparse (memory in proportion to the ties); without it, sparse above\n"
+        "               20,000 nodes or when the dense arrays would take half the memory\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -77,6 +80,19 @@ int main(int argc, char** argv) {
             draw_count = static_cast<long>(count);
             sets_file = argv[k + 2];
             k += 2;
+            continue;
+        }
+        if (std::strcmp(arg, "--store") == 0) {
+            const char* store = k + 1 < argc ? argv[k + 1] : "";
+            if (std::strcmp(store, "dense") == 0) {
+                options.store = 1;
+            } else if (std::strcmp(store, "sparse") == 0) {
+                options.store = 2;
+            } else {
+                std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
+                return 2;
+            }
+            ++k;
             continue;
         }
         if (std::strcmp(arg, "--check") == 0) {

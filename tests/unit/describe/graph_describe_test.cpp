@@ -164,5 +164,45 @@ TEST(GeodesicQuartiles, HandDrawnNetworks) {
     EXPECT_EQ(quartiles_of(1, {}), (Q{0, 0, 0}));  // one node: no pairs at all
 }
 
+// Beyond the all-pairs limit the geodesics come from a sample of sources, scaled. On a torus
+// every node sees the same distances, so the scaled counts are exact: n times the number of
+// nodes at distance d from any one node (found by a plain search from node 0), halved.
+TEST(GraphDescribe, SampledGeodesicsOfALargeTorusMatchOneSearch) {
+    const int side = 150;
+    const int n = side * side;
+    ASSERT_GT(n, all_pairs_limit);
+    SparseGraph torus = create_sparse_graph(n);
+    for (int r = 0; r < side; ++r) {
+        for (int c = 0; c < side; ++c) {
+            const int v = r * side + c;
+            for (const int u : {r * side + (c + 1) % side, ((r + 1) % side) * side + c}) {
+                add_edge(torus, v, u);
+                update_shared_partners(torus, v, u, 1);
+            }
+        }
+    }
+    std::vector<int> distance(static_cast<size_t>(n), -1);
+    std::vector<int> queue{0};
+    distance[0] = 0;
+    for (size_t head = 0; head < queue.size(); ++head) {
+        const int v = queue[head];
+        for (const int32_t u : torus.neighbours_of(v)) {
+            if (distance[static_cast<size_t>(u)] < 0) {
+                distance[static_cast<size_t>(u)] = distance[static_cast<size_t>(v)] + 1;
+                queue.push_back(u);
+            }
+        }
+    }
+    std::vector<int64_t> expected(static_cast<size_t>(n) + 1, 0);
+    for (const int d : distance) {
+        if (d > 0) expected[static_cast<size_t>(d)] += 1;
+    }
+    for (int64_t& count : expected) count = count * n / 2;
+    DescribeScratch scratch;
+    geodesics(torus, scratch);
+    EXPECT_EQ(scratch.geodesic_counts, expected);
+    EXPECT_EQ(scratch.giant_size, n);
+}
+
 }  // namespace
 }  // namespace vexa

@@ -1,0 +1,312 @@
+#include "network/sparse_graph.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "base/errors.h"
+#include "base/matrix_text.h"
+#include "numeric/rng.h"
+
+namespace vexa {
+
+namespace {
+
+size_t as_size(int value) { return static_cast<size_t>(value); }
+
+// The dense store's triangle histogram length, while it stays small enough to keep whole.
+constexpr int64_t whole_triangle_histogram = int64_t{1} << 20;
+
+template <class Count>
+inline void move_count(std::vector<Count>& histogram, int64_t old_value, int64_t new_value) {
+    histogram[static_cast<size_t>(new_value)] += 1;
+    histogram[static_cast<size_t>(old_value)] -= 1;
+}
+
+// Makes room in the triangle histogram for a node count of t (doubling, so rarely).
+inline void reach_triangle_count(SparseGraph& g, int32_t t) {
+    if (as_size(t) < g.triangle_histogram.size()) return;
+    g.triangle_histogram.resize(std::max(2 * g.triangle_histogram.size(), as_size(t) + 1), 0);
+}
+
+inline void move_triangles(SparseGraph& g, size_t v, int32_t delta) {
+    const int32_t old_value = g.triangles[v];
+    const int32_t t = old_value + delta;
+    if (delta > 0) reach_triangle_count(g, t);
+    g.triangles[v] = t;
+    move_count(g.triangle_histogram, old_value, t);
+}
+
+inline void set_filter(SparseGraph& g, int a, int k) {
+    const uint32_t bit = SparseGraph::filter_bit(k);
+    g.partner_filter[as_size(a) * SparseGraph::filter_words + (bit >> 6)] |= uint64_t{1}
+                                                                             << (bit & 63);
+}
+
+// Removes v from a list by moving the last entry into its place, as the dense store does.
+void forget_neighbour(std::vector<int32_t>& list, int v) {
+    for (size_t k = 0; k < list.size(); ++k) {
+        if (list[k] == v) {
+            list[k] = list.back();
+            list.pop_back();
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+void PairTable::reserve(size_t expected) {
+    size_t capacity = 16;
+    while (7 * capacity < 10 * expected + 10) capacity *= 2;
+    if (capacity > slots_.size()) rehash(capacity);
+}
+
+void PairTable::rehash(size_t capacity) {
+    std::vector<Slot> old(capacity, Slot{empty, 0});
+    old.swap(slots_);
+    mask_ = capacity - 1;
+    shift_ = 64 - std::countr_zero(capacity);
+    for (const Slot& slot : old) {
+        if (slot.key == empty) continue;
+        size_t s = home(slot.key);
+        while (slots_[s].key != empty) s = (s + 1) & mask_;
+        slots_[s] = slot;
+    }
+}
+
+int32_t PairTable::add(uint64_t key, int32_t delta) {
+    // Held at most 70% full: linear probing stays short.
+    if (10 * (size_ + 1) > 7 * slots_.size()) rehash(std::max<size_t>(16, 2 * slots_.size()));
+    size_t s = home(key);
+    while (slots_[s].key != key && slots_[s].key != empty) s = (s + 1) & mask_;
+    if (slots_[s].key == empty) {
+        slots_[s] = Slot{key, delta};
+        ++size_;
+        return delta;
+    }
+    const int32_t value = slots_[s].value + delta;
+    if (value != 0) {
+        slots_[s].value = value;
+        return value;
+    }
+    // Backward-shift deletion: entries later in the probe run move up into the hole when
+    // their home lies at or before it.
+    --size_;
+    size_t hole = s;
+    for (size_t next = (hole + 1) & mask_; slots_[next].key != empty; next = (next + 1) & mask_) {
+        const size_t h = home(slots_[next].key);
+        if (((next - h) & mask_) >= ((next - hole) & mask_)) {
+            slots_[hole] = slots_[next];
+            hole = next;
+        }
+    }
+    slots_[hole] = Slot{empty, 0};
+    return 0;
+}
+
+SparseGraph create_sparse_graph(int n) {
+    if (n < 1) {
+        throw SettingError(
+            format_message("vexa: a network needs at least one node (node count %d)", n));
+    }
+    SparseGraph g;
+    const size_t nodes = as_size(n);
+    g.node_count = n;
+    g.row_words = (n + 63) / 64;
+    g.neighbours.assign(nodes, {});
+    g.degree.assign(nodes, 0);
+    g.degree_histogram.assign(nodes, 0);
+    g.degree_histogram[0] = n;
+    g.shared_partner_histogram.assign(nodes - 1, 0);
+    if (n >= 2) g.shared_partner_histogram[0] = int64_t{n} * (n - 1) / 2;
+    g.triangles.assign(nodes, 0);
+    const int64_t whole = (int64_t{n} - 2) * (n - 1) / 2 + 1;
+    g.triangle_histogram.assign(
+        whole <= whole_triangle_histogram ? static_cast<size_t>(whole) : nodes, 0);
+    g.triangle_histogram[0] = n;
+    g.marks.assign(nodes, 0);
+    g.partner_filter.assign(nodes * SparseGraph::filter_words, 0);
+    g.shared_partners.reserve(4 * nodes);
+    return g;
+}
+
+void add_edge(SparseGraph& g, int i, int j) {
+    if (has_edge(g, i, j)) return;
+    g.edge_count += 1;
+    g.neighbours[as_size(i)].push_back(j);
+    g.neighbours[as_size(j)].push_back(i);
+    for (const int v : {i, j}) {
+        const int32_t d = ++g.degree[as_size(v)];
+        move_count(g.degree_histogram, d - 1, d);
+    }
+}
+
+void remove_edge(SparseGraph& g, int i, int j) {
+    if (!has_edge(g, i, j)) return;
+    g.edge_count -= 1;
+    forget_neighbour(g.neighbours[as_size(i)], j);
+    forget_neighbour(g.neighbours[as_size(j)], i);
+    for (const int v : {i, j}) {
+        const int32_t d = --g.degree[as_size(v)];
+        move_count(g.degree_histogram, d + 1, d);
+    }
+}
+
+void update_shared_partners(SparseGraph& g, int i, int j, int added) {
+    const int32_t delta = added == 1 ? 1 : -1;
+    int64_t* partner_histogram = g.shared_partner_histogram.data();
+    // Every neighbour k of `from` other than `to` now shares (or no longer shares) partner
+    // `from` with `to`: the pair {k, to} moves by delta.
+    const auto move_pairs = [&](int from, int to, bool closing) {
+        const std::vector<int32_t>& list = g.neighbours[as_size(from)];
+        for (const int32_t k : list) {
+            if (k != to) g.shared_partners.prefetch(PairTable::key(k, to));
+        }
+        for (const int32_t k : list) {
+            if (k == to) continue;
+            const int32_t value = g.shared_partners.add(PairTable::key(k, to), delta);
+            if (value == 1 && delta == 1) {
+                set_filter(g, k, to);
+                set_filter(g, to, k);
+            }
+            partner_histogram[value] += 1;
+            partner_histogram[value - delta] -= 1;
+            // A common neighbour k closes (or opens) the triangle i, j, k.
+            if (closing && g.marks[as_size(k)] != 0) move_triangles(g, as_size(k), delta);
+        }
+    };
+    for (const int32_t k : g.neighbours[as_size(i)]) g.marks[as_size(k)] = 1;
+    move_pairs(i, j, false);
+    move_pairs(j, i, true);
+    for (const int32_t k : g.neighbours[as_size(i)]) g.marks[as_size(k)] = 0;
+    const int32_t s = g.partners(i, j);
+    if (s != 0) {
+        for (const int v : {i, j}) move_triangles(g, as_size(v), delta * s);
+    }
+}
+
+SparseGraph read_sparse_graph(const std::string& path, int n) {
+    SparseGraph g = create_sparse_graph(n);
+    read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        if (a < b && value == 1.0 && !has_edge(g, a, b)) {
+            add_edge(g, a, b);
+            update_shared_partners(g, a, b, 1);
+        }
+    });
+    return g;
+}
+
+SparseGraph random_sparse_graph(int n, int64_t edge_target, Rng& rng, SeedSource& seeds) {
+    const int64_t dyads = int64_t{n} * (n - 1) / 2;
+    if (edge_target < 0 || edge_target > dyads) {
+        throw SettingError(format_message(
+            "vexa: a random start with %lld edges is impossible: %d nodes have only %lld dyads",
+            static_cast<long long>(edge_target), n, static_cast<long long>(dyads)));
+    }
+    SparseGraph g = create_sparse_graph(n);
+    seeds.reseed(rng);
+    while (g.edge_count < edge_target) {
+        const int a = rng.node(n);
+        const int b = rng.node(n);
+        if (a != b && !has_edge(g, a, b)) {
+            add_edge(g, a, b);
+            update_shared_partners(g, a, b, 1);
+        }
+    }
+    return g;
+}
+
+double density(const SparseGraph& g) {
+    if (g.node_count < 2) return 0.0;
+    const double n = g.node_count;
+    return 2.0 * g.edge_count / (n * (n - 1.0));
+}
+
+std::string check_bookkeeping(const SparseGraph& g) {
+    const int n = g.node_count;
+    const size_t nodes = as_size(n);
+    std::vector<int32_t> degree_histogram(nodes, 0);
+    int64_t degree_sum = 0;
+    std::vector<uint8_t> seen(nodes, 0);
+    for (int a = 0; a < n; ++a) {
+        const std::span<const int32_t> list = g.neighbours_of(a);
+        if (static_cast<int32_t>(list.size()) != g.degree[as_size(a)]) {
+            return format_message("degree of node %d is %d, its list holds %zu", a,
+                                  g.degree[as_size(a)], list.size());
+        }
+        for (const int32_t b : list) {
+            if (b == a) return format_message("node %d has a loop", a);
+            if (b < 0 || b >= n || seen[as_size(b)] != 0)
+                return format_message("node %d lists %d wrongly", a, b);
+            if (!list_has(g.neighbours_of(b), a))
+                return format_message("adjacency not symmetric at %d, %d", a, b);
+            seen[as_size(b)] = 1;
+        }
+        for (const int32_t b : list) seen[as_size(b)] = 0;
+        degree_histogram[list.size()] += 1;
+        degree_sum += static_cast<int64_t>(list.size());
+    }
+    if (degree_histogram != g.degree_histogram) return "degree histogram disagrees with a recount";
+    if (degree_sum != 2 * int64_t{g.edge_count}) {
+        return format_message("edge count %d, degrees sum to %lld", g.edge_count,
+                              static_cast<long long>(degree_sum));
+    }
+    // Shared partners of a and every c > a, counted over the two-paths a - b - c.
+    std::vector<int32_t> count(nodes, 0);
+    std::vector<int32_t> touched;
+    std::vector<int64_t> partner_histogram(nodes >= 1 ? nodes - 1 : 0, 0);
+    std::vector<int64_t> triangles(nodes, 0);
+    size_t pairs_held = 0;
+    for (int a = 0; a < n; ++a) {
+        touched.clear();
+        for (const int32_t b : g.neighbours_of(a)) {
+            for (const int32_t c : g.neighbours_of(b)) {
+                if (c <= a) continue;
+                if (count[as_size(c)]++ == 0) touched.push_back(c);
+            }
+        }
+        for (const int32_t c : touched) {
+            const int32_t s = count[as_size(c)];
+            if (!SparseGraph::may_share(g.filter_of(a), c) ||
+                !SparseGraph::may_share(g.filter_of(c), a)) {
+                return format_message("the partner filter of %d, %d misses its pair", a, c);
+            }
+            if (g.partners(a, c) != s) {
+                return format_message("shared partners of %d, %d are %d, recount %d", a, c,
+                                      g.partners(a, c), s);
+            }
+            partner_histogram[as_size(s)] += 1;
+            ++pairs_held;
+            if (has_edge(g, a, c)) {
+                triangles[as_size(a)] += s;
+                triangles[as_size(c)] += s;
+            }
+            count[as_size(c)] = 0;
+        }
+    }
+    if (pairs_held != g.shared_partners.size()) {
+        return format_message("the pair table holds %zu pairs, the recount %zu",
+                              g.shared_partners.size(), pairs_held);
+    }
+    if (n >= 2) partner_histogram[0] = int64_t{n} * (n - 1) / 2 - static_cast<int64_t>(pairs_held);
+    if (partner_histogram != g.shared_partner_histogram) {
+        return "shared-partner histogram disagrees with a recount";
+    }
+    std::vector<int32_t> triangle_histogram(g.triangle_histogram.size(), 0);
+    for (int a = 0; a < n; ++a) {
+        // Each triangle at a was counted once from each of its two edges at a.
+        const int64_t t = triangles[as_size(a)] / 2;
+        if (t != g.triangles[as_size(a)]) {
+            return format_message("triangles at node %d are %d, recount %lld", a,
+                                  g.triangles[as_size(a)], static_cast<long long>(t));
+        }
+        if (static_cast<size_t>(t) >= triangle_histogram.size())
+            return format_message("triangle histogram too short for node %d", a);
+        triangle_histogram[static_cast<size_t>(t)] += 1;
+    }
+    if (triangle_histogram != g.triangle_histogram)
+        return "triangle histogram disagrees with a recount";
+    return {};
+}
+
+}  // namespace vexa
