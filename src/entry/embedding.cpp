@@ -66,10 +66,31 @@ Digraph digraph_from_matrix(const std::vector<double>& adjacency, int n) {
     return d;
 }
 
+SparseGraph sparse_graph_from_matrix(const std::vector<double>& adjacency, int n) {
+    SparseGraph g = create_sparse_graph(n);
+    for (int a = 0; a < n; ++a) {
+        for (int b = a + 1; b < n; ++b) {
+            if (adjacency[cell(a, b, n)] == 1.0) {
+                add_tie(g, a, b);
+                update_after_toggle(g, a, b, 1);
+            }
+        }
+    }
+    return g;
+}
+
 std::vector<uint8_t> matrix_of(const Graph& graph) { return matrix_from(graph); }
+std::vector<uint8_t> matrix_of(const SparseGraph& graph) { return matrix_from(graph); }
 std::vector<uint8_t> matrix_of(const Digraph& digraph) { return matrix_from(digraph); }
 
 NetworkProfile profile_of(const Graph& graph, const DescribeScratch& scratch) {
+    NetworkProfile profile;
+    profile.degree = degree_counts(graph, false);
+    profile.geodesics = scratch.geodesic_counts;
+    return profile;
+}
+
+NetworkProfile profile_of(const SparseGraph& graph, const DescribeScratch& scratch) {
     NetworkProfile profile;
     profile.degree = degree_counts(graph, false);
     profile.geodesics = scratch.geodesic_counts;
