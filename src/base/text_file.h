@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <string>
 
+#include "base/compiler.h"
+
 namespace vexa {
 
 enum class OpenMode { truncate, append };
@@ -27,6 +29,6 @@ private:
 };
 
 // fprintf with the format checked at compile time, for writers that take a sink.
-void print(FILE* out, const char* format, ...) __attribute__((format(printf, 2, 3)));
+void print(FILE* out, const char* format, ...) VEXA_PRINTF_FORMAT(2, 3);
 
 }  // namespace vexa

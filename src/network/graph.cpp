@@ -8,11 +8,8 @@
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/memory.h"
 #include "numeric/rng.h"
-
-#if defined(__unix__)
-#include <unistd.h>
-#endif
 
 namespace vexa {
 
@@ -26,16 +23,6 @@ double store_bytes(int n) {
     const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
     return 4.0 * nodes * nodes + 4.0 * triangle_entries + 24.0 * nodes +
            nodes * ((nodes + 63.0) / 64.0) * 8.0;
-}
-
-double physical_memory_bytes() {
-#if defined(__unix__)
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0)
-        return static_cast<double>(pages) * static_cast<double>(page_size);
-#endif
-    return 0.0;  // unknown: do not refuse
 }
 
 // Moves one count from histogram[old_value] to histogram[new_value].

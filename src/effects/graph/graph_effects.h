@@ -13,6 +13,7 @@
 #include <bit>
 #include <cstdint>
 
+#include "base/compiler.h"
 #include "effects/term.h"
 #include "network/graph.h"
 
@@ -81,7 +82,7 @@ inline void for_each_neighbour(const Graph& g, int v, Fn&& fn) {
 // queueing one behind the other as the summing loop meets them (on a network of 5,000 nodes
 // the alternating two-path change runs twice as fast).
 inline void prefetch_partners(const Graph& g, const int32_t* partners, int v) {
-    for (const int32_t k : g.neighbours_of(v)) __builtin_prefetch(partners + k);
+    for (const int32_t k : g.neighbours_of(v)) prefetch(partners + k);
 }
 
 // Calls fn(u, v) once for every edge with u < v.
