@@ -1,7 +1,9 @@
 #pragma once
 // Output files for the reports. Every writer opens its file through OutFile, which fails
 // with a clear error instead of writing into a null stream, closes on scope exit, and
-// checks the close so that a full disk is not mistaken for a finished report.
+// checks the close so that a full disk is not mistaken for a finished report. Files are
+// written in binary mode, so a report has the same bytes (lines ending in '\n') on Windows
+// as on POSIX systems.
 
 #include <cstdio>
 #include <string>
@@ -11,6 +13,11 @@
 namespace vexa {
 
 enum class OpenMode { truncate, append };
+
+// std::fopen for a path in UTF-8 (the engine's form of every path). On Windows the name goes
+// to the file system as UTF-16, so that names outside the system's code page open too; a
+// path that is not UTF-8 is taken to be in that code page and opened as it stands.
+FILE* open_file(const std::string& path, const char* mode);
 
 class OutFile {
 public:
