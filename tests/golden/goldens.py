@@ -9,8 +9,15 @@ directory, so the update files it writes into the working directory are caught t
   goldens.py --vexa build/vexa --check     fail on any difference, naming the files
   goldens.py --vexa build/vexa --update    record the current outputs (on purpose only)
   goldens.py ... --keep DIR                leave each case's outputs in DIR/<case> to inspect
+  goldens.py --vexa vexa.exe --runner scripts/wine-run.sh --windows --check
+                                           a Windows build under Wine, against the same records
+
+A Windows run must give the same bytes as the recorded POSIX run, with two differences aside:
+its output names join directory and file with a backslash (which the SPSS syntax files quote),
+and its console ends lines with CR LF.
 """
 import argparse
+import concurrent.futures
 import hashlib
 import os
 import shutil
@@ -61,11 +68,11 @@ def cases():
     return found
 
 
-def run_case(vexa, setup, work):
+def run_case(command, setup, work):
     run_file = setup(work)
     before = set(os.listdir(work))
     os.makedirs(os.path.join(work, "out"), exist_ok=True)
-    result = subprocess.run([vexa, "--seed", SEED, run_file], cwd=work, capture_output=True,
+    result = subprocess.run(command + ["--seed", SEED, run_file], cwd=work, capture_output=True,
                             timeout=900)
     outputs = {"(stdout)": result.stdout, "(exit status)": str(result.returncode).encode()}
     for directory, _, files in os.walk(work):
@@ -77,6 +84,19 @@ def run_case(vexa, setup, work):
             with open(path, "rb") as handle:
                 outputs[relative] = handle.read()
     return outputs
+
+
+def as_on_posix(name, outputs, failures):
+    """A Windows run's outputs as a POSIX run writes them. Each SPSS syntax file must name its
+    data with the backslash separator, or the Windows names were not formed."""
+    normal = {}
+    for file, data in outputs.items():
+        if file.endswith(".sps") and b"\\" not in data:
+            failures.append("%s: %s names no file with a backslash separator" % (name, file))
+        if file == "(stdout)":
+            data = data.replace(b"\r\n", b"\n")
+        normal[file] = data.replace(b"\\", b"/")
+    return normal
 
 
 def fingerprints(outputs):
@@ -111,20 +131,36 @@ def main():
     mode.add_argument("--update", action="store_true")
     parser.add_argument("--keep")
     parser.add_argument("--only", help="run only the cases whose name contains this")
+    parser.add_argument("--runner", help="the program that runs VEXA (Wine for a Windows build)")
+    parser.add_argument("--windows", action="store_true",
+                        help="VEXA is a Windows build: compare as a POSIX run would write")
+    parser.add_argument("--jobs", type=int, default=1, help="cases to run at once")
     args = parser.parse_args()
-    vexa = os.path.abspath(args.vexa)
+    command = [os.path.abspath(args.vexa)]
+    if args.runner:
+        command.insert(0, args.runner)
     failures = []
-    for name, setup in cases():
-        if args.only and args.only not in name:
-            continue
+
+    def run(name, setup):
         with tempfile.TemporaryDirectory() as work:
-            outputs = run_case(vexa, setup, work)
+            outputs = run_case(command, setup, work)
             if args.keep:
                 kept = os.path.join(args.keep, name)
                 shutil.rmtree(kept, ignore_errors=True)
                 shutil.copytree(work, kept)
                 with open(os.path.join(kept, "(stdout)"), "wb") as handle:
                     handle.write(outputs["(stdout)"])
+        return outputs
+
+    chosen = [(name, setup) for name, setup in cases() if not args.only or args.only in name]
+    # Cases run side by side (each in its own directory, as a process of its own); their
+    # results are taken in order.
+    with concurrent.futures.ThreadPoolExecutor(max_workers=max(1, args.jobs)) as pool:
+        runs = [(name, pool.submit(run, name, setup)) for name, setup in chosen]
+    for name, done in runs:
+        outputs = done.result()
+        if args.windows:
+            outputs = as_on_posix(name, outputs, failures)
         prints = fingerprints(outputs)
         if args.update:
             write_expected(name, prints)
