@@ -3,7 +3,7 @@
 # offering Mono or Gecko) and in a Wine prefix of its own, made on first use, so a user's
 # ~/.wine is never touched. Usage: scripts/wine-run.sh PROGRAM.exe [ARGS...]
 set -euo pipefail
-export WINEPREFIX="${VEXA_WINEPREFIX:-${XDG_CACHE_HOME:-$HOME/.cache}/vexa-wine}"
+export WINEPREFIX="${VEXA_WINEPREFIX:-${XDG_CACHE_HOME:-${HOME:-/tmp}/.cache}/vexa-wine}"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 wine=""
