@@ -1,5 +1,6 @@
 #include "base/text_file.h"
 
+#include <cmath>
 #include <cstdarg>
 #include <cstring>
 
@@ -45,6 +46,13 @@ void OutFile::close() {
         throw OutputFileError(
             format_message("vexa: writing output file '%s' failed", path_.c_str()));
     }
+}
+
+std::string fixed_text(double value, int decimals) {
+    if (std::isnan(value)) return std::signbit(value) ? "-nan" : "nan";
+    char text[512];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    return text;
 }
 
 void print(FILE* out, const char* format, ...) {

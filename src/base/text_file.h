@@ -35,6 +35,11 @@ private:
     FILE* file_ = nullptr;
 };
 
+// "%.*f" of a value, with the text the GNU C library gives a NaN on every system: "-nan" when
+// its sign bit is set (as in 0 / 0 on x86), else "nan". The Windows runtimes drop the sign;
+// a ratio that divides by zero must read the same in every report.
+std::string fixed_text(double value, int decimals);
+
 // fprintf with the format checked at compile time, for writers that take a sink.
 void print(FILE* out, const char* format, ...) VEXA_PRINTF_FORMAT(2, 3);
 
