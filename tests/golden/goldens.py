@@ -138,7 +138,9 @@ def main():
     args = parser.parse_args()
     command = [os.path.abspath(args.vexa)]
     if args.runner:
-        command.insert(0, args.runner)
+        # Cases run in scratch directories: a runner named by a relative path is found first.
+        runner = os.path.abspath(args.runner) if os.sep in args.runner else args.runner
+        command.insert(0, runner)
     failures = []
 
     def run(name, setup):

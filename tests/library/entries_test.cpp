@@ -65,11 +65,13 @@ size_t count_of(const std::string& text, const std::string& what) {
     return count;
 }
 
-// Runs in a fresh scratch directory and returns to where it was.
+// Runs in a fresh scratch directory of its own (the cases may run side by side) and returns
+// to where it was.
 struct ScratchDirectory {
     fs::path saved = fs::current_path();
-    fs::path dir = fs::temp_directory_path() / "vexa_library_tests";
-    ScratchDirectory() {
+    fs::path dir;
+    explicit ScratchDirectory(const char* name)
+        : dir(fs::temp_directory_path() / "vexa_library_tests" / name) {
         fs::remove_all(dir);
         fs::create_directories(dir);
         fs::current_path(dir);
@@ -78,7 +80,7 @@ struct ScratchDirectory {
 };
 
 TEST(LibraryEntries, RunFilesNamedBeyondAsciiOpenThroughBothEntries) {
-    const ScratchDirectory scratch;
+    const ScratchDirectory scratch("beyond_ascii");
     const std::u8string run_file = u8"lauf-日本語-😀.txt";
     const std::u8string network_file = u8"Firenze-matrimoni-è.txt";
     const std::u8string output_directory = u8"Ergebnisse-äöü-Ωμέγα";
@@ -109,7 +111,7 @@ TEST(LibraryEntries, RunFilesNamedBeyondAsciiOpenThroughBothEntries) {
 }
 
 TEST(LibraryEntries, PathsThatNameNoRunFileEndTheRunWithZero) {
-    const ScratchDirectory scratch;
+    const ScratchDirectory scratch("no_run_file");
     EXPECT_EQ(vexa_run(bytes(u8"fehlt-ß.txt").c_str()), 0);
 
     StandInEnv java;
