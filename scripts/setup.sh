@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
 # Installs what vexa needs to build and test on Debian, skipping what is already there.
+# With --windows, also the MinGW-w64 cross-compiler and Wine for the Windows build.
 set -euo pipefail
 
 packages=(cmake g++ ninja-build libgtest-dev libbenchmark-dev default-jdk-headless python3 clang-format clang-tidy)
+if [ "${1:-}" = "--windows" ]; then
+    packages+=(g++-mingw-w64-x86-64-posix wine64)
+fi
 missing=()
 for package in "${packages[@]}"; do
     case "$package" in

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/compiler.h"
+
 namespace vexa {
 
 struct VexaError : std::runtime_error {
@@ -33,6 +35,6 @@ struct SettingError : VexaError {
 };
 
 // printf-style message building, so that every message reads the same way.
-std::string format_message(const char* format, ...) __attribute__((format(printf, 1, 2)));
+std::string format_message(const char* format, ...) VEXA_PRINTF_FORMAT(1, 2);
 
 }  // namespace vexa

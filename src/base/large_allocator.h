@@ -5,7 +5,6 @@
 // system offers them removes most of those misses. Small arrays use the ordinary heap.
 
 #include <cstddef>
-#include <cstdlib>
 #include <new>
 
 #if defined(__linux__)
@@ -27,8 +26,8 @@ struct LargeAllocator {
         const std::size_t bytes = count * sizeof(T);
         if (bytes < page) return static_cast<T*>(::operator new(bytes));
         const std::size_t rounded = (bytes + page - 1) / page * page;
-        void* memory = std::aligned_alloc(page, rounded);
-        if (memory == nullptr) throw std::bad_alloc();
+        // Aligned operator new rather than aligned_alloc, which the Windows runtimes lack.
+        void* memory = ::operator new (rounded, std::align_val_t{page});
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
         madvise(memory, rounded, MADV_HUGEPAGE);  // advice only: failure leaves ordinary pages
 #endif
@@ -39,7 +38,7 @@ struct LargeAllocator {
         if (count * sizeof(T) < page) {
             ::operator delete(memory);
         } else {
-            std::free(memory);
+            ::operator delete (memory, std::align_val_t{page});
         }
     }
 

@@ -5,11 +5,12 @@
 #include <cstdlib>
 
 #include "base/errors.h"
+#include "base/text_file.h"
 
 namespace vexa {
 
 std::string read_text_file(const std::string& path, const char* what) {
-    FILE* file = std::fopen(path.c_str(), "rb");
+    FILE* file = open_file(path, "rb");
     if (file == nullptr) {
         throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
     }

@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+#include "base/compiler.h"
+
 namespace vexa {
 
 struct Progress {
@@ -12,7 +14,7 @@ struct Progress {
     void (*write)(void* context, const char* text) = nullptr;
 
     // printf-style; nothing happens without a writer.
-    void say(const char* format, ...) const __attribute__((format(printf, 2, 3)));
+    void say(const char* format, ...) const VEXA_PRINTF_FORMAT(2, 3);
     bool quiet() const { return write == nullptr; }
 };
 

@@ -1,13 +1,33 @@
 #include "base/text_file.h"
 
+#include <cmath>
 #include <cstdarg>
+#include <cstring>
 
 #include "base/errors.h"
 
+#if defined(_WIN32)
+#include <cwchar>
+
+#include "base/unicode.h"
+#endif
+
 namespace vexa {
 
+FILE* open_file(const std::string& path, const char* mode) {
+#if defined(_WIN32)
+    std::u16string wide;
+    if (utf16_from_utf8(path, wide)) {
+        const std::wstring wide_path(wide.begin(), wide.end());
+        const std::wstring wide_mode(mode, mode + std::strlen(mode));
+        return _wfopen(wide_path.c_str(), wide_mode.c_str());
+    }
+#endif
+    return std::fopen(path.c_str(), mode);
+}
+
 OutFile::OutFile(const std::string& path, OpenMode mode) : path_(path) {
-    file_ = std::fopen(path.c_str(), mode == OpenMode::append ? "a" : "w");
+    file_ = open_file(path, mode == OpenMode::append ? "ab" : "wb");
     if (file_ == nullptr) {
         throw OutputFileError(format_message("vexa: cannot write output file '%s'", path.c_str()));
     }
@@ -26,6 +46,13 @@ void OutFile::close() {
         throw OutputFileError(
             format_message("vexa: writing output file '%s' failed", path_.c_str()));
     }
+}
+
+std::string fixed_text(double value, int decimals) {
+    if (std::isnan(value)) return std::signbit(value) ? "-nan" : "nan";
+    char text[512];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    return text;
 }
 
 void print(FILE* out, const char* format, ...) {

@@ -1,14 +1,23 @@
 #pragma once
 // Output files for the reports. Every writer opens its file through OutFile, which fails
 // with a clear error instead of writing into a null stream, closes on scope exit, and
-// checks the close so that a full disk is not mistaken for a finished report.
+// checks the close so that a full disk is not mistaken for a finished report. Files are
+// written in binary mode, so a report has the same bytes (lines ending in '\n') on Windows
+// as on POSIX systems.
 
 #include <cstdio>
 #include <string>
 
+#include "base/compiler.h"
+
 namespace vexa {
 
 enum class OpenMode { truncate, append };
+
+// std::fopen for a path in UTF-8 (the engine's form of every path). On Windows the name goes
+// to the file system as UTF-16, so that names outside the system's code page open too; a
+// path that is not UTF-8 is taken to be in that code page and opened as it stands.
+FILE* open_file(const std::string& path, const char* mode);
 
 class OutFile {
 public:
@@ -26,7 +35,12 @@ private:
     FILE* file_ = nullptr;
 };
 
+// "%.*f" of a value, with the text the GNU C library gives a NaN on every system: "-nan" when
+// its sign bit is set (as in 0 / 0 on x86), else "nan". The Windows runtimes drop the sign;
+// a ratio that divides by zero must read the same in every report.
+std::string fixed_text(double value, int decimals);
+
 // fprintf with the format checked at compile time, for writers that take a sink.
-void print(FILE* out, const char* format, ...) __attribute__((format(printf, 2, 3)));
+void print(FILE* out, const char* format, ...) VEXA_PRINTF_FORMAT(2, 3);
 
 }  // namespace vexa

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "base/text_file.h"
 #include "effects/catalogue.h"
 #include "entry/attribute_files.h"
 
@@ -38,7 +39,7 @@ bool is_space(char c) {
 }
 
 Reader open_reader(const std::string& path, FILE* console) {
-    FILE* file = std::fopen(path.c_str(), "rb");
+    FILE* file = open_file(path, "rb");
     if (file == nullptr)
         throw RunFileError(format_message("vexa: cannot open run file '%s'", path.c_str()));
     Reader reader;

@@ -6,11 +6,8 @@
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/memory.h"
 #include "numeric/rng.h"
-
-#if defined(__unix__)
-#include <unistd.h>
-#endif
 
 namespace vexa {
 
@@ -24,16 +21,6 @@ double store_bytes(int n) {
     const double nodes = n;
     const int64_t row_bytes = (int64_t{n} + 63) / 64 * 8;
     return 6.0 * nodes * nodes + 2.0 * nodes * static_cast<double>(row_bytes) + 40.0 * nodes;
-}
-
-double physical_memory_bytes() {
-#if defined(__unix__)
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0)
-        return static_cast<double>(pages) * static_cast<double>(page_size);
-#endif
-    return 0.0;  // unknown: do not refuse
 }
 
 // Moves one node from histogram[old_value] to histogram[new_value].

@@ -8,11 +8,8 @@
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/memory.h"
 #include "numeric/rng.h"
-
-#if defined(__unix__)
-#include <unistd.h>
-#endif
 
 namespace vexa {
 

@@ -67,8 +67,8 @@ void write_triad_census_block(FILE* out, const TriadCensus& observed,
         for (size_t s = 0; s < sample.size(); ++s)
             values[s] = sample[s].counts[static_cast<size_t>(k)];
         const Comparison c = compare(observed.counts[static_cast<size_t>(k)], values);
-        print(out, "%s\t%.0f\t%.3f\t%.3f\t%.3f\n", triad_class_names[static_cast<size_t>(k)],
-              c.observed, c.mean, c.stddev, c.t);
+        print(out, "%s\t%.0f\t%.3f\t%.3f\t%s\n", triad_class_names[static_cast<size_t>(k)],
+              c.observed, c.mean, c.stddev, fixed_text(c.t, 3).c_str());
     }
 }
 

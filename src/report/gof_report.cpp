@@ -48,13 +48,13 @@ void write_gof_comparisons(FILE* out, NetworkKind kind, double accepted, double 
     for (const ParameterLabel& label : labels) {
         const size_t k = static_cast<size_t>(label.position);
         const Comparison c = compare(observed[k], sample.statistics[k]);
-        print(out, label.integral ? "%s\t%.0f\t%.3f\t%.3f\t%.3f\n" : "%s\t%.3f\t%.3f\t%.3f\t%.3f\n",
-              labelled(label).c_str(), c.observed, c.mean, c.stddev, c.t);
+        print(out, label.integral ? "%s\t%.0f\t%.3f\t%.3f\t%s\n" : "%s\t%.3f\t%.3f\t%.3f\t%s\n",
+              labelled(label).c_str(), c.observed, c.mean, c.stddev, fixed_text(c.t, 3).c_str());
     }
     for (size_t m = 0; m < measure_names.size(); ++m) {
         const Comparison c = compare(observed_measures[m], sample.measures[m]);
-        print(out, "%s\t%.3f\t%.3f\t%.3f\t%.3f\n", measure_names[m].c_str(), c.observed, c.mean,
-              c.stddev, c.t);
+        print(out, "%s\t%.3f\t%.3f\t%.3f\t%s\n", measure_names[m].c_str(), c.observed, c.mean,
+              c.stddev, fixed_text(c.t, 3).c_str());
     }
     print(out, "\nACCEPTANCE RATE: %.4f\n\n", proposals > 0.0 ? accepted / proposals : 0.0);
 }

@@ -114,8 +114,8 @@ TEST(GraphRuns, DegenerateAndImpossibleRunsEndCleanlyAndKeepWhatTheyWrote) {
         status = run_entry(path.c_str(), options);
     });
     EXPECT_EQ(status, 1);
-    EXPECT_EQ(printed,
-              "vexa: cannot write output file 'no/such/directory/start_statistics_net.txt'\n");
+    EXPECT_EQ(printed, std::string("vexa: cannot write output file 'no/such/directory") +
+                           path_separator + "start_statistics_net.txt'\n");
 }
 
 }  // namespace

@@ -11,8 +11,15 @@ directory, so the update files it writes into the working directory are caught t
   goldens.py ... --keep DIR                leave each case's outputs in DIR/<case> to inspect
   goldens.py ... --check --store sparse    the graph cases again on the sparse store, which must
                                            write the very same bytes (digraph cases are skipped)
+  goldens.py --vexa vexa.exe --runner scripts/wine-run.sh --windows --check
+                                           a Windows build under Wine, against the same records
+
+A Windows run must give the same bytes as the recorded POSIX run, with two differences aside:
+its output names join directory and file with a backslash (which the SPSS syntax files quote),
+and its console ends lines with CR LF.
 """
 import argparse
+import concurrent.futures
 import hashlib
 import os
 import shutil
@@ -73,14 +80,14 @@ def network_kind(path):
     return 1
 
 
-def run_case(vexa, setup, work, store=None):
+def run_case(command, setup, work, store=None):
     run_file = setup(work)
     if store is not None and network_kind(os.path.join(work, run_file)) != 1:
         return None
     before = set(os.listdir(work))
     os.makedirs(os.path.join(work, "out"), exist_ok=True)
-    command = [vexa, "--seed", SEED] + (["--store", store] if store else []) + [run_file]
-    result = subprocess.run(command, cwd=work, capture_output=True, timeout=900)
+    arguments = ["--seed", SEED] + (["--store", store] if store else []) + [run_file]
+    result = subprocess.run(command + arguments, cwd=work, capture_output=True, timeout=900)
     outputs = {"(stdout)": result.stdout, "(exit status)": str(result.returncode).encode()}
     for directory, _, files in os.walk(work):
         for name in files:
@@ -91,6 +98,19 @@ def run_case(vexa, setup, work, store=None):
             with open(path, "rb") as handle:
                 outputs[relative] = handle.read()
     return outputs
+
+
+def as_on_posix(name, outputs, failures):
+    """A Windows run's outputs as a POSIX run writes them. Each SPSS syntax file must name its
+    data with the backslash separator, or the Windows names were not formed."""
+    normal = {}
+    for file, data in outputs.items():
+        if file.endswith(".sps") and b"\\" not in data:
+            failures.append("%s: %s names no file with a backslash separator" % (name, file))
+        if file == "(stdout)":
+            data = data.replace(b"\r\n", b"\n")
+        normal[file] = data.replace(b"\\", b"/")
+    return normal
 
 
 def fingerprints(outputs):
@@ -129,24 +149,44 @@ def main():
                         help="leave out the cases whose name contains this (repeatable)")
     parser.add_argument("--store", choices=["dense", "sparse"],
                         help="run the graph cases on this store (skip the digraph cases)")
+    parser.add_argument("--runner", help="the program that runs VEXA (Wine for a Windows build)")
+    parser.add_argument("--windows", action="store_true",
+                        help="VEXA is a Windows build: compare as a POSIX run would write")
+    parser.add_argument("--jobs", type=int, default=1, help="cases to run at once")
     args = parser.parse_args()
-    vexa = os.path.abspath(args.vexa)
+    command = [os.path.abspath(args.vexa)]
+    if args.runner:
+        # Cases run in scratch directories: a runner named by a relative path is found first.
+        runner = os.path.abspath(args.runner) if os.sep in args.runner else args.runner
+        command.insert(0, runner)
     failures = []
-    for name, setup in cases():
-        if args.only and args.only not in name:
-            continue
-        if any(part in name for part in args.skip):
-            continue
+
+    def run(name, setup):
         with tempfile.TemporaryDirectory() as work:
-            outputs = run_case(vexa, setup, work, args.store)
+            outputs = run_case(command, setup, work, args.store)
             if outputs is None:
-                continue
+                return None
             if args.keep:
                 kept = os.path.join(args.keep, name)
                 shutil.rmtree(kept, ignore_errors=True)
                 shutil.copytree(work, kept)
                 with open(os.path.join(kept, "(stdout)"), "wb") as handle:
                     handle.write(outputs["(stdout)"])
+        return outputs
+
+    chosen = [(name, setup) for name, setup in cases()
+              if (not args.only or args.only in name)
+              and not any(part in name for part in args.skip)]
+    # Cases run side by side (each in its own directory, as a process of its own); their
+    # results are taken in order.
+    with concurrent.futures.ThreadPoolExecutor(max_workers=max(1, args.jobs)) as pool:
+        runs = [(name, pool.submit(run, name, setup)) for name, setup in chosen]
+    for name, done in runs:
+        outputs = done.result()
+        if outputs is None:
+            continue  # a digraph case, run on the graph store asked for
+        if args.windows:
+            outputs = as_on_posix(name, outputs, failures)
         prints = fingerprints(outputs)
         if args.update and args.store:
             parser.error("record goldens on the default store")

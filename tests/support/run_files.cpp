@@ -91,19 +91,14 @@ std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t 
     const WorkingDirectory here(dir);
     std::filesystem::create_directories(dir + "/" + file.directory);
     const std::string path = file.write(dir);
-    char* text = nullptr;
-    size_t size = 0;
-    FILE* console = open_memstream(&text, &size);
-    RunOptions options;
-    options.fixed_seed = true;
-    options.seed = seed;
-    options.confirm = confirm;
-    options.console = console;
-    run_entry(path.c_str(), options);
-    std::fclose(console);
-    std::string out(text, size);
-    std::free(text);
-    return out;
+    return capture([&](FILE* console) {
+        RunOptions options;
+        options.fixed_seed = true;
+        options.seed = seed;
+        options.confirm = confirm;
+        options.console = console;
+        run_entry(path.c_str(), options);
+    });
 }
 
 std::vector<std::string> lines_of(const std::string& text) {

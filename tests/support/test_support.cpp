@@ -6,6 +6,12 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
+
+#if defined(_WIN32)
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#endif
 
 namespace vexa::testing {
 
@@ -30,6 +36,31 @@ void write_text(const std::string& path, const std::string& text) {
     out << text;
 }
 
+#if defined(_WIN32)
+// Windows has no memory streams: the text goes through a file of its own in the temporary
+// directory (captures may nest), written in binary mode so that it comes back exactly as the
+// writer wrote it.
+std::string capture(const std::function<void(FILE*)>& write) {
+    wchar_t name[MAX_PATH + 1] = {};
+    const std::wstring dir = std::filesystem::temp_directory_path().wstring();
+    if (GetTempFileNameW(dir.c_str(), L"vxc", 0, name) == 0)
+        throw std::runtime_error("cannot name a capture file");
+    const std::filesystem::path path(name);
+    FILE* out = _wfopen(path.c_str(), L"w+b");
+    if (out == nullptr) throw std::runtime_error("cannot create " + path.string());
+    try {
+        write(out);
+    } catch (...) {
+        std::fclose(out);
+        std::filesystem::remove(path);
+        throw;
+    }
+    std::fclose(out);
+    std::string text = read_text(path.string());
+    std::filesystem::remove(path);
+    return text;
+}
+#else
 std::string capture(const std::function<void(FILE*)>& write) {
     char* buffer = nullptr;
     size_t size = 0;
@@ -46,5 +77,6 @@ std::string capture(const std::function<void(FILE*)>& write) {
     std::free(buffer);
     return text;
 }
+#endif
 
 }  // namespace vexa::testing

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <span>
 
+#include "base/compiler.h"
 #include "effects/digraph/digraph_catalogue.h"
 #include "effects/digraph/digraph_effects.h"
 #include "network/digraph.h"
@@ -165,8 +166,8 @@ double triangle_up(const D& d, const Term<D>& term, int i, int j, int fix) {
 template <class D>
 double two_path_transitive(const D& d, const Term<D>& term, int i, int j, int fix) {
     const uint16_t* from_i = d.paths_row(i);
-    for (const int32_t y : d.out_neighbours(j)) __builtin_prefetch(from_i + y);
-    for (const int32_t x : d.in_neighbours(i)) __builtin_prefetch(d.paths_row(x) + j);
+    for (const int32_t y : d.out_neighbours(j)) prefetch(from_i + y);
+    for (const int32_t x : d.in_neighbours(i)) prefetch(d.paths_row(x) + j);
     double sum = 0.0;
     for (const int32_t y : d.out_neighbours(j)) {
         if (y != i) sum += gain(term, from_i[y] + fix);
@@ -182,7 +183,7 @@ double two_path_transitive(const D& d, const Term<D>& term, int i, int j, int fi
 template <class D>
 double two_path_down(const D& d, const Term<D>& term, int i, int j, int fix) {
     const uint16_t* from_j = d.senders_row(j);
-    for (const int32_t y : d.out_neighbours(i)) __builtin_prefetch(from_j + y);
+    for (const int32_t y : d.out_neighbours(i)) prefetch(from_j + y);
     double sum = 0.0;
     for (const int32_t y : d.out_neighbours(i)) sum += gain(term, from_j[y] + fix);
     return sum;
@@ -193,7 +194,7 @@ double two_path_down(const D& d, const Term<D>& term, int i, int j, int fix) {
 template <class D>
 double two_path_up(const D& d, const Term<D>& term, int i, int j, int fix) {
     const uint16_t* from_i = d.receivers_row(i);
-    for (const int32_t y : d.in_neighbours(j)) __builtin_prefetch(from_i + y);
+    for (const int32_t y : d.in_neighbours(j)) prefetch(from_i + y);
     double sum = 0.0;
     for (const int32_t y : d.in_neighbours(j)) sum += gain(term, from_i[y] + fix);
     return sum;

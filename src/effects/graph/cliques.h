@@ -3,6 +3,7 @@
 // workspace up to the largest clique size an included effect reads, and the hooks through
 // which the totals pass and the combiner fill them.
 
+#include "base/compiler.h"
 #include "effects/term.h"
 #include "network/graph.h"
 #include "network/sparse_graph.h"
@@ -18,7 +19,7 @@ void fill_clique_changes(const Graph& graph, Workspace& workspace, int i, int j)
 void prepare_totals(const Graph& graph, Workspace& workspace);
 inline void prepare_change(const Graph& graph, Workspace& workspace, int i, int j) {
     // Most terms read the pair's shared partners, far away in an n x n matrix: ask for it now.
-    __builtin_prefetch(graph.partners_row(i) + j);
+    prefetch(graph.partners_row(i) + j);
     if (workspace.clique_depth >= 1) fill_clique_changes(graph, workspace, i, j);
 }
 

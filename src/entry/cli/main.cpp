@@ -1,4 +1,5 @@
 // vexa RUNFILE: runs a run file exactly as the library's entries do.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -6,6 +7,12 @@
 
 #include "entry/parameter_sets.h"
 #include "entry/run_driver.h"
+
+#if defined(_WIN32)
+#include <vector>
+
+#include "base/unicode.h"
+#endif
 
 namespace {
 
@@ -35,15 +42,19 @@ void usage(FILE* out) {
         "  --version    show the version\n");
 }
 
+// A whole number within 32 bits. (unsigned long has only 32 bits on Windows, where strtoul
+// would cap a larger number silently.)
 bool parse_seed(const char* text, unsigned long& seed) {
     char* end = nullptr;
-    seed = std::strtoul(text, &end, 10);
-    return end != text && *end == '\0' && text[0] != '-' && seed <= 0xffffffffUL;
+    errno = 0;
+    const unsigned long long value = std::strtoull(text, &end, 10);
+    if (end == text || *end != '\0' || text[0] == '-' || errno == ERANGE || value > 0xffffffffULL)
+        return false;
+    seed = static_cast<unsigned long>(value);
+    return true;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run_command_line(int argc, char** argv) {
     vexa::RunOptions options;
     const char* run_file = nullptr;
     long draw_count = -1;
@@ -131,3 +142,23 @@ int main(int argc, char** argv) {
     }
     return vexa::run_entry(run_file, options);
 }
+
+}  // namespace
+
+#if defined(_WIN32)
+// Windows hands narrow arguments over in the system's code page, which cannot name every
+// file: take the UTF-16 ones and pass them on in UTF-8, the engine's form of paths.
+int wmain(int argc, wchar_t** argv) {
+    std::vector<std::string> texts;
+    for (int k = 0; k < argc; ++k) {
+        const std::wstring_view wide(argv[k]);
+        texts.push_back(vexa::utf8_from_utf16(std::u16string(wide.begin(), wide.end())));
+    }
+    std::vector<char*> narrow;
+    for (std::string& text : texts) narrow.push_back(text.data());
+    narrow.push_back(nullptr);
+    return run_command_line(argc, narrow.data());
+}
+#else
+int main(int argc, char** argv) { return run_command_line(argc, argv); }
+#endif

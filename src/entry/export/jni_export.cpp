@@ -2,7 +2,9 @@
 #include <jni.h>
 
 #include <cstdio>
+#include <string>
 
+#include "base/unicode.h"
 #include "entry/run_driver.h"
 
 namespace {
@@ -39,7 +41,14 @@ extern "C" JNIEXPORT jint JNICALL Java_Vexa_vexa(JNIEnv* env, jobject /*self*/,
             std::fflush(stdout);
             return 0;
         }
-        vexa::run_entry(run_file.get(), vexa::RunOptions{});
+        // JNI hands over modified UTF-8; the engine keeps paths in UTF-8.
+        std::string path_text;
+        if (!vexa::utf8_from_java(run_file.get(), path_text)) {
+            std::printf("vexa: the run file path holds a NUL character\n");
+            std::fflush(stdout);
+            return 0;
+        }
+        vexa::run_entry(path_text.c_str(), vexa::RunOptions{});
     } catch (...) {
         std::printf("vexa: the run ended unexpectedly\n");
     }

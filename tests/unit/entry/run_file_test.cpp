@@ -33,7 +33,7 @@ std::string copy_of_runfiles(const std::string& name, const char* end) {
     const std::string dir = scratch_directory(name);
     for (const auto& file : std::filesystem::directory_iterator(data_path("runfiles")))
         write_text(dir + "/" + file.path().filename().string(),
-                   joined(lines_of(read_text(file.path())), end));
+                   joined(lines_of(read_text(file.path().string())), end));
     return dir;
 }
 
