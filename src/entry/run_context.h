@@ -30,6 +30,7 @@ struct RunSettings {
     std::string network_file;      // tasks 2 to 4
     int32_t degree_cap_given = 0;
     int32_t degree_cap = 9999;
+    int32_t degree_cap_line = 0;  // where the run file gives the cap, for messages
     int32_t constraint_given = 0;
     std::string constraint_file;
     std::string parameter_sets_file;  // task 4

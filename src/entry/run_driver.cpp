@@ -26,12 +26,11 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     context.names = std::move(file.names);
     const RunSettings& settings = context.settings;
     if (!file.task_known) {
-        std::fprintf(
-            context.console,
+        // Refused like any other impossible setting, so that callers see a failed run.
+        throw SettingError(format_message(
             "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
-            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run\n",
-            run_file.c_str(), settings.task, settings.network_kind);
-        return;
+            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run",
+            run_file.c_str(), settings.task, settings.network_kind));
     }
     if (settings.task == 4) {
         std::fprintf(

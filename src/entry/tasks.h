@@ -58,6 +58,34 @@ inline void write_spss(const RunContext& context) {
     write_spss_file(context.names.sim, context.model, context.names.simulation);
 }
 
+// The degree a cap limits: a graph's degree, a digraph's out-degree.
+template <class Store>
+int32_t capped_degree(const Store& store, int v) {
+    if constexpr (Store::kind == NetworkKind::graph) {
+        return store.degree[static_cast<size_t>(v)];
+    } else {
+        return store.out_degree(v);
+    }
+}
+
+// A cap below a degree the observed network already has could never hold: the chain would
+// start outside the networks the cap allows.
+template <class Store>
+void check_degree_cap(const RunSettings& s, const Store& observed) {
+    if (s.degree_cap_given != 1) return;
+    int top = 0;
+    for (int v = 1; v < observed.node_count; ++v)
+        if (capped_degree(observed, v) > capped_degree(observed, top)) top = v;
+    const int32_t degree = capped_degree(observed, top);
+    if (degree <= s.degree_cap) return;
+    const char* word = Store::kind == NetworkKind::graph ? "degree" : "out-degree";
+    throw SettingError(format_message(
+        "vexa: run file '%s', line %d (degree_cap): the cap %d is below the %s %d of node %d "
+        "(row %d of network file '%s'); it must be at least the observed network's largest %s",
+        s.run_file.c_str(), s.degree_cap_line, s.degree_cap, word, degree, top + 1, top + 1,
+        s.network_file.c_str(), word));
+}
+
 // Everything a task needs besides the context: the network, the terms and the sampler's
 // settings.
 template <class Store>
@@ -373,6 +401,7 @@ void run_task(RunContext& context) {
     }
     task_detail::TaskSetup<Store> setup;
     setup.observed = s.task == 1 ? Traits::random_start(context) : Traits::read(s.network_file, n);
+    if (s.task != 1) task_detail::check_degree_cap(s, setup.observed);
     setup.terms = make_terms<Store>(context.model);
     task_detail::write_statistics_file(context.names.start_statistics, context.model,
                                        setup.observed, setup.terms);
