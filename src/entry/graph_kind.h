@@ -24,7 +24,9 @@ template <>
 struct KindTraits<Graph> {
     using Scratch = DescribeScratch;
 
-    static Graph read(const std::string& path, int n) { return read_graph(path, n); }
+    static Graph read(const std::string& path, int n, MatrixNotes* notes) {
+        return read_graph(path, n, notes);
+    }
     // The random start of a simulation: trunc(n(n-1) x density x 0.5) edges.
     static Graph random_start(RunContext& context);
 

@@ -18,6 +18,10 @@ namespace {
 // it shares with the engine rely on; a longer one is refused rather than cut.
 constexpr size_t name_limit = 1000;
 
+// Even a model with hundreds of attributes takes a few megabytes of settings; a file beyond
+// this is not a run file (or never ends: a device such as /dev/zero).
+constexpr size_t run_file_limit = size_t{64} << 20;
+
 // The run file as one text and a reading position. Numbers are whitespace-separated words,
 // so blank lines between rows do no harm; text values are whole lines.
 struct Reader {
@@ -47,7 +51,15 @@ Reader open_reader(const std::string& path, FILE* console) {
     reader.console = console;
     char buffer[1 << 14];
     size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) reader.text.append(buffer, got);
+    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
+        if (reader.text.size() + got > run_file_limit) {
+            std::fclose(file);
+            throw RunFileError(format_message(
+                "vexa: run file '%s' is larger than %zu bytes, more than any run file needs",
+                path.c_str(), run_file_limit));
+        }
+        reader.text.append(buffer, got);
+    }
     const bool failed = std::ferror(file) != 0;
     std::fclose(file);
     if (failed) throw RunFileError(format_message("vexa: cannot read run file '%s'", path.c_str()));

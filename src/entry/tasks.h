@@ -58,6 +58,13 @@ inline void write_spss(const RunContext& context) {
     write_spss_file(context.names.sim, context.model, context.names.simulation);
 }
 
+// What a matrix reader read without refusing it, one line each, on the run's console.
+inline void say_notes(const RunContext& context, const MatrixNotes& notes, const char* what,
+                      const std::string& path) {
+    for (const std::string& line : matrix_note_lines(notes, what, path))
+        std::fprintf(context.console, "%s\n", line.c_str());
+}
+
 // The degree a cap limits: a graph's degree, a digraph's out-degree.
 template <class Store>
 int32_t capped_degree(const Store& store, int v) {
@@ -400,13 +407,19 @@ void run_task(RunContext& context) {
             format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
     }
     task_detail::TaskSetup<Store> setup;
-    setup.observed = s.task == 1 ? Traits::random_start(context) : Traits::read(s.network_file, n);
+    MatrixNotes notes;
+    setup.observed =
+        s.task == 1 ? Traits::random_start(context) : Traits::read(s.network_file, n, &notes);
+    task_detail::say_notes(context, notes, "network", s.network_file);
     if (s.task != 1) task_detail::check_degree_cap(s, setup.observed);
     setup.terms = make_terms<Store>(context.model);
     task_detail::write_statistics_file(context.names.start_statistics, context.model,
                                        setup.observed, setup.terms);
     if (s.constraint_given == 1) {
-        setup.mask = std::make_unique<DyadMask>(read_dyad_mask(s.constraint_file, n, Store::kind));
+        MatrixNotes constraint_notes;
+        setup.mask = std::make_unique<DyadMask>(
+            read_dyad_mask(s.constraint_file, n, Store::kind, &constraint_notes));
+        task_detail::say_notes(context, constraint_notes, "constraint", s.constraint_file);
     }
     setup.sampler.variant = s.sampler_variant;
     setup.sampler.max_degree = s.degree_cap;

@@ -219,14 +219,17 @@ void update_two_paths(Digraph& d, int i, int j, int added) {
     }
 }
 
-Digraph read_digraph(const std::string& path, int n) {
+Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes) {
     Digraph d = create_digraph(n);
+    MatrixNotes seen;
     read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        note_cell(seen, a, b, value);
         if (a != b && value == 1.0) {
             add_arc(d, a, b);
             update_two_paths(d, a, b, 1);
         }
     });
+    if (notes != nullptr) *notes = seen;
     return d;
 }
 

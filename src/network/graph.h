@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "base/large_allocator.h"
+#include "base/matrix_text.h"
 #include "network/network_kind.h"
 
 namespace vexa {
@@ -100,7 +101,9 @@ void update_shared_partners(Graph& graph, int i, int j, int added);
 // Reads an n x n matrix file of whitespace-separated numbers; a value of exactly 1 above the
 // diagonal is an edge, anything else is not. Throws InputFileError naming the file, and the
 // row and column of a value that is not a number, or the count when the file is short or long.
-Graph read_graph(const std::string& path, int n);
+// `notes`, when given, counts the cells that are neither 0 nor 1 and the pairs whose lower
+// cell disagrees with the upper one.
+Graph read_graph(const std::string& path, int n, MatrixNotes* notes = nullptr);
 
 // A random graph with exactly edge_target edges (pairs drawn uniformly; the generator is
 // reseeded first). Throws SettingError when edge_target exceeds n(n-1)/2.

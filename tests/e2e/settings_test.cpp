@@ -91,16 +91,27 @@ TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
          "(iterations): the number of proposals must be 0 or more, found -10"},
         {gof, [](GraphRunFile& f) { f.burn_in = -1; }, "burn_in",
          "(burn_in): the burn-in must be 0 or more steps, found -1"},
-        {simulation, [](GraphRunFile& f) { f.effects["AS"] = {0.1, 0.5}; }, "AS",
+        {simulation,
+         [](GraphRunFile& f) {
+             f.effects["AS"] = {0.1, 0.5};
+         },
+         "AS",
          "(AS: lambda): lambda 0.5 is below 1, where an alternating effect's weights (1 - "
          "1/lambda)^k no longer fall steadily to 0: it has no proper change statistic and the "
          "model is degenerate; give 1 or more (0 for the default, 2)"},
-        {estimation, [](GraphRunFile& f) { f.effects["AS"] = {0.1, -2.0}; }, "AS",
+        {estimation,
+         [](GraphRunFile& f) {
+             f.effects["AS"] = {0.1, -2.0};
+         },
+         "AS",
          "(AS: lambda): lambda -2 is below 1, where an alternating effect's weights (1 - "
          "1/lambda)^k no longer fall steadily to 0: it has no proper change statistic and the "
          "model is degenerate; give 1 or more (0 for the default, 2)"},
-        {estimation, [](GraphRunFile& f) { f.effects["AS"] = {0.1, INFINITY}; }, "AS",
-         "(AS: lambda): lambda must be a finite number, found 'inf'"},
+        {estimation,
+         [](GraphRunFile& f) {
+             f.effects["AS"] = {0.1, INFINITY};
+         },
+         "AS", "(AS: lambda): lambda must be a finite number, found 'inf'"},
     };
     for (const auto& c : cases) {
         GraphRunFile file = c.base;
@@ -138,6 +149,33 @@ TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
     run_vexa(dir, edge, 1, false, &status);
     EXPECT_EQ(status, 0);
     EXPECT_NE(testing::read_text(dir + "/out/gof_net.txt").find("Accepted"), std::string::npos);
+}
+
+TEST(Settings, ValuedMatricesAreReadAsNoTieAndSaidOnce) {
+    const std::string dir = testing::scratch_directory("settings_valued");
+    // Ties 1-2 and 3-4 (from 1); the 2 at row 1, column 3 is no tie, nor is the 1 at row 4,
+    // column 2, whose upper cell holds 0. The constraint allows every pair but 1-4, whose cell
+    // holds 9.
+    testing::write_text(dir + "/valued.txt", "0 1 2 0\n1 0 0 0\n0 0 0 1\n0 1 1 0\n");
+    testing::write_text(dir + "/allowed.txt", "0 1 1 9\n1 0 1 1\n1 1 0 1\n9 1 1 0\n");
+    GraphRunFile file;
+    file.task = 3;
+    file.nodes = 4;
+    file.network_file = "valued.txt";
+    file.constraint_file = "allowed.txt";
+    file.effects = {{"edge", {-1.0, 0.0}}};
+    file.iterations = 10;
+    file.samples = 10;
+    const std::string printed = run_vexa(dir, file, 1);
+    EXPECT_EQ(printed.substr(0, printed.find("1\t")),
+              "vexa: network file 'valued.txt': 1 cell holds a value other than 0 and 1 (at row "
+              "1, column 3); it is read as no tie\n"
+              "vexa: network file 'valued.txt': the matrix is not symmetric (1 pair differs, "
+              "first at row 2, column 4); only its upper triangle is used\n"
+              "vexa: constraint file 'allowed.txt': 2 cells hold values other than 0 and 1 "
+              "(first at row 1, column 4); they are read as no tie\n");
+    EXPECT_EQ(testing::read_text(dir + "/out/start_statistics_net.txt"),
+              "\n***This graph contains:****\nedge\t2\n");
 }
 
 }  // namespace
