@@ -54,8 +54,11 @@ void write_statistics_file(const std::string& path, const Model& model, const St
     out.close();
 }
 
-inline void write_spss(const RunContext& context) {
-    write_spss_file(context.names.sim, context.model, context.names.simulation);
+// The SPSS syntax loads the table whose columns it names: a simulation's sample statistics
+// file (its simulation file is the prose report), or the simulation file of a goodness of fit,
+// which holds the sample's table.
+inline void write_spss(const RunContext& context, const std::string& table) {
+    write_spss_file(context.names.sim, context.model, table);
 }
 
 // What a matrix reader read without refusing it, one line each, on the run's console.
@@ -110,7 +113,7 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
     const OutputNames& names = context.names;
     const SamplingPlan plan = sampling_plan(s);
     const int p = static_cast<int>(parameters.size());
-    write_spss(context);
+    write_spss(context, names.sample_statistics + ".txt");
     Chain<Store> chain = make_chain(setup.observed, setup.terms, p, setup.sampler, context.rng);
     run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
 
@@ -161,7 +164,7 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     const OutputNames& names = context.names;
     const Model& model = context.model;
     const int p = static_cast<int>(parameters.size());
-    write_spss(context);
+    write_spss(context, names.simulation);
     Store working = setup.observed;
     Chain<Store> chain = make_chain(working, setup.terms, p, setup.sampler, context.rng);
     run_sampler(chain, parameters.data(), s.burn_in, context.seeds);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "support/run_files.h"
 #include "support/test_support.h"
@@ -176,6 +177,34 @@ TEST(Settings, ValuedMatricesAreReadAsNoTieAndSaidOnce) {
               "(first at row 1, column 4); they are read as no tie\n");
     EXPECT_EQ(testing::read_text(dir + "/out/start_statistics_net.txt"),
               "\n***This graph contains:****\nedge\t2\n");
+}
+
+// The SPSS syntax names, after "id", the columns of the table it loads, in their order.
+TEST(Settings, SpssSyntaxLoadsTheTableWhoseColumnsItNames) {
+    const std::string dir = testing::scratch_directory("settings_spss");
+    std::filesystem::copy_file(testing::data_path("flomarriage.txt"), dir + "/flomarriage.txt");
+    GraphRunFile file;
+    file.network_file = "flomarriage.txt";
+    file.effects = {{"edge", {-1.6, 0.0}}, {"2-star", {0.01, 0.0}}, {"AT", {0.2, 2.0}}};
+    file.iterations = 100;
+    file.samples = 10;
+    for (const int task : {1, 3}) {
+        file.task = task;
+        run_vexa(dir, file, 1);
+        const std::vector<std::string> syntax =
+            testing::lines_of(testing::read_text(dir + "/out/sim_net.sps"));
+        ASSERT_GT(syntax.size(), 2u);
+        const std::string& load = syntax[1];  // /FILE = 'path'
+        const std::string table = load.substr(9, load.size() - 10);
+        EXPECT_EQ(table, task == 1 ? "out/sample_statistics_net.txt" : "out/simulation_net.txt");
+        std::vector<std::string> named;
+        for (size_t k = 8; k < syntax.size() && syntax[k] != "CACHE."; ++k)
+            named.push_back(syntax[k].substr(0, syntax[k].find(' ')));
+        const std::vector<std::string> header =
+            testing::tab_fields(testing::lines_of(testing::read_text(dir + "/" + table)).at(0));
+        EXPECT_EQ(named, (std::vector<std::string>{"id", "edge", "star2", "at"})) << task;
+        EXPECT_EQ(std::vector<std::string>(header.begin(), header.begin() + 4), named) << task;
+    }
 }
 
 }  // namespace
