@@ -37,9 +37,30 @@ struct KindTraits;
 
 namespace task_detail {
 
-inline SamplingPlan sampling_plan(const RunSettings& s) {
-    return {s.iterations, s.thinning_interval};
+// What a goodness of fit samples: the plan, the burn-in before it, and whether it follows an
+// estimation (whose run file has no sampling rows, so the plan comes from the estimation).
+struct GofPlan {
+    SamplingPlan sampling;
+    double burn_in = 0.0;
+    bool after_estimation = false;
+};
+
+inline GofPlan gof_plan(const RunSettings& s) {
+    return {{s.iterations, s.thinning_interval}, s.burn_in, false};
 }
+
+// Goodness of fit after an estimation: 1,000 samples, one every K steps (the estimation's
+// steps per draw, which it chose so that draws are far enough apart), after 100 K steps of
+// burn-in.
+inline constexpr double gof_after_estimation_samples = 1000.0;
+inline constexpr double gof_after_estimation_burn_in_draws = 100.0;
+
+inline GofPlan gof_plan_after_estimation(double steps_per_draw) {
+    const double K = std::max(1.0, std::ceil(steps_per_draw));
+    return {{gof_after_estimation_samples * K, K}, gof_after_estimation_burn_in_draws * K, true};
+}
+
+inline SamplingPlan sampling_plan(const RunSettings& s) { return gof_plan(s).sampling; }
 
 template <class Store>
 void write_statistics_file(const std::string& path, const Model& model, const Store& store,
@@ -158,7 +179,8 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
 
 template <class Store>
 void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
-                     const std::vector<double>& parameters, const SamplingPlan& plan) {
+                     const std::vector<double>& parameters, const GofPlan& gof) {
+    const SamplingPlan& plan = gof.sampling;
     using Traits = KindTraits<Store>;
     const RunSettings& s = context.settings;
     const OutputNames& names = context.names;
@@ -167,8 +189,6 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     write_spss(context, names.simulation);
     Store working = setup.observed;
     Chain<Store> chain = make_chain(working, setup.terms, p, setup.sampler, context.rng);
-    run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
-
     const double expected_samples = planned_samples(plan);
     if (expected_samples < 1.0) {
         throw SettingError(format_message(
@@ -176,6 +196,8 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
             "(iterations must be at least sample_count)",
             plan.proposals, plan.interval));
     }
+    run_sampler(chain, parameters.data(), gof.burn_in, context.seeds);
+
     context.seeds.reseed(context.rng);
 
     // The observed network's values, before sampling.
@@ -191,6 +213,7 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
         OutFile report(names.gof, OpenMode::append);
         write_gof_heading(report, Store::kind, parameter_labels(model, LabelStyle::simulation),
                           parameters, plan);
+        if (gof.after_estimation) write_gof_plan_after_estimation(report, plan, gof.burn_in);
         report.close();
     }
 
@@ -392,7 +415,7 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
     if (s.gof_after_estimation == 1 && converged) {
         KindTraits<Store>::before_gof_after_estimation(context);
         const std::vector<double> estimates = pack(model);
-        goodness_of_fit(context, setup, estimates, sampling_plan(s));
+        goodness_of_fit(context, setup, estimates, gof_plan_after_estimation(last.steps_per_draw));
     }
 }
 
@@ -433,7 +456,7 @@ void run_task(RunContext& context) {
         case 1: task_detail::simulate(context, setup, parameters); break;
         case 2: task_detail::estimate_model(context, setup, parameters); break;
         case 3:
-            task_detail::goodness_of_fit(context, setup, parameters, task_detail::sampling_plan(s));
+            task_detail::goodness_of_fit(context, setup, parameters, task_detail::gof_plan(s));
             break;
         default: break;
     }
