@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "base/errors.h"
+#include "base/memory.h"
 #include "base/text_file.h"
+#include "entry/memory_plan.h"
 #include "entry/run_context.h"
 #include "estimation/confirmation.h"
 #include "estimation/diagnostics.h"
@@ -414,6 +416,9 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
     write_update_files(model, "");
     if (s.gof_after_estimation == 1 && converged) {
         KindTraits<Store>::before_gof_after_estimation(context);
+        // The estimation's chain is done with: its store goes before goodness of fit makes its
+        // own, so that the run never holds more than the observed network and one copy.
+        working = Store();
         const std::vector<double> estimates = pack(model);
         goodness_of_fit(context, setup, estimates, gof_plan_after_estimation(last.steps_per_draw));
     }
@@ -432,6 +437,8 @@ void run_task(RunContext& context) {
         throw SettingError(
             format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
     }
+    check_task_memory(s, Store::kind, static_cast<int>(parameters.size()),
+                      available_memory_bytes());
     task_detail::TaskSetup<Store> setup;
     MatrixNotes notes;
     setup.observed =

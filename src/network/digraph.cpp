@@ -1,40 +1,20 @@
 #include "network/digraph.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <tuple>
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/memory.h"
 #include "numeric/rng.h"
-
-#if defined(__unix__)
-#include <unistd.h>
-#endif
 
 namespace vexa {
 
 namespace {
 
 size_t as_size(int64_t value) { return static_cast<size_t>(value); }
-
-// Bytes a store of n nodes holds: the three n x n 16-bit matrices dominate, then the two bit
-// matrices and the per-node arrays (the neighbour lists of a sparse network are small).
-double store_bytes(int n) {
-    const double nodes = n;
-    const int64_t row_bytes = (int64_t{n} + 63) / 64 * 8;
-    return 6.0 * nodes * nodes + 2.0 * nodes * static_cast<double>(row_bytes) + 40.0 * nodes;
-}
-
-double physical_memory_bytes() {
-#if defined(__unix__)
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0)
-        return static_cast<double>(pages) * static_cast<double>(page_size);
-#endif
-    return 0.0;  // unknown: do not refuse
-}
 
 // Moves one node from histogram[old_value] to histogram[new_value].
 inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
@@ -114,6 +94,14 @@ NeighbourLists& NeighbourLists::operator=(const NeighbourLists& other) {
     return *this;
 }
 
+double digraph_store_bytes(int n) {
+    const double nodes = n;
+    const double words = std::floor((nodes + 63.0) / 64.0);
+    // The three 16-bit pair matrices, the room both neighbour lists reserve (n - 1 entries a
+    // node, for the densest network), both bit matrices and the per-node arrays.
+    return 6.0 * nodes * nodes + 8.0 * nodes * (nodes - 1.0) + 16.0 * nodes * words + 20.0 * nodes;
+}
+
 Digraph create_digraph(int n) {
     if (n < 1) {
         throw SettingError(
@@ -126,7 +114,7 @@ Digraph create_digraph(int n) {
                            "%d nodes)",
                            n, max_digraph_nodes));
     }
-    const double needed = store_bytes(n);
+    const double needed = digraph_store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(

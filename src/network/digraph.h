@@ -125,6 +125,10 @@ struct Digraph {
 // could pass 65,535) and when the store needs more memory than this machine has.
 Digraph create_digraph(int n);
 
+// The bytes a store of n nodes holds at most (its arrays, and the room it reserves for the
+// neighbour lists of the densest network).
+double digraph_store_bytes(int n);
+
 // Set or clear arc i->j with arc and mutual counts, degrees, histograms and neighbour lists;
 // O(1) to add, O(degree) to remove. No-ops when the arc is already in the requested state;
 // update_two_paths must then not be called.

@@ -1,6 +1,7 @@
 #include "network/graph.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -8,35 +9,14 @@
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/memory.h"
 #include "numeric/rng.h"
-
-#if defined(__unix__)
-#include <unistd.h>
-#endif
 
 namespace vexa {
 
 namespace {
 
 size_t as_size(int value) { return static_cast<size_t>(value); }
-
-// Bytes the store of n nodes takes: the n x n shared-partner matrix dominates.
-double store_bytes(int n) {
-    const double nodes = n;
-    const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
-    return 4.0 * nodes * nodes + 4.0 * triangle_entries + 24.0 * nodes +
-           nodes * ((nodes + 63.0) / 64.0) * 8.0;
-}
-
-double physical_memory_bytes() {
-#if defined(__unix__)
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0)
-        return static_cast<double>(pages) * static_cast<double>(page_size);
-#endif
-    return 0.0;  // unknown: do not refuse
-}
 
 // Moves one count from histogram[old_value] to histogram[new_value].
 inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
@@ -79,12 +59,22 @@ void widen_neighbour_rows(Graph& g) {
 
 }  // namespace
 
+double graph_store_bytes(int n) {
+    const double nodes = n;
+    const double words = (nodes + 63.0) / 64.0;
+    const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
+    // The shared partners and the room the neighbour lists reserve (n - 1 entries a node, for
+    // the densest network), the bit rows, the per-node arrays and the triangle histogram.
+    return 4.0 * nodes * nodes + 4.0 * nodes * (nodes - 1.0) + 8.0 * nodes * std::floor(words) +
+           4.0 * (4.0 * nodes - 1.0) + 4.0 * triangle_entries;
+}
+
 Graph create_graph(int n) {
     if (n < 1) {
         throw SettingError(
             format_message("vexa: a network needs at least one node (node count %d)", n));
     }
-    const double needed = store_bytes(n);
+    const double needed = graph_store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(

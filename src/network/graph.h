@@ -84,6 +84,11 @@ struct Graph {
 // Allocates an empty graph. Throws SettingError for n < 1 or a store larger than this machine.
 Graph create_graph(int n);
 
+// The bytes a store of n nodes holds at most (its arrays, and the room it reserves for the
+// neighbour lists of the densest network). Creating a store refuses one larger than the
+// machine's physical memory.
+double graph_store_bytes(int n);
+
 inline bool has_edge(const Graph& graph, int i, int j) {
     return (graph.row(i)[j >> 6] >> (j & 63)) & 1u;
 }
