@@ -33,11 +33,13 @@ MemoryPlan task_memory(const RunSettings& s, NetworkKind kind, int parameters) {
     plan.stores = s.task == 1 ? 1 : 2;
     const double nodes = n;
     const double p = std::max(parameters, 1);
-    if (s.constraint_given == 1) plan.other_bytes += nodes * std::floor((nodes + 63.0) / 64.0) * 8.0;
+    if (s.constraint_given == 1)
+        plan.other_bytes += nodes * std::floor((nodes + 63.0) / 64.0) * 8.0;
     // Per-node scratch of the descriptive measures and the chain.
     plan.other_bytes += 64.0 * nodes;
     double samples = 0.0;
-    if (s.task == 3 && s.thinning_interval >= 1.0) samples = std::floor(s.iterations / s.thinning_interval);
+    if (s.task == 3 && s.thinning_interval >= 1.0)
+        samples = std::floor(s.iterations / s.thinning_interval);
     if (s.task == 2) {
         // Phase 3 keeps its draws; a goodness of fit after it keeps its 1,000 samples.
         plan.other_bytes += 2.0 * s.phase3_steps * p * 8.0;

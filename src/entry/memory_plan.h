@@ -9,9 +9,9 @@
 namespace vexa {
 
 struct MemoryPlan {
-    int stores = 0;             // network stores alive at once
-    double store_bytes = 0.0;   // each
-    double other_bytes = 0.0;   // the constraint, the kept samples and draws
+    int stores = 0;            // network stores alive at once
+    double store_bytes = 0.0;  // each
+    double other_bytes = 0.0;  // the constraint, the kept samples and draws
     double total() const { return stores * store_bytes + other_bytes; }
 };
 

@@ -111,6 +111,7 @@ struct RunContext {
     Rng rng;
     SeedSource seeds;
     FILE* console = stdout;  // the run's messages
+    BarTerminal bars;        // where progress bars go (standard error when it is a terminal)
     Progress progress;       // what the computations say while they run
     bool confirm = false;    // check a converged estimate with a long chain
 };

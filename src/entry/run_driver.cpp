@@ -14,7 +14,8 @@ namespace vexa {
 void run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
     context.console = options.console != nullptr ? options.console : stdout;
-    context.progress = console_progress(context.console);
+    context.bars = bar_terminal_for(context.console);
+    context.progress = console_progress(context.console, &context.bars);
     context.confirm = options.confirm;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;

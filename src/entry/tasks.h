@@ -138,7 +138,7 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
     const int p = static_cast<int>(parameters.size());
     write_spss(context, names.sample_statistics + ".txt");
     Chain<Store> chain = make_chain(setup.observed, setup.terms, p, setup.sampler, context.rng);
-    run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
+    run_burn_in(chain, parameters.data(), s.burn_in, context.seeds, context.progress);
 
     context.seeds.reseed(context.rng);
     const std::vector<ParameterLabel> labels =
@@ -198,7 +198,7 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
             "(iterations must be at least sample_count)",
             plan.proposals, plan.interval));
     }
-    run_sampler(chain, parameters.data(), gof.burn_in, context.seeds);
+    run_burn_in(chain, parameters.data(), gof.burn_in, context.seeds, context.progress);
 
     context.seeds.reseed(context.rng);
 
