@@ -7,6 +7,10 @@ packages=(cmake g++ ninja-build libgtest-dev libbenchmark-dev default-jdk-headle
 if [ "${1:-}" = "--windows" ]; then
     packages+=(g++-mingw-w64-x86-64-posix wine64)
 fi
+# --fuzz: also clang and its libFuzzer runtime, for scripts/fuzz.sh.
+if [ "${1:-}" = "--fuzz" ]; then
+    packages+=(clang libclang-rt-dev)
+fi
 missing=()
 for package in "${packages[@]}"; do
     case "$package" in
@@ -18,6 +22,10 @@ for package in "${packages[@]}"; do
         python3) command -v python3 >/dev/null 2>&1 && continue ;;
         clang-format) command -v clang-format >/dev/null 2>&1 && continue ;;
         clang-tidy) command -v clang-tidy >/dev/null 2>&1 && continue ;;
+        clang) command -v clang++ >/dev/null 2>&1 && continue ;;
+        # Any clang's runtime will do, once it has the fuzzer library.
+        libclang-rt-dev)
+            ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a >/dev/null 2>&1 && continue ;;
     esac
     dpkg -s "$package" >/dev/null 2>&1 || missing+=("$package")
 done

@@ -2,6 +2,8 @@
 // Reading square matrices of numbers from text files: network, constraint and covariate
 // matrices, and covariance matrices. Values are whitespace separated, row by row.
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -9,17 +11,65 @@
 
 namespace vexa {
 
+// What a reader of a tie matrix read without refusing it, for the one warning line each.
+struct MatrixNotes {
+    int64_t other_values = 0;  // cells holding neither 0 nor 1, read as no tie
+    int first_other_row = 0, first_other_column = 0;  // the first such cell, from 1
+    // Undirected networks: pairs whose two cells disagree on a tie (the upper one counts).
+    int64_t asymmetric_pairs = 0;
+    int first_asymmetric_row = 0, first_asymmetric_column = 0;  // its upper cell, from 1
+};
+
+// Counts a cell (row a, column b, from 0) that holds neither 0 nor 1.
+inline void note_cell(MatrixNotes& notes, int a, int b, double value) {
+    if (value == 0.0 || value == 1.0) return;
+    if (notes.other_values++ == 0) {
+        notes.first_other_row = a + 1;
+        notes.first_other_column = b + 1;
+    }
+}
+
+// Counts a pair whose upper cell (row a, column b, from 0) and lower cell disagree on a tie.
+// Pairs are found at their lower cells, row by row; the first named is the first upper cell
+// in reading order, where a person looking at the file starts.
+inline void note_asymmetry(MatrixNotes& notes, int a, int b) {
+    const bool earlier =
+        notes.asymmetric_pairs == 0 || a + 1 < notes.first_asymmetric_row ||
+        (a + 1 == notes.first_asymmetric_row && b + 1 < notes.first_asymmetric_column);
+    ++notes.asymmetric_pairs;
+    if (earlier) {
+        notes.first_asymmetric_row = a + 1;
+        notes.first_asymmetric_column = b + 1;
+    }
+}
+
+// The warning lines of the notes ("vexa: network file 'x': 37 cells hold values other than 0
+// and 1 (first at row 4, column 9); they are read as no tie"); none when nothing was noticed.
+std::vector<std::string> matrix_note_lines(const MatrixNotes& notes, const char* what,
+                                           const std::string& path);
+
+// The longest word a number in a text file may be; a longer one is refused unread.
+inline constexpr size_t longest_number_word = 256;
+
 // Reads exactly n x n numbers from the file and calls cell(row, column, value) for each, in
 // row order. `what` names the file in messages ("network", "constraint"). Throws
 // InputFileError when the file cannot be opened, when a value is not a number (naming its
-// row and column, from 1), or when the file holds fewer (naming the row where it ends) or more
-// than n x n values.
+// row and column, from 1, and quoting the word cut short), or when the file holds fewer
+// (naming the row where it ends) or more than n x n values. The file is read in pieces: one
+// that never ends a word, or runs on far past what the matrix needs (a device such as
+// /dev/zero), is refused before it fills the memory.
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell);
 
 // The whole content of a text file. Throws InputFileError naming the file (`what` says which
-// file it is: "network", "attribute") when it cannot be opened or read.
-std::string read_text_file(const std::string& path, const char* what);
+// file it is: "network", "attribute") when it cannot be opened or read, or when it holds more
+// than `limit` bytes.
+std::string read_text_file(const std::string& path, const char* what,
+                           size_t limit = size_t{1} << 30);
+
+// A word as messages quote it: cut to a few dozen characters ("..." marks the cut), with
+// control characters shown as '?'.
+std::string quoted_word(std::string_view word);
 
 // The whitespace-separated words of a text ('\r' of a Windows line end counts as a blank).
 std::vector<std::string> split_words(std::string_view text);

@@ -1,10 +1,13 @@
 #pragma once
-// The machine's memory, for refusing a network whose store could never fit before the
-// allocation is tried.
+// How much memory the machine has, for refusing a run that could not fit before it allocates.
 
 namespace vexa {
 
-// Bytes of physical memory, or 0 when the system does not say (then nothing is refused).
+// Bytes of physical memory; 0 when the system does not say (then nothing is refused).
 double physical_memory_bytes();
+
+// Bytes the system could give this process now without swapping (on Linux its own estimate,
+// MemAvailable; elsewhere the free physical memory); 0 when the system does not say.
+double available_memory_bytes();
 
 }  // namespace vexa

@@ -22,6 +22,12 @@ const char* kind_words(AttributeKind kind) {
     return "attribute";
 }
 
+// The most bytes a file of so many words can sensibly hold: room for long words and wide
+// spacing, so that only a file without end (a device such as /dev/zero) is refused.
+size_t file_limit(double words) {
+    return static_cast<size_t>(std::min(16.0 * 1048576.0 + 512.0 * words, 64.0 * 1073741824.0));
+}
+
 // Walks a text line by line, counting lines from 1.
 struct Lines {
     std::string_view text;
@@ -111,7 +117,8 @@ void code_categories(const std::vector<std::string>& words, const std::vector<ui
 AttributeData read_attribute_file(const std::string& path, AttributeKind kind, int32_t count,
                                   int32_t node_count) {
     const char* what = kind_words(kind);
-    const std::string text = read_text_file(path, what);
+    const std::string text =
+        read_text_file(path, what, file_limit(static_cast<double>(node_count + 1) * (count + 1)));
     Lines lines{text};
     AttributeData result;
 
@@ -173,7 +180,8 @@ AttributeData read_attribute_file(const std::string& path, AttributeKind kind, i
 
 AttributeData read_covariate_file(const std::string& path, int32_t node_count) {
     const char* what = kind_words(AttributeKind::covariate);
-    const std::string text = read_text_file(path, what);
+    const std::string text =
+        read_text_file(path, what, file_limit(static_cast<double>(node_count) * node_count + 1.0));
     Lines lines{text};
     std::vector<std::string> words;
     if (!lines.next_with_words(words)) {

@@ -24,7 +24,9 @@ template <>
 struct KindTraits<Digraph> {
     using Scratch = DigraphScratch;
 
-    static Digraph read(const std::string& path, int n) { return read_digraph(path, n); }
+    static Digraph read(const std::string& path, int n, MatrixNotes* notes) {
+        return read_digraph(path, n, notes);
+    }
     // The random start of a simulation: trunc(n(n-1) x density) arcs.
     static Digraph random_start(RunContext& context);
 

@@ -1,5 +1,7 @@
 #include "entry/graph_kind.h"
 
+#include "base/memory.h"
+
 #include <cmath>
 #include <type_traits>
 
@@ -31,11 +33,11 @@ G GraphTraits<G>::random_start(RunContext& context) {
 }
 
 template <class G>
-G GraphTraits<G>::read(const std::string& path, int n) {
+G GraphTraits<G>::read(const std::string& path, int n, MatrixNotes* notes) {
     if constexpr (std::is_same_v<G, Graph>) {
-        return read_graph(path, n);
+        return read_graph(path, n, notes);
     } else {
-        return read_sparse_graph(path, n);
+        return read_sparse_graph(path, n, notes);
     }
 }
 
@@ -141,7 +143,7 @@ template struct GraphTraits<SparseGraph>;
 bool sparse_store_chosen(StoreChoice choice, int node_count) {
     if (choice != StoreChoice::automatic) return choice == StoreChoice::sparse;
     const double available = physical_memory_bytes();
-    return node_count > 20000 || (available > 0.0 && dense_store_bytes(node_count) > available / 2);
+    return node_count > 20000 || (available > 0.0 && graph_store_bytes(node_count) > available / 2);
 }
 
 void run_graph_task(RunContext& context) {

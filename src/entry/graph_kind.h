@@ -26,7 +26,7 @@ template <class G>
 struct GraphTraits {
     using Scratch = DescribeScratch;
 
-    static G read(const std::string& path, int n);
+    static G read(const std::string& path, int n, MatrixNotes* notes = nullptr);
     // The random start of a simulation: trunc(n(n-1) x density x 0.5) edges.
     static G random_start(RunContext& context);
 

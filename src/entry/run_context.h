@@ -32,6 +32,7 @@ struct RunSettings {
     std::string network_file;      // tasks 2 to 4
     int32_t degree_cap_given = 0;
     int32_t degree_cap = 9999;
+    int32_t degree_cap_line = 0;  // where the run file gives the cap, for messages
     int32_t constraint_given = 0;
     std::string constraint_file;
     std::string parameter_sets_file;  // task 4
@@ -115,6 +116,7 @@ struct RunContext {
     Rng rng;
     SeedSource seeds;
     FILE* console = stdout;  // the run's messages
+    BarTerminal bars;        // where progress bars go (standard error when it is a terminal)
     Progress progress;       // what the computations say while they run
     bool confirm = false;    // check a converged estimate with a long chain
     // A host's in-memory network and the results it takes back; null for a run from files.

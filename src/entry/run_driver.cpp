@@ -14,8 +14,10 @@ namespace vexa {
 void run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
     context.console = options.console != nullptr ? options.console : stdout;
-    context.progress =
-        options.progress != nullptr ? *options.progress : console_progress(context.console);
+    context.bars = bar_terminal_for(context.console);
+    context.progress = options.progress != nullptr
+                           ? *options.progress
+                           : console_progress(context.console, &context.bars);
     context.confirm = options.confirm;
     context.store = options.store;
     context.seeds.fixed = options.fixed_seed;
@@ -28,12 +30,11 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     context.names = std::move(file.names);
     const RunSettings& settings = context.settings;
     if (!file.task_known) {
-        std::fprintf(
-            context.console,
+        // Refused like any other impossible setting, so that callers see a failed run.
+        throw SettingError(format_message(
             "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
-            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run\n",
-            run_file.c_str(), settings.task, settings.network_kind);
-        return;
+            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run",
+            run_file.c_str(), settings.task, settings.network_kind));
     }
     if (settings.network_kind == 2) {
         run_digraph_task(context);

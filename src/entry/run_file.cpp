@@ -9,6 +9,7 @@
 #include "base/text_file.h"
 #include "effects/catalogue.h"
 #include "entry/attribute_files.h"
+#include "simulation/sampling.h"
 
 namespace vexa {
 
@@ -17,6 +18,10 @@ namespace {
 // Names and paths in a run file stay below this length, which the front end and the files
 // it shares with the engine rely on; a longer one is refused rather than cut.
 constexpr size_t name_limit = 1000;
+
+// Even a model with hundreds of attributes takes a few megabytes of settings; a file beyond
+// this is not a run file (or never ends: a device such as /dev/zero).
+constexpr size_t run_file_limit = size_t{64} << 20;
 
 // The run file as one text and a reading position. Numbers are whitespace-separated words,
 // so blank lines between rows do no harm; text values are whole lines.
@@ -47,7 +52,15 @@ Reader open_reader(const std::string& path, FILE* console) {
     reader.console = console;
     char buffer[1 << 14];
     size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) reader.text.append(buffer, got);
+    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
+        if (reader.text.size() + got > run_file_limit) {
+            std::fclose(file);
+            throw RunFileError(format_message(
+                "vexa: run file '%s' is larger than %zu bytes, more than any run file needs",
+                path.c_str(), run_file_limit));
+        }
+        reader.text.append(buffer, got);
+    }
     const bool failed = std::ferror(file) != 0;
     std::fclose(file);
     if (failed) throw RunFileError(format_message("vexa: cannot read run file '%s'", path.c_str()));
@@ -105,6 +118,14 @@ bool parse_int(const std::string& word, int32_t& value) {
 
 void skip_label(Reader& reader, const std::string& setting) { next_word(reader, setting); }
 
+// The line of the next word (where the value after a label stands).
+int32_t peek_line(const Reader& reader) {
+    int32_t line = reader.line;
+    for (size_t k = reader.at; k < reader.text.size() && is_space(reader.text[k]); ++k)
+        if (reader.text[k] == '\n') ++line;
+    return line;
+}
+
 int32_t read_int(Reader& reader, const std::string& setting, int32_t* line = nullptr) {
     const Word word = next_word(reader, setting);
     int32_t value = 0;
@@ -161,12 +182,14 @@ int32_t int_row(Reader& reader, const std::string& setting, int32_t* line = null
     skip_label(reader, setting);
     return read_int(reader, setting, line);
 }
-float float_row(Reader& reader, const std::string& setting) {
+float float_row(Reader& reader, const std::string& setting, int32_t* line = nullptr) {
     skip_label(reader, setting);
+    if (line != nullptr) *line = peek_line(reader);
     return read_float(reader, setting);
 }
-double double_row(Reader& reader, const std::string& setting) {
+double double_row(Reader& reader, const std::string& setting, int32_t* line = nullptr) {
     skip_label(reader, setting);
+    if (line != nullptr) *line = peek_line(reader);
     return read_double(reader, setting);
 }
 std::string line_row(Reader& reader, const std::string& setting) {
@@ -201,7 +224,29 @@ void read_structural_entry(Reader& reader, Model& model, size_t row, const char*
     EffectSetting& effect = model.structural[row];
     effect.value = read_double(reader, entry + ": value");
     if (lambda_default != 0.0f) {
-        const float lambda = read_float(reader, entry + ": lambda");
+        const std::string setting = entry + ": lambda";
+        const Word word = next_word(reader, setting);
+        char* end = nullptr;
+        const float lambda = std::strtof(word.text.c_str(), &end);
+        if (word.text.empty() || end != word.text.c_str() + word.text.size()) {
+            bad_value(reader, word, setting, "a number");
+        }
+        if (!std::isfinite(lambda)) {
+            impossible(
+                reader, word.line, setting,
+                format_message("lambda must be a finite number, found '%.60s'", word.text.c_str()));
+        }
+        // 0 asks for the default; below 1 the weights (1 - 1/lambda)^k no longer fall
+        // steadily towards 0, so the effect counts nothing a model can be fitted to.
+        if (lambda != 0.0f && lambda < 1.0f) {
+            impossible(
+                reader, word.line, setting,
+                format_message("lambda %g is below 1, where an alternating effect's weights "
+                               "(1 - 1/lambda)^k no longer fall steadily to 0: it has no "
+                               "proper change statistic and the model is degenerate; give "
+                               "1 or more (0 for the default, %g)",
+                               static_cast<double>(lambda), static_cast<double>(lambda_default)));
+        }
         effect.lambda = lambda == 0.0f ? lambda_default : lambda;
     }
     if (flag == 1) {
@@ -321,6 +366,44 @@ void read_output_flags(Reader& reader, RunSettings& settings) {
     settings.et0nt_distribution_output = int_row(reader, "et0nt_distribution_output");
 }
 
+// The estimation rows, each refused when no estimation could be run with it.
+void read_estimation_rows(Reader& reader, RunSettings& settings) {
+    int32_t line = 0;
+    settings.subphase_count = int_row(reader, "subphase_count", &line);
+    if (settings.subphase_count < 0) {
+        impossible(reader, line, "subphase_count",
+                   format_message("the number of sub-phases must be 0 or more, found %d",
+                                  settings.subphase_count));
+    }
+    settings.start_a_value = float_row(reader, "start_a_value", &line);
+    if (!(settings.start_a_value > 0.0f)) {
+        impossible(reader, line, "start_a_value",
+                   format_message("the starting gain must be above 0, found %g",
+                                  static_cast<double>(settings.start_a_value)));
+    }
+    settings.multiplication_factor = int_row(reader, "multiplication_factor", &line);
+    if (settings.multiplication_factor < 1) {
+        impossible(reader, line, "multiplication_factor",
+                   format_message("the multiplication factor must be at least 1, found %d",
+                                  settings.multiplication_factor));
+    }
+    settings.phase3_steps = int_row(reader, "phase3_steps", &line);
+    // Standard errors and t-ratios need the spread of at least two draws.
+    if (settings.phase3_steps < 2) {
+        impossible(reader, line, "phase3_steps",
+                   format_message("phase 3 needs at least 2 draws for standard errors and "
+                                  "t-ratios, found %d",
+                                  settings.phase3_steps));
+    }
+    settings.estimation_runs = int_row(reader, "estimation_runs", &line);
+    if (settings.estimation_runs < 1) {
+        impossible(reader, line, "estimation_runs",
+                   format_message("at least 1 estimation run is needed, found %d",
+                                  settings.estimation_runs));
+    }
+    settings.gof_after_estimation = int_row(reader, "gof_after_estimation");
+}
+
 // Everything after the head; its layout depends on the task.
 void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     const int32_t task = settings.task;
@@ -337,7 +420,13 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
         settings.network_file = line_row(reader, "network_file");
     }
     settings.degree_cap_given = int_row(reader, "degree_cap_given");
-    if (settings.degree_cap_given == 1) settings.degree_cap = int_row(reader, "degree_cap");
+    if (settings.degree_cap_given == 1) {
+        settings.degree_cap = int_row(reader, "degree_cap", &settings.degree_cap_line);
+        if (settings.degree_cap < 0) {
+            impossible(reader, settings.degree_cap_line, "degree_cap",
+                       format_message("the cap must be 0 or more, found %d", settings.degree_cap));
+        }
+    }
 
     read_structural_section(reader, model);
     read_attribute_block(reader, model, settings.node_count);
@@ -349,16 +438,16 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
         settings.constraint_file = line_row(reader, "constraint_file");
 
     if (task == 2) {
-        settings.subphase_count = int_row(reader, "subphase_count");
-        settings.start_a_value = float_row(reader, "start_a_value");
-        settings.multiplication_factor = int_row(reader, "multiplication_factor");
-        settings.phase3_steps = int_row(reader, "phase3_steps");
-        settings.estimation_runs = int_row(reader, "estimation_runs");
-        settings.gof_after_estimation = int_row(reader, "gof_after_estimation");
+        read_estimation_rows(reader, settings);
         return;
     }
     read_output_flags(reader, settings);
-    settings.burn_in = double_row(reader, "burn_in");
+    settings.burn_in = double_row(reader, "burn_in", &line);
+    if (settings.burn_in < 0.0) {
+        impossible(
+            reader, line, "burn_in",
+            format_message("the burn-in must be 0 or more steps, found %g", settings.burn_in));
+    }
     if (task == 4) {
         settings.sample_count = int_row(reader, "sample_count", &line);
         if (settings.sample_count < 1) {
@@ -368,7 +457,12 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
         }
         return;
     }
-    settings.iterations = double_row(reader, "iterations");
+    settings.iterations = double_row(reader, "iterations", &line);
+    if (settings.iterations < 0.0) {
+        impossible(reader, line, "iterations",
+                   format_message("the number of proposals must be 0 or more, found %g",
+                                  settings.iterations));
+    }
     settings.sample_count = int_row(reader, "sample_count", &line);
     // The sample is thinned to one network per so many steps.
     if (settings.sample_count < 1) {
@@ -378,6 +472,16 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     }
     settings.thinning_interval =
         std::trunc(settings.iterations / static_cast<double>(settings.sample_count));
+    // Simulation and goodness of fit alike: a plan that keeps no sample is refused here, before
+    // any file is written, rather than after a burn-in that leads nowhere.
+    if (planned_samples({settings.iterations, settings.thinning_interval}) < 1.0) {
+        impossible(
+            reader, line, "sample_count",
+            format_message("%d networks cannot be kept from %g iterations: a sample every "
+                           "%g proposals keeps none (sample_count must be at most "
+                           "iterations)",
+                           settings.sample_count, settings.iterations, settings.thinning_interval));
+    }
 }
 
 }  // namespace

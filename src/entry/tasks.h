@@ -7,11 +7,14 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "base/errors.h"
+#include "base/memory.h"
 #include "base/text_file.h"
 #include "entry/embedding.h"
+#include "entry/memory_plan.h"
 #include "entry/run_context.h"
 #include "estimation/confirmation.h"
 #include "estimation/diagnostics.h"
@@ -19,6 +22,7 @@
 #include "model/parameter_labels.h"
 #include "model/parameter_vector.h"
 #include "model/terms.h"
+#include "network/sparse_graph.h"
 #include "report/bayesian_report.h"
 #include "report/convergence_report.h"
 #include "report/estimation_report.h"
@@ -40,9 +44,30 @@ struct KindTraits;
 
 namespace task_detail {
 
-inline SamplingPlan sampling_plan(const RunSettings& s) {
-    return {s.iterations, s.thinning_interval};
+// What a goodness of fit samples: the plan, the burn-in before it, and whether it follows an
+// estimation (whose run file has no sampling rows, so the plan comes from the estimation).
+struct GofPlan {
+    SamplingPlan sampling;
+    double burn_in = 0.0;
+    bool after_estimation = false;
+};
+
+inline GofPlan gof_plan(const RunSettings& s) {
+    return {{s.iterations, s.thinning_interval}, s.burn_in, false};
 }
+
+// Goodness of fit after an estimation: 1,000 samples, one every K steps (the estimation's
+// steps per draw, which it chose so that draws are far enough apart), after 100 K steps of
+// burn-in.
+inline constexpr double gof_after_estimation_samples = 1000.0;
+inline constexpr double gof_after_estimation_burn_in_draws = 100.0;
+
+inline GofPlan gof_plan_after_estimation(double steps_per_draw) {
+    const double K = std::max(1.0, std::ceil(steps_per_draw));
+    return {{gof_after_estimation_samples * K, K}, gof_after_estimation_burn_in_draws * K, true};
+}
+
+inline SamplingPlan sampling_plan(const RunSettings& s) { return gof_plan(s).sampling; }
 
 template <class Store>
 void write_statistics_file(const std::string& path, const Model& model, const Store& store,
@@ -57,8 +82,46 @@ void write_statistics_file(const std::string& path, const Model& model, const St
     out.close();
 }
 
-inline void write_spss(const RunContext& context) {
-    write_spss_file(context.names.sim, context.model, context.names.simulation);
+// The SPSS syntax loads the table whose columns it names: a simulation's sample statistics
+// file (its simulation file is the prose report), or the simulation file of a goodness of fit,
+// which holds the sample's table.
+inline void write_spss(const RunContext& context, const std::string& table) {
+    write_spss_file(context.names.sim, context.model, table);
+}
+
+// What a matrix reader read without refusing it, one line each, on the run's console.
+inline void say_notes(const RunContext& context, const MatrixNotes& notes, const char* what,
+                      const std::string& path) {
+    for (const std::string& line : matrix_note_lines(notes, what, path))
+        std::fprintf(context.console, "%s\n", line.c_str());
+}
+
+// The degree a cap limits: a graph's degree, a digraph's out-degree.
+template <class Store>
+int32_t capped_degree(const Store& store, int v) {
+    if constexpr (Store::kind == NetworkKind::graph) {
+        return store.degree[static_cast<size_t>(v)];
+    } else {
+        return store.out_degree(v);
+    }
+}
+
+// A cap below a degree the observed network already has could never hold: the chain would
+// start outside the networks the cap allows.
+template <class Store>
+void check_degree_cap(const RunSettings& s, const Store& observed) {
+    if (s.degree_cap_given != 1) return;
+    int top = 0;
+    for (int v = 1; v < observed.node_count; ++v)
+        if (capped_degree(observed, v) > capped_degree(observed, top)) top = v;
+    const int32_t degree = capped_degree(observed, top);
+    if (degree <= s.degree_cap) return;
+    const char* word = Store::kind == NetworkKind::graph ? "degree" : "out-degree";
+    throw SettingError(format_message(
+        "vexa: run file '%s', line %d (degree_cap): the cap %d is below the %s %d of node %d "
+        "(row %d of network file '%s'); it must be at least the observed network's largest %s",
+        s.run_file.c_str(), s.degree_cap_line, s.degree_cap, word, degree, top + 1, top + 1,
+        s.network_file.c_str(), word));
 }
 
 // Everything a task needs besides the context: the network, the terms and the sampler's
@@ -78,9 +141,9 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
     const OutputNames& names = context.names;
     const SamplingPlan plan = sampling_plan(s);
     const int p = static_cast<int>(parameters.size());
-    write_spss(context);
+    write_spss(context, names.sample_statistics + ".txt");
     Chain<Store> chain = make_chain(setup.observed, setup.terms, p, setup.sampler, context.rng);
-    run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
+    run_burn_in(chain, parameters.data(), s.burn_in, context.seeds, context.progress);
 
     context.seeds.reseed(context.rng);
     const std::vector<ParameterLabel> labels =
@@ -130,17 +193,16 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
 
 template <class Store>
 void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
-                     const std::vector<double>& parameters, const SamplingPlan& plan) {
+                     const std::vector<double>& parameters, const GofPlan& gof) {
+    const SamplingPlan& plan = gof.sampling;
     using Traits = KindTraits<Store>;
     const RunSettings& s = context.settings;
     const OutputNames& names = context.names;
     const Model& model = context.model;
     const int p = static_cast<int>(parameters.size());
-    write_spss(context);
+    write_spss(context, names.simulation);
     Store working = setup.observed;
     Chain<Store> chain = make_chain(working, setup.terms, p, setup.sampler, context.rng);
-    run_sampler(chain, parameters.data(), s.burn_in, context.seeds);
-
     const double expected_samples = planned_samples(plan);
     if (expected_samples < 1.0) {
         throw SettingError(format_message(
@@ -148,6 +210,8 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
             "(iterations must be at least sample_count)",
             plan.proposals, plan.interval));
     }
+    run_burn_in(chain, parameters.data(), gof.burn_in, context.seeds, context.progress);
+
     context.seeds.reseed(context.rng);
 
     // The observed network's values, before sampling.
@@ -165,6 +229,7 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
         OutFile report(names.gof, OpenMode::append);
         write_gof_heading(report, Store::kind, parameter_labels(model, LabelStyle::simulation),
                           parameters, plan);
+        if (gof.after_estimation) write_gof_plan_after_estimation(report, plan, gof.burn_in);
         report.close();
     }
 
@@ -265,7 +330,7 @@ void bayesian_goodness_of_fit(RunContext& context, TaskSetup<Store>& setup) {
                      s.parameter_sets_file.c_str(), count, s.sample_count, count);
         std::fflush(context.console);
     }
-    write_spss(context);
+    write_spss(context, context.names.simulation);
 
     std::vector<double> observed_statistics(static_cast<size_t>(p), 0.0);
     {
@@ -502,8 +567,11 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
     write_update_files(model, "");
     if (s.gof_after_estimation == 1 && converged) {
         KindTraits<Store>::before_gof_after_estimation(context);
+        // The estimation's chain is done with: its store goes before goodness of fit makes its
+        // own, so that the run never holds more than the observed network and one copy.
+        working = Store();
         const std::vector<double> estimates = pack(model);
-        goodness_of_fit(context, setup, estimates, sampling_plan(s));
+        goodness_of_fit(context, setup, estimates, gof_plan_after_estimation(last.steps_per_draw));
     }
 }
 
@@ -520,19 +588,30 @@ void run_task(RunContext& context) {
         throw SettingError(
             format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
     }
+    // The plan reckons with dense stores; the sparse one grows with the ties it is given.
+    if constexpr (!std::is_same_v<Store, SparseGraph>) {
+        check_task_memory(s, Store::kind, static_cast<int>(parameters.size()),
+                          available_memory_bytes());
+    }
     task_detail::TaskSetup<Store> setup;
+    MatrixNotes notes;
     if (s.task == 1) {
         setup.observed = Traits::random_start(context);
     } else if (context.embedding != nullptr && !context.embedding->adjacency.empty()) {
         from_matrix(context.embedding->adjacency, n, setup.observed);
     } else {
-        setup.observed = Traits::read(s.network_file, n);
+        setup.observed = Traits::read(s.network_file, n, &notes);
     }
+    task_detail::say_notes(context, notes, "network", s.network_file);
+    if (s.task != 1) task_detail::check_degree_cap(s, setup.observed);
     setup.terms = make_terms<Store>(context.model);
     task_detail::write_statistics_file(context.names.start_statistics, context.model,
                                        setup.observed, setup.terms);
     if (s.constraint_given == 1) {
-        setup.mask = std::make_unique<DyadMask>(read_dyad_mask(s.constraint_file, n, Store::kind));
+        MatrixNotes constraint_notes;
+        setup.mask = std::make_unique<DyadMask>(
+            read_dyad_mask(s.constraint_file, n, Store::kind, &constraint_notes));
+        task_detail::say_notes(context, constraint_notes, "constraint", s.constraint_file);
     }
     setup.sampler.variant = s.sampler_variant;
     setup.sampler.max_degree = s.degree_cap;
@@ -543,7 +622,7 @@ void run_task(RunContext& context) {
         case 1: task_detail::simulate(context, setup, parameters); break;
         case 2: task_detail::estimate_model(context, setup, parameters); break;
         case 3:
-            task_detail::goodness_of_fit(context, setup, parameters, task_detail::sampling_plan(s));
+            task_detail::goodness_of_fit(context, setup, parameters, task_detail::gof_plan(s));
             break;
         case 4: task_detail::bayesian_goodness_of_fit(context, setup); break;
         default: break;

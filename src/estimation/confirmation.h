@@ -61,10 +61,11 @@ Confirmation confirm_estimate(Chain<Store>& chain, const std::vector<double>& th
     progress.say(
         "  long-chain check: %d draws, one every %.0f steps, after %.0f steps of burn-in\n",
         c.draws, c.thinning, c.burn_in);
-    run_sampler(chain, theta.data(), c.burn_in, seeds);
+    run_burn_in(chain, theta.data(), c.burn_in, seeds, progress, "long-chain check, burn-in");
     Matrix sample = make_matrix(c.draws, static_cast<int>(theta.size()), 0.0);
+    ProgressBar bar(progress, "long-chain check", c.draws * std::ceil(c.thinning));
     for (int i = 0; i < c.draws; ++i) {
-        run_steps(chain, theta.data(), c.thinning);
+        run_steps_watched(chain, theta.data(), c.thinning, bar);
         for (size_t k = 0; k < theta.size(); ++k)
             sample[i][static_cast<int>(k)] = chain.statistics[k];
     }

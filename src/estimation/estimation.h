@@ -93,12 +93,13 @@ bool at_extreme(const Store& store, double observed_ties) {
 // them; returns them as rows and leaves their mean in `mean`.
 template <class Store>
 Matrix draw_statistics(Chain<Store>& chain, const std::vector<double>& theta, int draws, double K,
-                       std::vector<double>& mean, double observed_ties, bool& extreme) {
+                       std::vector<double>& mean, double observed_ties, bool& extreme,
+                       ProgressBar& bar) {
     const size_t count = theta.size();
     Matrix rows = make_matrix(std::max(draws, 0), static_cast<int>(count), 0.0);
     std::fill(mean.begin(), mean.end(), 0.0);
     for (int i = 0; i < draws; ++i) {
-        run_steps(chain, theta.data(), K);
+        run_steps_watched(chain, theta.data(), K, bar);
         extreme = extreme || at_extreme(*chain.store, observed_ties);
         for (size_t k = 0; k < count; ++k) {
             mean[k] += chain.statistics[k];
@@ -152,8 +153,16 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     run.phase1_draws = N1;
     run.steps_per_draw = K;
     progress.say("  phase 1: %d draws of %.0f steps\n", N1, std::ceil(K));
+    // The bar counts steps; phase 2's sub-phases are counted at their longest until they end.
+    const auto subphase_longest = [&](int k) {
+        const double n_max = std::pow(2.0, 4.0 * k / 3.0) * (p + 7) + 200.0;
+        return n_max > 0.0 ? std::ceil(n_max) : 0.0;
+    };
+    double planned_draws = N1 + 1.1 * settings.phase3_steps;
+    for (int k = 0; k < settings.subphase_count; ++k) planned_draws += subphase_longest(k);
+    ProgressBar bar(progress, "estimation", planned_draws * std::ceil(K));
 
-    Matrix draws = draw_statistics(chain, theta, N1, K, mean, observed_ties, extreme);
+    Matrix draws = draw_statistics(chain, theta, N1, K, mean, observed_ties, extreme, bar);
     run.phase1_means = mean;
     accumulate_covariance(D, draws, mean, variance);
     if (invert_in_place(D) == 0) {
@@ -189,7 +198,7 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
                     if (all_crossed) break;
                 }
                 for (size_t l = 0; l < count; ++l) previous[l] = chain.statistics[l];
-                run_steps(chain, theta.data(), K);
+                run_steps_watched(chain, theta.data(), K, bar);
                 const double* z = chain.statistics.data();
                 for (int j = 0; j < p; ++j) {
                     for (int l = 0; l < p; ++l) {
@@ -233,6 +242,8 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
         subphase.steps = i;
         subphase.parameters = theta;
         run.subphases.push_back(std::move(subphase));
+        planned_draws -= subphase_longest(k) - i;
+        bar.set_total(planned_draws * std::ceil(K));
         a = a * 0.5f;
     }
     run.after_phase2 = theta;
@@ -242,8 +253,9 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     const int N3 = settings.phase3_steps;
     run.phase3_draws = N3;
     progress.say("  phase 3: %d draws of %.0f steps\n", N3, std::ceil(K));
-    run_sampler(chain, theta.data(), N3 * 0.1 * K, seeds);
-    Matrix final_draws = draw_statistics(chain, theta, N3, K, mean, observed_ties, extreme);
+    seeds.reseed(*chain.rng);
+    run_steps_watched(chain, theta.data(), N3 * 0.1 * K, bar);
+    Matrix final_draws = draw_statistics(chain, theta, N3, K, mean, observed_ties, extreme, bar);
     run.phase3_means = mean;
     run.phase3_draws_matrix = final_draws;
     if (extreme)

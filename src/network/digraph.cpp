@@ -1,6 +1,7 @@
 #include "network/digraph.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <tuple>
 
@@ -14,14 +15,6 @@ namespace vexa {
 namespace {
 
 size_t as_size(int64_t value) { return static_cast<size_t>(value); }
-
-// Bytes a store of n nodes holds: the three n x n 16-bit matrices dominate, then the two bit
-// matrices and the per-node arrays (the neighbour lists of a sparse network are small).
-double store_bytes(int n) {
-    const double nodes = n;
-    const int64_t row_bytes = (int64_t{n} + 63) / 64 * 8;
-    return 6.0 * nodes * nodes + 2.0 * nodes * static_cast<double>(row_bytes) + 40.0 * nodes;
-}
 
 // Moves one node from histogram[old_value] to histogram[new_value].
 inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
@@ -101,6 +94,14 @@ NeighbourLists& NeighbourLists::operator=(const NeighbourLists& other) {
     return *this;
 }
 
+double digraph_store_bytes(int n) {
+    const double nodes = n;
+    const double words = std::floor((nodes + 63.0) / 64.0);
+    // The three 16-bit pair matrices, the room both neighbour lists reserve (n - 1 entries a
+    // node, for the densest network), both bit matrices and the per-node arrays.
+    return 6.0 * nodes * nodes + 8.0 * nodes * (nodes - 1.0) + 16.0 * nodes * words + 20.0 * nodes;
+}
+
 Digraph create_digraph(int n) {
     if (n < 1) {
         throw SettingError(
@@ -113,7 +114,7 @@ Digraph create_digraph(int n) {
                            "%d nodes)",
                            n, max_digraph_nodes));
     }
-    const double needed = store_bytes(n);
+    const double needed = digraph_store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(
@@ -206,14 +207,17 @@ void update_two_paths(Digraph& d, int i, int j, int added) {
     }
 }
 
-Digraph read_digraph(const std::string& path, int n) {
+Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes) {
     Digraph d = create_digraph(n);
+    MatrixNotes seen;
     read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        note_cell(seen, a, b, value);
         if (a != b && value == 1.0) {
             add_arc(d, a, b);
             update_two_paths(d, a, b, 1);
         }
     });
+    if (notes != nullptr) *notes = seen;
     return d;
 }
 

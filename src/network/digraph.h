@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "base/large_allocator.h"
+#include "base/matrix_text.h"
 #include "network/network_kind.h"
 
 namespace vexa {
@@ -124,6 +125,10 @@ struct Digraph {
 // could pass 65,535) and when the store needs more memory than this machine has.
 Digraph create_digraph(int n);
 
+// The bytes a store of n nodes holds at most (its arrays, and the room it reserves for the
+// neighbour lists of the densest network).
+double digraph_store_bytes(int n);
+
 // Set or clear arc i->j with arc and mutual counts, degrees, histograms and neighbour lists;
 // O(1) to add, O(degree) to remove. No-ops when the arc is already in the requested state;
 // update_two_paths must then not be called.
@@ -152,7 +157,8 @@ inline void prepare_change(const Digraph&, Workspace&, int, int) {}
 // node i; a value of exactly 1 off the diagonal is an arc, anything else is not. Throws
 // InputFileError naming the file, and the row and column of a value that is not a number, or
 // the row where a short file ends.
-Digraph read_digraph(const std::string& path, int n);
+// `notes`, when given, counts the cells that are neither 0 nor 1.
+Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes = nullptr);
 
 // A random digraph with exactly arc_target arcs: the generator is reseeded, then senders and
 // receivers are drawn in that order until the target is met. Throws SettingError when the

@@ -28,13 +28,18 @@ void allow_dyad(DyadMask& mask, NetworkKind kind, int i, int j) {
     ++mask.allowed_count;
 }
 
-DyadMask read_dyad_mask(const std::string& path, int n, NetworkKind kind) {
+DyadMask read_dyad_mask(const std::string& path, int n, NetworkKind kind, MatrixNotes* notes) {
     DyadMask mask = make_dyad_mask(n, kind);
+    MatrixNotes seen;
     read_matrix_file(path, "constraint", n, [&](int a, int b, double value) {
+        note_cell(seen, a, b, value);
         // A graph's constraint, like its network, is read from the upper triangle.
         const bool counts = kind == NetworkKind::graph ? a < b : a != b;
         if (counts && value == 1.0) allow_dyad(mask, kind, a, b);
+        if (kind == NetworkKind::graph && a > b && (value == 1.0) != mask.allows(b, a))
+            note_asymmetry(seen, b, a);
     });
+    if (notes != nullptr) *notes = seen;
     return mask;
 }
 

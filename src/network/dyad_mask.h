@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/matrix_text.h"
 #include "network/network_kind.h"
 
 namespace vexa {
@@ -25,8 +26,10 @@ struct DyadMask {
 };
 
 // Reads the constraint file for a network of n nodes of the kind: a cell of exactly 1 allows
-// the dyad. Throws InputFileError naming the constraint file, as the network readers do.
-DyadMask read_dyad_mask(const std::string& path, int n, NetworkKind kind);
+// the dyad (for a graph, a cell above the diagonal). Throws InputFileError naming the
+// constraint file, as the network readers do; `notes` as for the network readers.
+DyadMask read_dyad_mask(const std::string& path, int n, NetworkKind kind,
+                        MatrixNotes* notes = nullptr);
 
 // A mask allowing exactly the listed dyads (tests and callers that build masks by hand).
 DyadMask make_dyad_mask(int n, NetworkKind kind);

@@ -1,6 +1,7 @@
 #include "network/graph.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -58,21 +59,14 @@ void widen_neighbour_rows(Graph& g) {
 
 }  // namespace
 
-double dense_store_bytes(int n) {
+double graph_store_bytes(int n) {
     const double nodes = n;
+    const double words = (nodes + 63.0) / 64.0;
     const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
-    return 4.0 * nodes * nodes + 4.0 * triangle_entries + 24.0 * nodes +
-           nodes * ((nodes + 63.0) / 64.0) * 8.0;
-}
-
-double physical_memory_bytes() {
-#if defined(__unix__)
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_size = sysconf(_SC_PAGESIZE);
-    if (pages > 0 && page_size > 0)
-        return static_cast<double>(pages) * static_cast<double>(page_size);
-#endif
-    return 0.0;  // unknown: do not refuse
+    // The shared partners and the room the neighbour lists reserve (n - 1 entries a node, for
+    // the densest network), the bit rows, the per-node arrays and the triangle histogram.
+    return 4.0 * nodes * nodes + 4.0 * nodes * (nodes - 1.0) + 8.0 * nodes * std::floor(words) +
+           4.0 * (4.0 * nodes - 1.0) + 4.0 * triangle_entries;
 }
 
 Graph create_graph(int n) {
@@ -80,7 +74,7 @@ Graph create_graph(int n) {
         throw SettingError(
             format_message("vexa: a network needs at least one node (node count %d)", n));
     }
-    const double needed = dense_store_bytes(n);
+    const double needed = graph_store_bytes(n);
     const double available = physical_memory_bytes();
     if (available > 0.0 && needed > available) {
         throw SettingError(format_message(
@@ -215,14 +209,19 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
     }
 }
 
-Graph read_graph(const std::string& path, int n) {
+Graph read_graph(const std::string& path, int n, MatrixNotes* notes) {
     Graph g = create_graph(n);
+    MatrixNotes seen;
     read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        note_cell(seen, a, b, value);
         if (a < b && value == 1.0 && !has_edge(g, a, b)) {
             add_edge(g, a, b);
             update_shared_partners(g, a, b, 1);
         }
+        // The upper cell of this pair was read a row earlier.
+        if (a > b && (value == 1.0) != has_edge(g, b, a)) note_asymmetry(seen, b, a);
     });
+    if (notes != nullptr) *notes = seen;
     return g;
 }
 

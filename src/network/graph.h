@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "base/large_allocator.h"
+#include "base/matrix_text.h"
 #include "network/network_kind.h"
 
 namespace vexa {
@@ -80,13 +81,13 @@ struct Graph {
     }
 };
 
-// Bytes the dense store of n nodes takes (the n x n shared-partner matrix dominates), and the
-// machine's physical memory (0 when unknown).
-double dense_store_bytes(int n);
-double physical_memory_bytes();
-
 // Allocates an empty graph. Throws SettingError for n < 1 or a store larger than this machine.
 Graph create_graph(int n);
+
+// The bytes a store of n nodes holds at most (its arrays, and the room it reserves for the
+// neighbour lists of the densest network). Creating a store refuses one larger than the
+// machine's physical memory.
+double graph_store_bytes(int n);
 
 inline bool has_edge(const Graph& graph, int i, int j) {
     return (graph.row(i)[j >> 6] >> (j & 63)) & 1u;
@@ -105,7 +106,9 @@ void update_shared_partners(Graph& graph, int i, int j, int added);
 // Reads an n x n matrix file of whitespace-separated numbers; a value of exactly 1 above the
 // diagonal is an edge, anything else is not. Throws InputFileError naming the file, and the
 // row and column of a value that is not a number, or the count when the file is short or long.
-Graph read_graph(const std::string& path, int n);
+// `notes`, when given, counts the cells that are neither 0 nor 1 and the pairs whose lower
+// cell disagrees with the upper one.
+Graph read_graph(const std::string& path, int n, MatrixNotes* notes = nullptr);
 
 // A random graph with exactly edge_target edges (pairs drawn uniformly; the generator is
 // reseeded first). Throws SettingError when edge_target exceeds n(n-1)/2.

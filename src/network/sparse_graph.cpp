@@ -185,14 +185,19 @@ void update_shared_partners(SparseGraph& g, int i, int j, int added) {
     }
 }
 
-SparseGraph read_sparse_graph(const std::string& path, int n) {
+SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes) {
     SparseGraph g = create_sparse_graph(n);
+    MatrixNotes seen;
     read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        note_cell(seen, a, b, value);
         if (a < b && value == 1.0 && !has_edge(g, a, b)) {
             add_edge(g, a, b);
             update_shared_partners(g, a, b, 1);
         }
+        // The upper cell of this pair was read a row earlier.
+        if (a > b && (value == 1.0) != has_edge(g, b, a)) note_asymmetry(seen, b, a);
     });
+    if (notes != nullptr) *notes = seen;
     return g;
 }
 

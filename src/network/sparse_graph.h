@@ -22,6 +22,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/matrix_text.h"
 #include "network/network_kind.h"
 
 namespace vexa {
@@ -159,7 +160,7 @@ void remove_edge(SparseGraph& graph, int i, int j);
 void update_shared_partners(SparseGraph& graph, int i, int j, int added);
 
 // Reads an n x n matrix file as read_graph does.
-SparseGraph read_sparse_graph(const std::string& path, int n);
+SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes = nullptr);
 // A random graph with exactly edge_target edges, drawn as random_graph draws them (the same
 // network for the same generator state).
 SparseGraph random_sparse_graph(int n, int64_t edge_target, Rng& rng, SeedSource& seeds);

@@ -31,6 +31,13 @@ void write_gof_heading(FILE* out, NetworkKind kind, const std::vector<ParameterL
           networks(kind), plan.interval, networks(kind));
 }
 
+void write_gof_plan_after_estimation(FILE* out, const SamplingPlan& plan, double burn_in) {
+    print(out,
+          "Goodness of fit after estimation: %.0f samples, one every %.0f steps (the "
+          "estimation's steps per draw), after a burn-in of %.0f steps.\n",
+          planned_samples(plan), plan.interval, burn_in);
+}
+
 void write_gof_comparisons(FILE* out, NetworkKind kind, double accepted, double proposals,
                            const std::vector<ParameterLabel>& labels,
                            const std::vector<double>& observed,

@@ -20,6 +20,11 @@ namespace vexa {
 void write_gof_heading(FILE* out, NetworkKind kind, const std::vector<ParameterLabel>& labels,
                        const std::vector<double>& parameters, const SamplingPlan& plan);
 
+// After an estimation, the plan that the estimation set: "Goodness of fit after estimation:
+// 1000 samples, one every K steps (the estimation's steps per draw), after a burn-in of B
+// steps.\n".
+void write_gof_plan_after_estimation(FILE* out, const SamplingPlan& plan, double burn_in);
+
 // The accepted count, the table of statistics (`labels` in gof style, `observed` by slot) and
 // of the descriptive measures (named, observed values in the sample's measure order), and the
 // acceptance rate.

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "base/errors.h"
+#include "base/progress.h"
 #include "sampler/chain.h"
 
 namespace vexa {
@@ -307,6 +308,34 @@ template <class Store>
 double run_sampler(Chain<Store>& chain, const double* parameters, double steps, SeedSource& seeds) {
     seeds.reseed(*chain.rng);
     return run_steps(chain, parameters, steps);
+}
+
+// Loops of steps look at their progress bar every so many steps.
+inline constexpr uint32_t progress_tick_mask = 4095;
+
+// Runs the steps of `chain` in pieces, moving `bar` on after each: the same steps as one
+// run_steps call.
+template <class Store>
+void run_steps_watched(Chain<Store>& chain, const double* parameters, double steps,
+                       ProgressBar& bar) {
+    constexpr double piece = 65536.0;
+    double done = 0.0;
+    while (steps - done > piece) {
+        run_steps(chain, parameters, piece);
+        done += piece;
+        bar.advance(piece);
+    }
+    run_steps(chain, parameters, steps - done);
+    bar.advance(steps - done);
+}
+
+// A burn-in: reseeds the generator, then runs the steps with a bar.
+template <class Store>
+void run_burn_in(Chain<Store>& chain, const double* parameters, double steps, SeedSource& seeds,
+                 const Progress& progress, const char* label = "burn-in") {
+    seeds.reseed(*chain.rng);
+    ProgressBar bar(progress, label, steps);
+    run_steps_watched(chain, parameters, steps, bar);
 }
 
 // Throws SettingError when the chain could never find a proposal: fewer than two nodes, a

@@ -5,6 +5,7 @@
 // at each with the proposal number and the acceptances since the last sample.
 
 #include <cmath>
+#include <cstdint>
 
 #include "base/progress.h"
 #include "sampler/steps.h"
@@ -29,8 +30,11 @@ double run_proposals(Chain<Store>& chain, const double* parameters, const Sampli
     double accepted_total = 0.0;
     double next_sample = plan.interval;
     bool printed = false;
+    ProgressBar bar(progress, "sampling", plan.proposals);
+    uint32_t tick = 0;
     for (double i = 1.0; i < plan.proposals + 1.0; i += 1.0) {
         accepted_interval += step(chain, parameters);
+        if ((++tick & progress_tick_mask) == 0) bar.update(i);
         if (i == next_sample) {
             progress.say("%.0f\t", i);
             printed = true;

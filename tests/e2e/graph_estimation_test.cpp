@@ -3,6 +3,7 @@
 // exact text of every report is the writer tests' and the golden outputs' concern.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <string>
@@ -42,6 +43,38 @@ TEST(GraphEstimation, EdgeOnlyEstimateIsTheLogOddsOfTheDensity) {
     EXPECT_EQ(summary[0].label, "edge");  // a malformed row would be labelled so
     EXPECT_NEAR(summary[0].estimate, std::log(20.0 / 100.0), summary[0].se);
     EXPECT_LT(std::fabs(summary[0].t), 0.1);
+}
+
+TEST(GraphEstimation, GoodnessOfFitAfterEstimationSamplesAtTheEstimationsSpacing) {
+    // The edge-only model converges at once. K = n^2 d (1 - d) m = 256 (1/6)(5/6) 2 = 71.1,
+    // taken whole as 72: 1,000 samples at 72, 144, ..., 72,000 after a burn-in of 7,200.
+    const std::string dir = testing::scratch_directory("estimation_gof_after");
+    GraphRunFile file = flomarriage(dir);
+    file.effects = {{"edge", {0.0, 0.0}}};
+    file.runs = 3;
+    file.gof_after = 1;
+    int status = 1;
+    run_vexa(dir, file, 7, false, &status);
+    EXPECT_EQ(status, 0);
+    const std::string gof = read_text(dir + "/out/gof_net.txt");
+    EXPECT_NE(gof.find("Proposed 72000 graphs.\nSamples were picked up at 1 per 72 graphs.\n"
+                       "Goodness of fit after estimation: 1000 samples, one every 72 steps (the "
+                       "estimation's steps per draw), after a burn-in of 7200 steps.\n"),
+              std::string::npos)
+        << gof;
+    const std::vector<std::string> rows =
+        testing::lines_of(read_text(dir + "/out/sample_statistics_net.txt"));
+    ASSERT_EQ(rows.size(), 1001u);
+    EXPECT_EQ(testing::tab_fields(rows[1]).at(0), "72");
+    EXPECT_EQ(testing::tab_fields(rows[1000]).at(0), "72000");
+    // At the maximum-likelihood estimate the observed edge count is the sample's mean: its
+    // t-ratio is small.
+    const std::vector<std::string> lines = testing::lines_of(gof);
+    const auto edge = std::find_if(lines.begin(), lines.end(), [](const std::string& l) {
+        return l.rfind("edge\t20\t", 0) == 0;
+    });
+    ASSERT_NE(edge, lines.end()) << gof;
+    EXPECT_LT(std::fabs(std::stod(testing::tab_fields(*edge).at(4))), 0.3) << *edge;
 }
 
 TEST(GraphEstimation, MarkovModelAgreesWithTheKnownMaximumLikelihoodEstimates) {
@@ -88,20 +121,23 @@ TEST(GraphRuns, DegenerateAndImpossibleRunsEndCleanlyAndKeepWhatTheyWrote) {
     file.network_file = "missing.txt";
     EXPECT_EQ(run_vexa(dir, file, 1), "vexa: cannot open network file 'missing.txt'\n");
 
-    // Goodness of fit whose settings keep no sample is refused before sampling; the files
-    // written before the refusal stay.
+    // A refusal after the network was read keeps the files written before it.
     std::filesystem::remove_all(dir + "/out");
     file = flomarriage(dir);
     file.task = 3;
     file.effects = {{"edge", {-1.6, 0.0}}};
     file.iterations = 10;
-    file.samples = 20;
+    file.samples = 10;
+    file.sampler_variant = 1;
+    file.constraint_file = "none.txt";
+    std::string zeros;
+    for (int k = 0; k < 256; ++k) zeros += "0 ";
+    testing::write_text(dir + "/none.txt", zeros);
     EXPECT_EQ(run_vexa(dir, file, 1),
-              "vexa: goodness of fit keeps no sample: 10 proposals at 1 sample per 0 proposals "
-              "(iterations must be at least sample_count)\n");
+              "vexa: the constraint network has no ties, so no dyad may change\n");
     EXPECT_EQ(read_text(dir + "/out/start_statistics_net.txt"),
               "\n***This graph contains:****\nedge\t20\n");
-    EXPECT_TRUE(std::filesystem::exists(dir + "/out/sim_net.sps"));
+    file.constraint_file.clear();
 
     // A missing output directory: the first report cannot be written.
     file.directory = "no/such/directory";

@@ -36,7 +36,7 @@ std::string GraphRunFile::text() const {
     } else {
         row("network_file", network_file);
     }
-    if (degree_cap >= 0) {
+    if (degree_cap != -1) {
         t.append("degree_cap_given\n1\ndegree_cap\n")
             .append(std::to_string(degree_cap))
             .append("\n");
@@ -86,8 +86,8 @@ std::string GraphRunFile::write(const std::string& dir, const std::string& file)
     return path;
 }
 
-std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
-                     bool confirm) {
+std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed, bool confirm,
+                     int* status) {
     const WorkingDirectory here(dir);
     std::filesystem::create_directories(dir + "/" + file.directory);
     const std::string path = file.write(dir);
@@ -97,8 +97,16 @@ std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t 
         options.seed = seed;
         options.confirm = confirm;
         options.console = console;
-        run_entry(path.c_str(), options);
+        const int returned = run_entry(path.c_str(), options);
+        if (status != nullptr) *status = returned;
     });
+}
+
+int value_line(const std::string& text, const std::string& label) {
+    const std::vector<std::string> lines = lines_of(text);
+    for (size_t k = 0; k + 1 < lines.size(); ++k)
+        if (lines[k] == label) return static_cast<int>(k) + 2;
+    return 0;
 }
 
 std::vector<std::string> lines_of(const std::string& text) {

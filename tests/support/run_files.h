@@ -23,7 +23,7 @@ struct GraphRunFile {
     int nodes = 16;
     double initial_density = 0.1;  // task 1
     int sampler_variant = 0;
-    int degree_cap = -1;  // -1: no cap row
+    int degree_cap = -1;  // -1: no cap row (any other value, negative ones too, is written)
     std::string constraint_file;
     std::string parameter_sets_file;  // task 4
     // Included effects by their run-file name: starting value and lambda.
@@ -51,8 +51,13 @@ struct GraphRunFile {
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
 // With `confirm`, a converged estimation is checked with a long chain.
+// `status`, when given, receives what the entry returned (0 after a complete run).
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
-                     bool confirm = false);
+                     bool confirm = false, int* status = nullptr);
+
+// The line (from 1) of the value that follows the first label line `label` of a run file's
+// text (0 when there is none).
+int value_line(const std::string& text, const std::string& label);
 
 std::vector<std::string> lines_of(const std::string& text);
 std::vector<std::string> tab_fields(const std::string& line);

@@ -7,9 +7,11 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "base/errors.h"
+#include "network/dyad_mask.h"
 #include "numeric/rng.h"
 #include "support/test_support.h"
 
@@ -114,6 +116,89 @@ TEST(GraphStore, ReadsTheUpperTriangleOfAMatrixFileAndRefusesBadOnes) {
         }
     }
     EXPECT_THROW(read_graph(dir + "/missing.txt", 2), InputFileError);
+}
+
+// Cells other than 0 and 1, and pairs whose two cells disagree, counted by the readers as a
+// plain recount of the matrix counts them; the notes' lines name the file, count and place.
+TEST(GraphStore, ReadersNoteValuedAndAsymmetricCellsAsARecountDoes) {
+    const std::string dir = testing::scratch_directory("graph_read_notes");
+    Rng rng;
+    const double values[] = {0, 0, 0, 1, 1, 2, -1, 0.5};
+    for (int trial = 0; trial < 30; ++trial) {
+        const int n = 1 + trial % 9;
+        std::vector<double> cells(static_cast<size_t>(n * n));
+        std::string text;
+        for (double& v : cells) {
+            v = values[rng.node(8)];
+            text += std::to_string(v) + (text.size() % 7 == 0 ? "\n" : " ");
+        }
+        testing::write_text(dir + "/m.txt", text);
+        MatrixNotes truth;
+        for (int a = 0; a < n; ++a) {
+            for (int b = 0; b < n; ++b) {
+                const double v = cells[static_cast<size_t>(a * n + b)];
+                if (v != 0.0 && v != 1.0 && truth.other_values++ == 0)
+                    std::tie(truth.first_other_row, truth.first_other_column) =
+                        std::pair(a + 1, b + 1);
+                const bool lower_tie = cells[static_cast<size_t>(b * n + a)] == 1.0;
+                if (a < b && (v == 1.0) != lower_tie && truth.asymmetric_pairs++ == 0)
+                    std::tie(truth.first_asymmetric_row, truth.first_asymmetric_column) =
+                        std::pair(a + 1, b + 1);
+            }
+        }
+        for (const NetworkKind kind : {NetworkKind::graph, NetworkKind::digraph}) {
+            MatrixNotes graph_notes, mask_notes;
+            if (kind == NetworkKind::graph) read_graph(dir + "/m.txt", n, &graph_notes);
+            read_dyad_mask(dir + "/m.txt", n, kind, &mask_notes);
+            MatrixNotes expected = truth;
+            if (kind == NetworkKind::digraph) {
+                expected.asymmetric_pairs = 0;  // a digraph's cells are all its own
+                expected.first_asymmetric_row = expected.first_asymmetric_column = 0;
+            } else {
+                EXPECT_EQ(matrix_note_lines(graph_notes, "network", "m.txt"),
+                          matrix_note_lines(expected, "network", "m.txt"));
+            }
+            EXPECT_EQ(matrix_note_lines(mask_notes, "constraint", "m.txt"),
+                      matrix_note_lines(expected, "constraint", "m.txt"))
+                << trial;
+            EXPECT_EQ(mask_notes.other_values, expected.other_values);
+            EXPECT_EQ(mask_notes.asymmetric_pairs, expected.asymmetric_pairs);
+        }
+    }
+
+    // The hand-drawn matrix of the test above: 2, -1 and 1.5 above the diagonal, 1s below.
+    testing::write_text(dir + "/m.txt", "1 1 2 -1\n1 0 1.5 0\n1 1 0 1\n1 0 1 0\n");
+    MatrixNotes notes;
+    read_graph(dir + "/m.txt", 4, &notes);
+    EXPECT_EQ(matrix_note_lines(notes, "network", "m.txt"),
+              (std::vector<std::string>{
+                  "vexa: network file 'm.txt': 3 cells hold values other than 0 and 1 (first at "
+                  "row 1, column 3); they are read as no tie",
+                  "vexa: network file 'm.txt': the matrix is not symmetric (3 pairs differ, "
+                  "first at row 1, column 3); only its upper triangle is used"}));
+    testing::write_text(dir + "/m.txt", "0 1\n1 7\n");
+    read_dyad_mask(dir + "/m.txt", 2, NetworkKind::graph, &notes);
+    EXPECT_EQ(matrix_note_lines(notes, "constraint", "m.txt"),
+              (std::vector<std::string>{
+                  "vexa: constraint file 'm.txt': 1 cell holds a value other than 0 and 1 (at row "
+                  "2, column 2); it is read as no tie"}));
+
+    // A long bad word is quoted cut short; a file that never ends a word is refused by name.
+    testing::write_text(dir + "/m.txt", "0 " + std::string(100, 'x') + "\n0 0\n");
+    for (const auto& [path, says] :
+         {std::pair{dir + "/m.txt",
+                    "row 1, column 2: '" + std::string(40, 'x') + "...' is not a number\n"},
+          std::pair{std::string("/dev/zero"),
+                    "row 1, column 1: '" + std::string(40, '?') +
+                        "...' is not a number (a word of more than 256 characters)\n"}}) {
+        try {
+            read_dyad_mask(path, 2, NetworkKind::graph);
+            ADD_FAILURE() << path;
+        } catch (const InputFileError& e) {
+            EXPECT_EQ(std::string(e.what()) + "\n",
+                      "vexa: constraint file '" + path + "', " + says);
+        }
+    }
 }
 
 TEST(GraphStore, RandomStartHasTheTargetAndRefusesTheImpossible) {

@@ -1,0 +1,66 @@
+#include "entry/memory_plan.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/errors.h"
+#include "network/digraph.h"
+#include "network/graph.h"
+
+namespace vexa {
+
+namespace {
+
+// Descriptive measures a goodness of fit keeps per sample beside the statistics (a digraph has
+// the most), and the three geodesic quartiles.
+constexpr double measures_per_sample = 13.0 + 3.0;
+
+const char* task_name(int32_t task) {
+    switch (task) {
+        case 1: return "simulation";
+        case 2: return "estimation";
+        case 3: return "goodness of fit";
+        default: return "run";
+    }
+}
+
+}  // namespace
+
+MemoryPlan task_memory(const RunSettings& s, NetworkKind kind, int parameters) {
+    const int n = s.node_count;
+    MemoryPlan plan;
+    plan.store_bytes = kind == NetworkKind::digraph ? digraph_store_bytes(n) : graph_store_bytes(n);
+    plan.stores = s.task == 1 ? 1 : 2;
+    const double nodes = n;
+    const double p = std::max(parameters, 1);
+    if (s.constraint_given == 1)
+        plan.other_bytes += nodes * std::floor((nodes + 63.0) / 64.0) * 8.0;
+    // Per-node scratch of the descriptive measures and the chain.
+    plan.other_bytes += 64.0 * nodes;
+    double samples = 0.0;
+    if (s.task == 3 && s.thinning_interval >= 1.0)
+        samples = std::floor(s.iterations / s.thinning_interval);
+    if (s.task == 2) {
+        // Phase 3 keeps its draws; a goodness of fit after it keeps its 1,000 samples.
+        plan.other_bytes += 2.0 * s.phase3_steps * p * 8.0;
+        if (s.gof_after_estimation == 1) samples = 1000.0;
+    }
+    plan.other_bytes += samples * (p + measures_per_sample + 1.0) * 8.0;
+    return plan;
+}
+
+void check_task_memory(const RunSettings& s, NetworkKind kind, int parameters, double available) {
+    const MemoryPlan plan = task_memory(s, kind, parameters);
+    if (available <= 0.0 || plan.total() <= available) return;
+    const double gigabyte = 1e9;
+    throw SettingError(format_message(
+        "vexa: run file '%s' (node_count %d): the %s needs about %.2f GB of memory (%d %s of "
+        "%.2f GB for a %s of %d nodes, and %.2f GB besides), but %.2f GB are available; the run "
+        "was not started",
+        s.run_file.c_str(), s.node_count, task_name(s.task), plan.total() / gigabyte, plan.stores,
+        plan.stores == 1 ? "network store" : "network stores", plan.store_bytes / gigabyte,
+        kind == NetworkKind::digraph ? "digraph" : "graph", s.node_count,
+        plan.other_bytes / gigabyte, available / gigabyte));
+}
+
+}  // namespace vexa

@@ -1,0 +1,27 @@
+#pragma once
+// What a task will hold in memory, reckoned from its settings before anything is allocated, so
+// that a network too large for the machine is refused with the numbers instead of being found
+// out by the allocator halfway through a run.
+
+#include "entry/run_context.h"
+#include "network/network_kind.h"
+
+namespace vexa {
+
+struct MemoryPlan {
+    int stores = 0;            // network stores alive at once
+    double store_bytes = 0.0;  // each
+    double other_bytes = 0.0;  // the constraint, the kept samples and draws
+    double total() const { return stores * store_bytes + other_bytes; }
+};
+
+// The task's needs: a simulation samples on its one store; an estimation and a goodness of fit
+// keep the observed network beside the one their chain changes.
+MemoryPlan task_memory(const RunSettings& settings, NetworkKind kind, int parameters);
+
+// Throws SettingError naming the estimate and the memory available when the plan does not fit
+// in `available` bytes (0: unknown, nothing is refused).
+void check_task_memory(const RunSettings& settings, NetworkKind kind, int parameters,
+                       double available);
+
+}  // namespace vexa

@@ -1,0 +1,84 @@
+// The memory a task is reckoned to need, against what its stores really hold.
+#include "entry/memory_plan.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/errors.h"
+#include "network/digraph.h"
+#include "network/graph.h"
+
+namespace vexa {
+namespace {
+
+template <class Vector>
+double bytes_of(const Vector& v) {
+    return static_cast<double>(v.capacity() * sizeof(typename Vector::value_type));
+}
+
+double held(const Graph& g) {
+    return bytes_of(g.adjacency) + bytes_of(g.shared_partners) + bytes_of(g.degree_histogram) +
+           bytes_of(g.degree) + bytes_of(g.shared_partner_histogram) + bytes_of(g.triangles) +
+           bytes_of(g.triangle_histogram) + bytes_of(g.neighbour_lists);
+}
+
+double held(const Digraph& d) {
+    return bytes_of(d.out_rows) + bytes_of(d.in_rows) + bytes_of(d.in_degree_values) +
+           bytes_of(d.out_degree_values) + bytes_of(d.mutual_degree_values) +
+           bytes_of(d.in_degree_histogram) + bytes_of(d.out_degree_histogram) +
+           bytes_of(d.out_lists.entries) + bytes_of(d.in_lists.entries) +
+           bytes_of(d.common_receivers) + bytes_of(d.common_senders) + bytes_of(d.two_paths);
+}
+
+TEST(MemoryPlan, StoreEstimatesCoverWhatTheStoresHold) {
+    for (const int n : {2, 3, 63, 64, 65, 300}) {
+        const Graph g = create_graph(n);
+        const Graph copy = g;  // a copy reserves the same room
+        for (const double actual : {held(g), held(copy)}) {
+            EXPECT_GE(graph_store_bytes(n), actual) << n;
+            EXPECT_LE(graph_store_bytes(n), actual + 64.0) << n;
+        }
+        const Digraph d = create_digraph(n);
+        const Digraph dcopy = d;
+        for (const double actual : {held(d), held(dcopy)}) {
+            EXPECT_GE(digraph_store_bytes(n), actual) << n;
+            EXPECT_LE(digraph_store_bytes(n), actual + 64.0) << n;
+        }
+    }
+}
+
+TEST(MemoryPlan, TasksCountTheirStoresAndAreRefusedWhenTheyDoNotFit) {
+    RunSettings s;
+    s.run_file = "big.txt";
+    s.node_count = 10000;
+    s.task = 1;
+    EXPECT_EQ(task_memory(s, NetworkKind::graph, 3).stores, 1);
+    s.task = 3;
+    s.iterations = 1000;
+    s.thinning_interval = 1;
+    const MemoryPlan gof = task_memory(s, NetworkKind::graph, 3);
+    EXPECT_EQ(gof.stores, 2);
+    EXPECT_GE(gof.other_bytes, 1000.0 * 3 * 8);  // the kept statistics
+    s.task = 2;
+    const MemoryPlan estimation = task_memory(s, NetworkKind::digraph, 3);
+    EXPECT_EQ(estimation.stores, 2);
+    EXPECT_EQ(estimation.store_bytes, digraph_store_bytes(10000));
+
+    // A graph of 10,000 nodes: 4e8 bytes of shared partners, as much reserved for neighbours,
+    // 2e8 of triangle histogram and 1.3e7 of bit rows, about 1.01e9 bytes a store.
+    EXPECT_NO_THROW(check_task_memory(s, NetworkKind::graph, 3, 0.0));  // unknown: not refused
+    EXPECT_NO_THROW(check_task_memory(s, NetworkKind::graph, 3, 2.1e9));
+    try {
+        check_task_memory(s, NetworkKind::graph, 3, 1073741824.0);
+        ADD_FAILURE() << "not refused";
+    } catch (const SettingError& e) {
+        EXPECT_EQ(std::string(e.what()),
+                  "vexa: run file 'big.txt' (node_count 10000): the estimation needs about 2.03 GB "
+                  "of memory (2 network stores of 1.01 GB for a graph of 10000 nodes, and 0.00 GB "
+                  "besides), but 1.07 GB are available; the run was not started");
+    }
+}
+
+}  // namespace
+}  // namespace vexa
