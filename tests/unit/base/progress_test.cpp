@@ -21,12 +21,10 @@ TEST(Progress, BarLinesShowTheShareAndTheTimeLeft) {
 }
 
 TEST(Progress, TextEndsAShownBarOnlyOnItsOwnTerminalAndBarsNeedATerminal) {
-    char* drawn = nullptr;
-    size_t size = 0;
-    FILE* terminal_stream = open_memstream(&drawn, &size);
-    char* text = nullptr;
-    size_t text_size = 0;
-    FILE* text_stream = open_memstream(&text, &text_size);
+    // Temporary files, not memory streams: the suite also runs on Windows.
+    FILE* terminal_stream = std::tmpfile();
+    FILE* text_stream = std::tmpfile();
+    ASSERT_TRUE(terminal_stream != nullptr && text_stream != nullptr);
     BarTerminal terminal{terminal_stream, true, false, true};
     const Progress progress = console_progress(text_stream, &terminal);
     progress.say("%d\t", 1000);  // the bar is erased, and the line stays open
@@ -38,12 +36,17 @@ TEST(Progress, TextEndsAShownBarOnlyOnItsOwnTerminalAndBarsNeedATerminal) {
     terminal.text_on_terminal = false;  // text elsewhere: the bar may stay
     progress.say("x\n");
     EXPECT_TRUE(terminal.shown);
-    std::fclose(terminal_stream);
-    std::fclose(text_stream);
-    EXPECT_EQ(std::string(drawn, size), "\r\033[K");
-    EXPECT_EQ(std::string(text, text_size), "1000\t\nx\n");  // the text is the text, only
-    std::free(drawn);
-    std::free(text);
+    auto contents = [](FILE* f) {
+        std::fflush(f);
+        std::rewind(f);
+        std::string out;
+        for (int c = std::fgetc(f); c != EOF; c = std::fgetc(f))
+            out.push_back(static_cast<char>(c));
+        std::fclose(f);
+        return out;
+    };
+    EXPECT_EQ(contents(terminal_stream), "\r\033[K");
+    EXPECT_EQ(contents(text_stream), "1000\t\nx\n");  // the text is the text, only
 
     // Without a terminal no bar is drawn, however long the work.
     const BarTerminal none = bar_terminal_for(stdout);
