@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "network/graph_building.h"
 #include "numeric/rng.h"
 
 namespace vexa {
@@ -187,45 +188,18 @@ void update_shared_partners(SparseGraph& g, int i, int j, int added) {
 
 SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes) {
     SparseGraph g = create_sparse_graph(n);
-    MatrixNotes seen;
-    read_matrix_file(path, "network", n, [&](int a, int b, double value) {
-        note_cell(seen, a, b, value);
-        if (a < b && value == 1.0 && !has_edge(g, a, b)) {
-            add_edge(g, a, b);
-            update_shared_partners(g, a, b, 1);
-        }
-        // The upper cell of this pair was read a row earlier.
-        if (a > b && (value == 1.0) != has_edge(g, b, a)) note_asymmetry(seen, b, a);
-    });
-    if (notes != nullptr) *notes = seen;
+    graph_building::read_ties(g, path, n, notes);
     return g;
 }
 
 SparseGraph random_sparse_graph(int n, int64_t edge_target, Rng& rng, SeedSource& seeds) {
-    const int64_t dyads = int64_t{n} * (n - 1) / 2;
-    if (edge_target < 0 || edge_target > dyads) {
-        throw SettingError(format_message(
-            "vexa: a random start with %lld edges is impossible: %d nodes have only %lld dyads",
-            static_cast<long long>(edge_target), n, static_cast<long long>(dyads)));
-    }
+    graph_building::check_edge_target(n, edge_target);
     SparseGraph g = create_sparse_graph(n);
-    seeds.reseed(rng);
-    while (g.edge_count < edge_target) {
-        const int a = rng.node(n);
-        const int b = rng.node(n);
-        if (a != b && !has_edge(g, a, b)) {
-            add_edge(g, a, b);
-            update_shared_partners(g, a, b, 1);
-        }
-    }
+    graph_building::add_random_ties(g, n, edge_target, rng, seeds);
     return g;
 }
 
-double density(const SparseGraph& g) {
-    if (g.node_count < 2) return 0.0;
-    const double n = g.node_count;
-    return 2.0 * g.edge_count / (n * (n - 1.0));
-}
+double density(const SparseGraph& g) { return graph_building::density_of(g); }
 
 std::string check_bookkeeping(const SparseGraph& g) {
     const int n = g.node_count;

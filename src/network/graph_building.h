@@ -1,0 +1,65 @@
+#pragma once
+// What both graph stores (dense and sparse) do alike on top of their own add_edge,
+// update_shared_partners and has_edge: read a matrix file, draw a random start, give the
+// density. Included by the two stores' sources only.
+
+#include <cstdint>
+#include <string>
+
+#include "base/errors.h"
+#include "base/matrix_text.h"
+#include "numeric/rng.h"
+
+namespace vexa::graph_building {
+
+// Adds the ties of an n x n matrix file to an empty store G: a value of exactly 1 above the
+// diagonal is an edge. Notes cells other than 0 and 1 and pairs whose two cells disagree.
+template <class G>
+void read_ties(G& g, const std::string& path, int n, MatrixNotes* notes) {
+    MatrixNotes seen;
+    read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+        note_cell(seen, a, b, value);
+        if (a < b && value == 1.0 && !has_edge(g, a, b)) {
+            add_edge(g, a, b);
+            update_shared_partners(g, a, b, 1);
+        }
+        // The upper cell of this pair was read a row earlier.
+        if (a > b && (value == 1.0) != has_edge(g, b, a)) note_asymmetry(seen, b, a);
+    });
+    if (notes != nullptr) *notes = seen;
+}
+
+// Throws SettingError when n nodes cannot hold edge_target edges.
+inline void check_edge_target(int n, int64_t edge_target) {
+    const int64_t dyads = int64_t{n} * (n - 1) / 2;
+    if (edge_target < 0 || edge_target > dyads) {
+        throw SettingError(format_message(
+            "vexa: a random start with %lld edges is impossible: %d nodes have only %lld dyads",
+            static_cast<long long>(edge_target), n, static_cast<long long>(dyads)));
+    }
+}
+
+// Adds uniformly drawn pairs to an empty store until it holds edge_target edges (the
+// generator is reseeded first).
+template <class G>
+void add_random_ties(G& g, int n, int64_t edge_target, Rng& rng, SeedSource& seeds) {
+    seeds.reseed(rng);
+    while (g.edge_count < edge_target) {
+        const int a = rng.node(n);
+        const int b = rng.node(n);
+        if (a != b && !has_edge(g, a, b)) {
+            add_edge(g, a, b);
+            update_shared_partners(g, a, b, 1);
+        }
+    }
+}
+
+// 2E / (n(n-1)); 0 for fewer than two nodes.
+template <class G>
+double density_of(const G& g) {
+    if (g.node_count < 2) return 0.0;
+    const double n = g.node_count;
+    return 2.0 * g.edge_count / (n * (n - 1.0));
+}
+
+}  // namespace vexa::graph_building
