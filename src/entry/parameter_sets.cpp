@@ -7,6 +7,7 @@
 #include "base/errors.h"
 #include "base/matrix_text.h"
 #include "base/text_file.h"
+#include "entry/run_driver.h"
 #include "entry/run_file.h"
 #include "model/parameter_vector.h"
 #include "numeric/matrix.h"
@@ -133,21 +134,7 @@ void draw_parameter_sets(const std::string& run_file, int count, const std::stri
 int draw_parameter_sets_entry(const std::string& run_file, int count, const std::string& sets_path,
                               const RunOptions& options) noexcept {
     FILE* console = options.console != nullptr ? options.console : stdout;
-    int result = 1;
-    try {
-        draw_parameter_sets(run_file, count, sets_path, options);
-        result = 0;
-    } catch (const VexaError& error) {
-        std::fprintf(console, "%s\n", error.what());
-    } catch (const std::bad_alloc&) {
-        std::fprintf(console, "vexa: out of memory; the run was stopped\n");
-    } catch (const std::exception& error) {
-        std::fprintf(console, "vexa: the run was stopped: %s\n", error.what());
-    } catch (...) {
-        std::fprintf(console, "vexa: the run was stopped by an unexpected error\n");
-    }
-    std::fflush(console);
-    return result;
+    return run_guarded(console, [&] { draw_parameter_sets(run_file, count, sets_path, options); });
 }
 
 }  // namespace vexa

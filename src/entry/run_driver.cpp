@@ -45,26 +45,12 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
 
 int run_entry(const char* run_file, const RunOptions& options) noexcept {
     FILE* console = options.console != nullptr ? options.console : stdout;
-    try {
-        if (run_file == nullptr || run_file[0] == '\0') {
-            std::fprintf(console, "vexa: no run file was given\n");
-            std::fflush(console);
-            return 1;
-        }
-        run_driver(run_file, options);
+    if (run_file == nullptr || run_file[0] == '\0') {
+        std::fprintf(console, "vexa: no run file was given\n");
         std::fflush(console);
-        return 0;
-    } catch (const VexaError& error) {
-        std::fprintf(console, "%s\n", error.what());
-    } catch (const std::bad_alloc&) {
-        std::fprintf(console, "vexa: out of memory; the run was stopped\n");
-    } catch (const std::exception& error) {
-        std::fprintf(console, "vexa: the run was stopped: %s\n", error.what());
-    } catch (...) {
-        std::fprintf(console, "vexa: the run was stopped by an unexpected error\n");
+        return 1;
     }
-    std::fflush(console);
-    return 1;
+    return run_guarded(console, [&] { run_driver(run_file, options); });
 }
 
 }  // namespace vexa

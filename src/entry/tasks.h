@@ -69,13 +69,21 @@ inline GofPlan gof_plan_after_estimation(double steps_per_draw) {
 
 inline SamplingPlan sampling_plan(const RunSettings& s) { return gof_plan(s).sampling; }
 
+// The model statistics of a network, one per slot.
 template <class Store>
-void write_statistics_file(const std::string& path, const Model& model, const Store& store,
-                           const std::vector<Term<Store>>& terms) {
-    std::vector<double> statistics(static_cast<size_t>(model.parameter_count()), 0.0);
+std::vector<double> statistics_of(const Store& store, const std::vector<Term<Store>>& terms,
+                                  int count) {
+    std::vector<double> statistics(static_cast<size_t>(count), 0.0);
     Workspace workspace;
     prepare_workspace(workspace, terms);
     compute_totals(store, terms, workspace, statistics);
+    return statistics;
+}
+
+template <class Store>
+void write_statistics_file(const std::string& path, const Model& model, const Store& store,
+                           const std::vector<Term<Store>>& terms) {
+    const std::vector<double> statistics = statistics_of(store, terms, model.parameter_count());
     OutFile out(path, OpenMode::truncate);
     write_statistics_report(out, parameter_labels(model, LabelStyle::report, LabelOrder::catalogue),
                             statistics);
@@ -215,12 +223,7 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
     context.seeds.reseed(context.rng);
 
     // The observed network's values, before sampling.
-    std::vector<double> observed_statistics(static_cast<size_t>(p), 0.0);
-    {
-        Workspace workspace;
-        prepare_workspace(workspace, setup.terms);
-        compute_totals(setup.observed, setup.terms, workspace, observed_statistics);
-    }
+    const std::vector<double> observed_statistics = statistics_of(setup.observed, setup.terms, p);
     typename Traits::Scratch scratch;
     const SampleMeasures observed_measures = Traits::measure(setup.observed, scratch);
     Embedding* host = context.embedding;
@@ -332,12 +335,7 @@ void bayesian_goodness_of_fit(RunContext& context, TaskSetup<Store>& setup) {
     }
     write_spss(context, context.names.simulation);
 
-    std::vector<double> observed_statistics(static_cast<size_t>(p), 0.0);
-    {
-        Workspace workspace;
-        prepare_workspace(workspace, setup.terms);
-        compute_totals(setup.observed, setup.terms, workspace, observed_statistics);
-    }
+    const std::vector<double> observed_statistics = statistics_of(setup.observed, setup.terms, p);
     typename Traits::Scratch scratch;
     const SampleMeasures observed_measures = Traits::measure(setup.observed, scratch);
     {
