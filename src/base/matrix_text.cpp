@@ -105,7 +105,7 @@ std::vector<std::string> read_words(const std::string& path, const char* what) {
 
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell) {
-    FILE* file = std::fopen(path.c_str(), "rb");
+    FILE* file = open_file(path, "rb");
     if (file == nullptr) {
         throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
     }

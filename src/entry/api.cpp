@@ -133,7 +133,11 @@ struct Console {
     FILE* file = std::tmpfile();
     FILE* null = nullptr;
     Console() {
+#ifdef _WIN32
+        if (file == nullptr) null = std::fopen("NUL", "w");
+#else
         if (file == nullptr) null = std::fopen("/dev/null", "w");
+#endif
     }
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
