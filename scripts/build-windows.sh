@@ -30,6 +30,9 @@ done
 [ "$run_tests" = 1 ] || exit 0
 
 cd "$build"
+# Wine makes its prefix on first use, which takes a while and can fail the program that
+# triggered it on a fresh machine: make it here, before the tests start side by side.
+"$root/scripts/wine-run.sh" "$build/vexa.exe" --help >/dev/null 2>&1 || true
 ctest --output-on-failure -j "$(nproc)" -LE slow
 
 # The main job through vexa.exe against the Linux build's report, when there is one.

@@ -95,12 +95,14 @@ int main(int argc, char** argv) {
                 g.shared_partners.size(), g.shared_partners.capacity());
     std::fflush(stdout);
 
-    // Estimation on the simulated network, from the parameters it was simulated with moved
-    // away a little.
+    // Estimation on the simulated network from where a run file starts it: the edge parameter
+    // at the observed log-odds of a tie, the others at 0.
     const SparseGraph observed = g;
     SparseGraph working = observed;
     Chain<SparseGraph> estimation_chain = make_chain(working, terms, 4, sampler, rng);
-    std::vector<double> parameters{theta[0] - 0.2, 0.0, 0.0, 0.0};
+    const double observed_density = density(observed);
+    std::vector<double> parameters{std::log(observed_density / (1.0 - observed_density)), 0.0, 0.0,
+                                   0.0};
     Matrix D = make_matrix(4, 4, 0.0);
     start = Clock::now();
     const double estimation_cpu = cpu_seconds();

@@ -2,6 +2,7 @@
 // the row and the value, no output file, and a failed status for the command line.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <functional>
@@ -195,7 +196,8 @@ TEST(Settings, SpssSyntaxLoadsTheTableWhoseColumnsItNames) {
             testing::lines_of(testing::read_text(dir + "/out/sim_net.sps"));
         ASSERT_GT(syntax.size(), 2u);
         const std::string& load = syntax[1];  // /FILE = 'path'
-        const std::string table = load.substr(9, load.size() - 10);
+        std::string table = load.substr(9, load.size() - 10);
+        std::replace(table.begin(), table.end(), '\\', '/');  // Windows names use backslashes
         EXPECT_EQ(table, task == 1 ? "out/sample_statistics_net.txt" : "out/simulation_net.txt");
         std::vector<std::string> named;
         for (size_t k = 8; k < syntax.size() && syntax[k] != "CACHE."; ++k)
