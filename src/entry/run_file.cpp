@@ -192,6 +192,21 @@ double double_row(Reader& reader, const std::string& setting, int32_t* line = nu
     if (line != nullptr) *line = peek_line(reader);
     return read_double(reader, setting);
 }
+// A row whose value may not fall below `least`: a smaller one is refused as "<rule>, found v".
+int32_t int_row_at_least(Reader& reader, const char* setting, int32_t least, const char* rule,
+                         int32_t* line = nullptr) {
+    int32_t at = 0;
+    const int32_t value = int_row(reader, setting, &at);
+    if (line != nullptr) *line = at;
+    if (value < least) impossible(reader, at, setting, format_message("%s, found %d", rule, value));
+    return value;
+}
+double double_row_at_least(Reader& reader, const char* setting, double least, const char* rule) {
+    int32_t at = 0;
+    const double value = double_row(reader, setting, &at);
+    if (value < least) impossible(reader, at, setting, format_message("%s, found %g", rule, value));
+    return value;
+}
 std::string line_row(Reader& reader, const std::string& setting) {
     skip_label(reader, setting);
     return read_text_line(reader, setting);
@@ -369,38 +384,22 @@ void read_output_flags(Reader& reader, RunSettings& settings) {
 // The estimation rows, each refused when no estimation could be run with it.
 void read_estimation_rows(Reader& reader, RunSettings& settings) {
     int32_t line = 0;
-    settings.subphase_count = int_row(reader, "subphase_count", &line);
-    if (settings.subphase_count < 0) {
-        impossible(reader, line, "subphase_count",
-                   format_message("the number of sub-phases must be 0 or more, found %d",
-                                  settings.subphase_count));
-    }
+    settings.subphase_count =
+        int_row_at_least(reader, "subphase_count", 0, "the number of sub-phases must be 0 or more");
     settings.start_a_value = float_row(reader, "start_a_value", &line);
     if (!(settings.start_a_value > 0.0f)) {
         impossible(reader, line, "start_a_value",
                    format_message("the starting gain must be above 0, found %g",
                                   static_cast<double>(settings.start_a_value)));
     }
-    settings.multiplication_factor = int_row(reader, "multiplication_factor", &line);
-    if (settings.multiplication_factor < 1) {
-        impossible(reader, line, "multiplication_factor",
-                   format_message("the multiplication factor must be at least 1, found %d",
-                                  settings.multiplication_factor));
-    }
-    settings.phase3_steps = int_row(reader, "phase3_steps", &line);
+    settings.multiplication_factor = int_row_at_least(
+        reader, "multiplication_factor", 1, "the multiplication factor must be at least 1");
     // Standard errors and t-ratios need the spread of at least two draws.
-    if (settings.phase3_steps < 2) {
-        impossible(reader, line, "phase3_steps",
-                   format_message("phase 3 needs at least 2 draws for standard errors and "
-                                  "t-ratios, found %d",
-                                  settings.phase3_steps));
-    }
-    settings.estimation_runs = int_row(reader, "estimation_runs", &line);
-    if (settings.estimation_runs < 1) {
-        impossible(reader, line, "estimation_runs",
-                   format_message("at least 1 estimation run is needed, found %d",
-                                  settings.estimation_runs));
-    }
+    settings.phase3_steps =
+        int_row_at_least(reader, "phase3_steps", 2,
+                         "phase 3 needs at least 2 draws for standard errors and t-ratios");
+    settings.estimation_runs =
+        int_row_at_least(reader, "estimation_runs", 1, "at least 1 estimation run is needed");
     settings.gof_after_estimation = int_row(reader, "gof_after_estimation");
 }
 
@@ -408,12 +407,8 @@ void read_estimation_rows(Reader& reader, RunSettings& settings) {
 void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     const int32_t task = settings.task;
     int32_t line = 0;
-    settings.node_count = int_row(reader, "node_count", &line);
-    if (settings.node_count < 1) {
-        impossible(
-            reader, line, "node_count",
-            format_message("the network needs at least 1 node, found %d", settings.node_count));
-    }
+    settings.node_count =
+        int_row_at_least(reader, "node_count", 1, "the network needs at least 1 node");
     if (task == 1) {
         settings.initial_density = float_row(reader, "initial_density");
     } else {
@@ -421,11 +416,8 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     }
     settings.degree_cap_given = int_row(reader, "degree_cap_given");
     if (settings.degree_cap_given == 1) {
-        settings.degree_cap = int_row(reader, "degree_cap", &settings.degree_cap_line);
-        if (settings.degree_cap < 0) {
-            impossible(reader, settings.degree_cap_line, "degree_cap",
-                       format_message("the cap must be 0 or more, found %d", settings.degree_cap));
-        }
+        settings.degree_cap = int_row_at_least(reader, "degree_cap", 0, "the cap must be 0 or more",
+                                               &settings.degree_cap_line);
     }
 
     read_structural_section(reader, model);
@@ -442,34 +434,18 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
         return;
     }
     read_output_flags(reader, settings);
-    settings.burn_in = double_row(reader, "burn_in", &line);
-    if (settings.burn_in < 0.0) {
-        impossible(
-            reader, line, "burn_in",
-            format_message("the burn-in must be 0 or more steps, found %g", settings.burn_in));
-    }
+    settings.burn_in =
+        double_row_at_least(reader, "burn_in", 0.0, "the burn-in must be 0 or more steps");
     if (task == 4) {
-        settings.sample_count = int_row(reader, "sample_count", &line);
-        if (settings.sample_count < 1) {
-            impossible(reader, line, "sample_count",
-                       format_message("at least 1 parameter set must be used, found %d",
-                                      settings.sample_count));
-        }
+        settings.sample_count =
+            int_row_at_least(reader, "sample_count", 1, "at least 1 parameter set must be used");
         return;
     }
-    settings.iterations = double_row(reader, "iterations", &line);
-    if (settings.iterations < 0.0) {
-        impossible(reader, line, "iterations",
-                   format_message("the number of proposals must be 0 or more, found %g",
-                                  settings.iterations));
-    }
-    settings.sample_count = int_row(reader, "sample_count", &line);
+    settings.iterations =
+        double_row_at_least(reader, "iterations", 0.0, "the number of proposals must be 0 or more");
     // The sample is thinned to one network per so many steps.
-    if (settings.sample_count < 1) {
-        impossible(
-            reader, line, "sample_count",
-            format_message("at least 1 network must be kept, found %d", settings.sample_count));
-    }
+    settings.sample_count =
+        int_row_at_least(reader, "sample_count", 1, "at least 1 network must be kept", &line);
     settings.thinning_interval =
         std::trunc(settings.iterations / static_cast<double>(settings.sample_count));
     // Simulation and goodness of fit alike: a plan that keeps no sample is refused here, before
