@@ -1,16 +1,20 @@
 #!/usr/bin/env bash
 # Installs what vexa needs to build and test on Debian, skipping what is already there.
-# With --windows, also the MinGW-w64 cross-compiler and Wine for the Windows build.
+# With --windows, also the MinGW-w64 cross-compiler and Wine for the Windows build; with --r,
+# only what the R package needs.
 set -euo pipefail
 
 packages=(cmake g++ ninja-build libgtest-dev libbenchmark-dev default-jdk-headless python3 clang-format clang-tidy)
-if [ "${1:-}" = "--windows" ]; then
-    packages+=(g++-mingw-w64-x86-64-posix wine64)
-fi
-# --fuzz: also clang and its libFuzzer runtime, for scripts/fuzz.sh.
-if [ "${1:-}" = "--fuzz" ]; then
-    packages+=(clang libclang-rt-dev)
-fi
+for option in "$@"; do
+    case "$option" in
+        --windows) packages+=(g++-mingw-w64-x86-64-posix wine64) ;;
+        # clang and its libFuzzer runtime, for scripts/fuzz.sh.
+        --fuzz) packages+=(clang libclang-rt-dev) ;;
+        # R, Rcpp, testthat and the network package, for the R package.
+        --r) packages=(r-base-core r-base-dev r-cran-rcpp r-cran-testthat r-cran-network) ;;
+        *) echo "setup: unknown option $option" >&2; exit 2 ;;
+    esac
+done
 missing=()
 for package in "${packages[@]}"; do
     case "$package" in
