@@ -210,13 +210,24 @@ void update_two_paths(Digraph& d, int i, int j, int added) {
 Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes) {
     Digraph d = create_digraph(n);
     MatrixNotes seen;
-    read_matrix_file(path, "network", n, [&](int a, int b, double value) {
-        note_cell(seen, a, b, value);
-        if (a != b && value == 1.0) {
+    const auto arc = [&](int a, int b, double value) {
+        if (a != b && value == 1.0 && !d.has_arc(a, b)) {
             add_arc(d, a, b);
             update_two_paths(d, a, b, 1);
         }
-    });
+    };
+    if (is_tie_list_file(path)) {
+        read_tie_list_file(path, "network", n, [&](int a, int b, double value, bool both) {
+            note_cell(seen, a, b, value);
+            arc(a, b, value);
+            if (both) arc(b, a, value);
+        });
+    } else {
+        read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+            note_cell(seen, a, b, value);
+            arc(a, b, value);
+        });
+    }
     if (notes != nullptr) *notes = seen;
     return d;
 }

@@ -13,10 +13,23 @@
 namespace vexa::graph_building {
 
 // Adds the ties of an n x n matrix file to an empty store G: a value of exactly 1 above the
-// diagonal is an edge. Notes cells other than 0 and 1 and pairs whose two cells disagree.
+// diagonal is an edge. Notes cells other than 0 and 1 and pairs whose two cells disagree. A
+// file that lists its ties instead adds every tie of value 1 as an edge.
 template <class G>
 void read_ties(G& g, const std::string& path, int n, MatrixNotes* notes) {
     MatrixNotes seen;
+    if (is_tie_list_file(path)) {
+        // Every listed tie is an edge, whichever way it is listed.
+        read_tie_list_file(path, "network", n, [&](int a, int b, double value, bool) {
+            note_cell(seen, a, b, value);
+            if (value == 1.0 && !has_edge(g, a, b)) {
+                add_edge(g, a, b);
+                update_shared_partners(g, a, b, 1);
+            }
+        });
+        if (notes != nullptr) *notes = seen;
+        return;
+    }
     read_matrix_file(path, "network", n, [&](int a, int b, double value) {
         note_cell(seen, a, b, value);
         if (a < b && value == 1.0 && !has_edge(g, a, b)) {
