@@ -1,13 +1,12 @@
 // Goodness of fit over parameter sets (task 4) run from run files through the entry: sets that
 // are all one vector reproduce an ordinary goodness of fit at that vector and, for digraphs,
-// the closed-form dyad distribution of arc and reciprocity; the bundled two-step workflow
-// (estimate, draw sets, run) on the marriage network; bad sets files end the run with one line.
+// the closed-form dyad distribution of arc and reciprocity; sets drawn around an estimate
+// centre on it; bad sets files end the run with one line.
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,22 +24,8 @@ namespace {
 using testing::GraphRunFile;
 using testing::lines_of;
 using testing::read_text;
+using testing::report_table;
 using testing::tab_fields;
-
-// The rows of the report's table under `header`, by label: observed, mean, stddev, t (and p).
-std::map<std::string, std::vector<double>> table(const std::string& report,
-                                                 const std::string& header) {
-    std::map<std::string, std::vector<double>> rows;
-    const std::vector<std::string> lines = lines_of(report);
-    size_t k = 0;
-    while (k < lines.size() && lines[k] != header) ++k;
-    for (++k; k < lines.size() && !lines[k].empty(); ++k) {
-        const std::vector<std::string> fields = tab_fields(lines[k]);
-        std::vector<double>& values = rows[fields[0]];
-        for (size_t f = 1; f < fields.size(); ++f) values.push_back(std::stod(fields[f]));
-    }
-    return rows;
-}
 
 const std::string gof_header = "effects\tobserved\tmean\tstddev\tt-ratio";
 const std::string bayes_header = gof_header + "\tp-value";
@@ -51,25 +36,18 @@ std::string repeated(const std::string& line, int count) {
     return text;
 }
 
-GraphRunFile marriage(const std::string& dir) {
-    std::filesystem::copy_file(testing::data_path("flomarriage.txt"), dir + "/flomarriage.txt");
-    GraphRunFile file;
-    file.network_file = "flomarriage.txt";
-    return file;
-}
-
 TEST(BayesianGof, EqualSetsAgreeWithOrdinaryGoodnessOfFitAtThatVector) {
     // The example's alternating vector. The ordinary run keeps 500 networks one every 1000
     // steps (8 toggles a dyad apart); the Bayesian run ends 400 chains of 3000 steps each.
     const std::string dir = testing::scratch_directory("bayes_equal_sets");
-    GraphRunFile file = marriage(dir);
+    GraphRunFile file = testing::on_network(dir, "flomarriage.txt");
     file.effects = {{"edge", {-1.2, 0}}, {"AS", {-0.5, 2}}, {"AT", {0.08, 2}}, {"A2P", {0.25, 2}}};
     file.task = 3;
     file.burn_in = 10000;
     file.iterations = 500000;
     file.samples = 500;
     testing::run_vexa(dir, file, 21);
-    const auto ordinary = table(read_text(dir + "/out/gof_net.txt"), gof_header);
+    const auto ordinary = report_table(read_text(dir + "/out/gof_net.txt"), gof_header);
 
     testing::write_text(dir + "/sets.txt", repeated("-1.2\t-0.5\t0.08\t0.25", 400));
     file.task = 4;
@@ -79,7 +57,7 @@ TEST(BayesianGof, EqualSetsAgreeWithOrdinaryGoodnessOfFitAtThatVector) {
     file.samples = 400;
     testing::run_vexa(dir, file, 22);
     const std::string report = read_text(dir + "/out/gof_bayes.txt");
-    const auto bayes = table(report, bayes_header);
+    const auto bayes = report_table(report, bayes_header);
     EXPECT_NE(report.find("edge\t-1.20000\t0.00000\n"), std::string::npos) << report;
     for (const char* label : {"edge", "AS(2.00)", "AT(2.00)", "A2P(2.00)"}) {
         const std::vector<double>& g = ordinary.at(label);
@@ -103,11 +81,7 @@ TEST(BayesianGof, DigraphDrawsAtTheClosedFormEstimateFollowTheDyadDistribution) 
     // observed shares): arcs 88 with sd sqrt(144 - 88^2/153) = 9.66, mutual dyads 28 with sd
     // sqrt(28 x 125 / 153) = 4.78.
     const std::string dir = testing::scratch_directory("bayes_digraph");
-    testing::write_text(dir + "/samplike.txt", read_text(testing::data_path("samplike.txt")));
-    GraphRunFile file;
-    file.kind = NetworkKind::digraph;
-    file.nodes = 18;
-    file.network_file = "samplike.txt";
+    GraphRunFile file = testing::on_network(dir, "samplike.txt", NetworkKind::digraph, 18);
     file.task = 4;
     const double arc = std::log(16.0 / 93.0), reciprocity = std::log(28.0 * 93.0 / 256.0);
     file.effects = {{"arc", {arc, 0}}, {"reciprocity", {reciprocity, 0}}};
@@ -119,17 +93,15 @@ TEST(BayesianGof, DigraphDrawsAtTheClosedFormEstimateFollowTheDyadDistribution) 
     file.samples = 300;
     testing::run_vexa(dir, file, 8);
     const std::string report = read_text(dir + "/out/gof_net.txt");
-    const auto rows = table(report, bayes_header);
+    const auto rows = report_table(report, bayes_header);
     ASSERT_EQ(rows.count("arc"), 1u) << report;
     EXPECT_NEAR(rows.at("arc")[1], 88.0, 4.5 * 9.66 / std::sqrt(300.0));
     EXPECT_NEAR(rows.at("recip")[1], 28.0, 4.5 * 4.78 / std::sqrt(300.0));
-    EXPECT_NE(report.find("\nGOF on Triad Census\nTriad\tobserved\tmean\tstddev\tt-ratio\n"),
-              std::string::npos);
 }
 
 TEST(BayesianGof, BadSetsFilesEndTheRunWithOneLine) {
     const std::string dir = testing::scratch_directory("bayes_bad_sets");
-    GraphRunFile file = marriage(dir);
+    GraphRunFile file = testing::on_network(dir, "flomarriage.txt");
     file.task = 4;
     file.effects = {{"edge", {-1.6, 0}}, {"AS", {0.1, 2}}};
     file.parameter_sets_file = "sets.txt";
@@ -162,21 +134,15 @@ TEST(BayesianGof, BadSetsFilesEndTheRunWithOneLine) {
     EXPECT_NE(read_text(dir + "/out/gof_net.txt").find("Proposed 2 parameter sets.\n"),
               std::string::npos);
     EXPECT_EQ(lines_of(read_text(dir + "/out/sample_statistics_net.txt")).size(), 3u);
-
-    file.samples = 0;
-    const std::vector<std::string> zero = lines_of(testing::run_vexa(dir, file, 1));
-    ASSERT_EQ(zero.size(), 1u);
-    EXPECT_NE(zero[0].find("sample_count"), std::string::npos) << zero[0];
 }
 
-// The two steps of the README on the bundled marriage network: estimate the alternating model,
-// draw 200 sets around the estimate, run the bundled Bayesian run file on them.
-TEST(BayesianGof, MarriageWorkflowWidensTheSpreadOverAnOrdinaryGoodnessOfFit) {
+// The first two steps of the README on the bundled marriage network: estimate the alternating
+// model, draw 200 sets around the estimate (what the bundled Bayesian run makes of them is the
+// goldens' concern).
+TEST(BayesianGof, SetsDrawnAfterAnEstimationCentreOnTheEstimates) {
     const std::string dir = testing::scratch_directory("bayes_workflow");
-    for (const char* name :
-         {"flomarriage.txt", "flomarriage_alternating.txt", "flomarriage_bayes.txt"}) {
+    for (const char* name : {"flomarriage.txt", "flomarriage_alternating.txt"})
         std::filesystem::copy_file(testing::example_path(name), dir + "/" + name);
-    }
     std::filesystem::create_directories(dir + "/out");
     const testing::WorkingDirectory here(dir);
     RunOptions options;
@@ -198,62 +164,18 @@ TEST(BayesianGof, MarriageWorkflowWidensTheSpreadOverAnOrdinaryGoodnessOfFit) {
         for (const std::string& value : tab_fields(line)) sets.back().push_back(std::stod(value));
     }
     ASSERT_EQ(sets.size(), 200u);
+    // Their variances follow the covariance's diagonal: 200 normal draws keep a sample variance
+    // within 30% of the truth but for about one chance in 400.
     for (int k = 0; k < 4; ++k) {
-        double mean = 0.0;
-        for (const std::vector<double>& set : sets) mean += set.at(static_cast<size_t>(k)) / 200.0;
+        double mean = 0.0, squares = 0.0;
+        for (const std::vector<double>& set : sets) {
+            mean += set.at(static_cast<size_t>(k)) / 200.0;
+            squares += set[static_cast<size_t>(k)] * set[static_cast<size_t>(k)] / 200.0;
+        }
         EXPECT_NEAR(mean, estimates[static_cast<size_t>(k)],
                     4.5 * std::sqrt(covariance[k][k] / 200.0))
             << k;
-    }
-
-    ASSERT_EQ(run_entry("flomarriage_bayes.txt", options), 0);
-    const std::string report = read_text("out/gof_flomarriage_bayes.txt");
-    for (const char* part :
-         {"BAYESIAN GOODNESS OF FIT\n", "Proposed 200 parameter sets.\n",
-          "Samples were picked up with burnin 10000\n", "\nACCEPTANCE RATE: ", "THIRD QUARTILES\n",
-          "Mahalanobis distance =", "Draws that ended at the empty network: ",
-          "Draws that ended at the complete network: "}) {
-        EXPECT_NE(report.find(part), std::string::npos) << part << "\n" << report;
-    }
-    const auto rows = table(report, bayes_header);
-    EXPECT_EQ(rows.size(), 4u + 5u);
-    for (const auto& [label, values] : rows) EXPECT_EQ(values.size(), 5u) << label;
-
-    // A misfitting vector, the estimate with the edge parameter 1.5 lower: an ordinary goodness
-    // of fit there gives t-ratios larger in size than one over sets drawn around it with the
-    // estimate's covariance, whose spread carries the parameters' uncertainty.
-    std::vector<double> misfit = estimates;
-    misfit[0] -= 1.5;
-    GraphRunFile file;
-    file.network_file = "flomarriage.txt";
-    file.name = "misfit";
-    file.effects = {{"edge", {misfit[0], 2}},
-                    {"AS", {misfit[1], 2}},
-                    {"AT", {misfit[2], 2}},
-                    {"A2P", {misfit[3], 2}}};
-    file.task = 3;
-    file.burn_in = 10000;
-    file.iterations = 200000;
-    file.samples = 200;
-    testing::run_vexa(dir, file, 31);
-    const auto ordinary = table(read_text(dir + "/out/gof_misfit.txt"), gof_header);
-
-    // The sets around the estimate, shifted with it, are draws around the misfitting vector.
-    std::string text;
-    for (const std::vector<double>& set : sets) {
-        text += std::to_string(set[0] - 1.5) + " " + std::to_string(set[1]) + " " +
-                std::to_string(set[2]) + " " + std::to_string(set[3]) + "\n";
-    }
-    testing::write_text(dir + "/misfit_sets.txt", text);
-    file.task = 4;
-    file.name = "misfit_bayes";
-    file.parameter_sets_file = "misfit_sets.txt";
-    testing::run_vexa(dir, file, 33);
-    const auto widened = table(read_text(dir + "/out/gof_misfit_bayes.txt"), bayes_header);
-    for (const char* label : {"edge", "AS(2.00)", "AT(2.00)", "A2P(2.00)"}) {
-        EXPECT_GT(std::fabs(ordinary.at(label)[3]), 2.0) << label;
-        EXPECT_LT(std::fabs(widened.at(label)[3]), std::fabs(ordinary.at(label)[3])) << label;
-        EXPECT_GT(widened.at(label)[2], ordinary.at(label)[2]) << label;
+        EXPECT_NEAR((squares - mean * mean) / covariance[k][k], 1.0, 0.3) << k;
     }
     std::fclose(options.console);
 }

@@ -2,12 +2,10 @@
 // the row and the value, no output file, and a failed status for the command line.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "support/run_files.h"
 #include "support/test_support.h"
@@ -19,21 +17,11 @@ using testing::GraphRunFile;
 using testing::run_vexa;
 using testing::value_line;
 
-size_t files_in(const std::string& directory) {
-    size_t count = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(directory))
-        ++count;
-    return count;
-}
-
 TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
     const std::string dir = testing::scratch_directory("settings_refused");
-    for (const char* network : {"flomarriage.txt", "samplike.txt"})
-        std::filesystem::copy_file(testing::data_path(network), dir + "/" + network);
+    testing::on_network(dir, "samplike.txt");
     const std::string path = dir + "/run.txt";
-
-    GraphRunFile estimation;
-    estimation.network_file = "flomarriage.txt";
+    GraphRunFile estimation = testing::on_network(dir, "flomarriage.txt");
     estimation.effects = {{"edge", {-1.6, 0.0}}, {"AS", {0.1, 2.0}}};
     GraphRunFile simulation = estimation;
     simulation.task = 1;
@@ -44,6 +32,17 @@ TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
     gof.task = 3;
 
     using Edit = std::function<void(GraphRunFile&)>;
+    const std::string phase3 =
+        "(phase3_steps): phase 3 needs at least 2 draws for standard errors and t-ratios, found ";
+    const std::string samples =
+        "(sample_count): 1001 networks cannot be kept from 1000 iterations: a sample every 0 "
+        "proposals keeps none (sample_count must be at most iterations)";
+    const auto lambda = [](const char* value) {
+        return std::string("(AS: lambda): lambda ") + value +
+               " is below 1, where an alternating effect's weights (1 - 1/lambda)^k no longer "
+               "fall steadily to 0: it has no proper change statistic and the model is "
+               "degenerate; give 1 or more (0 for the default, 2)";
+    };
     const struct {
         const GraphRunFile& base;
         Edit edit;
@@ -60,12 +59,8 @@ TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
          "(start_a_value): the starting gain must be above 0, found -0.5"},
         {estimation, [](GraphRunFile& f) { f.factor = 0; }, "factor",
          "(multiplication_factor): the multiplication factor must be at least 1, found 0"},
-        {estimation, [](GraphRunFile& f) { f.phase3 = 0; }, "phase3",
-         "(phase3_steps): phase 3 needs at least 2 draws for standard errors and t-ratios, "
-         "found 0"},
-        {estimation, [](GraphRunFile& f) { f.phase3 = 1; }, "phase3",
-         "(phase3_steps): phase 3 needs at least 2 draws for standard errors and t-ratios, "
-         "found 1"},
+        {estimation, [](GraphRunFile& f) { f.phase3 = 0; }, "phase3", phase3 + "0"},
+        {estimation, [](GraphRunFile& f) { f.phase3 = 1; }, "phase3", phase3 + "1"},
         {estimation, [](GraphRunFile& f) { f.degree_cap = -2; }, "degree_cap",
          "(degree_cap): the cap must be 0 or more, found -2"},
         // Flomarriage: node 9 (the Medici) has 6 ties; samplike: node 1 sends 6 arcs.
@@ -83,12 +78,8 @@ TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
          "degree_cap",
          "(degree_cap): the cap 4 is below the out-degree 6 of node 1 (row 1 of network file "
          "'samplike.txt'); it must be at least the observed network's largest out-degree"},
-        {simulation, [](GraphRunFile& f) { f.samples = 1001; }, "samples",
-         "(sample_count): 1001 networks cannot be kept from 1000 iterations: a sample every 0 "
-         "proposals keeps none (sample_count must be at most iterations)"},
-        {gof, [](GraphRunFile& f) { f.samples = 1001; }, "samples",
-         "(sample_count): 1001 networks cannot be kept from 1000 iterations: a sample every 0 "
-         "proposals keeps none (sample_count must be at most iterations)"},
+        {simulation, [](GraphRunFile& f) { f.samples = 1001; }, "samples", samples},
+        {gof, [](GraphRunFile& f) { f.samples = 1001; }, "samples", samples},
         {simulation, [](GraphRunFile& f) { f.iterations = -10; }, "iterations",
          "(iterations): the number of proposals must be 0 or more, found -10"},
         {gof, [](GraphRunFile& f) { f.burn_in = -1; }, "burn_in",
@@ -97,18 +88,12 @@ TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
          [](GraphRunFile& f) {
              f.effects["AS"] = {0.1, 0.5};
          },
-         "AS",
-         "(AS: lambda): lambda 0.5 is below 1, where an alternating effect's weights (1 - "
-         "1/lambda)^k no longer fall steadily to 0: it has no proper change statistic and the "
-         "model is degenerate; give 1 or more (0 for the default, 2)"},
+         "AS", lambda("0.5")},
         {estimation,
          [](GraphRunFile& f) {
              f.effects["AS"] = {0.1, -2.0};
          },
-         "AS",
-         "(AS: lambda): lambda -2 is below 1, where an alternating effect's weights (1 - "
-         "1/lambda)^k no longer fall steadily to 0: it has no proper change statistic and the "
-         "model is degenerate; give 1 or more (0 for the default, 2)"},
+         "AS", lambda("-2")},
         {estimation,
          [](GraphRunFile& f) {
              f.effects["AS"] = {0.1, INFINITY};
@@ -127,7 +112,7 @@ TEST(Settings, ImpossibleSettingsAreRefusedNamingRowAndValue) {
             "vexa: run file '" + path + "', line " + std::to_string(line) + " " + c.says + "\n";
         EXPECT_EQ(printed, expected);
         EXPECT_EQ(status, 1) << c.says;
-        EXPECT_EQ(files_in(dir + "/out"), 0u) << c.says;
+        EXPECT_TRUE(std::filesystem::is_empty(dir + "/out")) << c.says;
     }
 
     // An unknown task runs nothing and says so, as a refusal.
@@ -178,35 +163,6 @@ TEST(Settings, ValuedMatricesAreReadAsNoTieAndSaidOnce) {
               "(first at row 1, column 4); they are read as no tie\n");
     EXPECT_EQ(testing::read_text(dir + "/out/start_statistics_net.txt"),
               "\n***This graph contains:****\nedge\t2\n");
-}
-
-// The SPSS syntax names, after "id", the columns of the table it loads, in their order.
-TEST(Settings, SpssSyntaxLoadsTheTableWhoseColumnsItNames) {
-    const std::string dir = testing::scratch_directory("settings_spss");
-    std::filesystem::copy_file(testing::data_path("flomarriage.txt"), dir + "/flomarriage.txt");
-    GraphRunFile file;
-    file.network_file = "flomarriage.txt";
-    file.effects = {{"edge", {-1.6, 0.0}}, {"2-star", {0.01, 0.0}}, {"AT", {0.2, 2.0}}};
-    file.iterations = 100;
-    file.samples = 10;
-    for (const int task : {1, 3}) {
-        file.task = task;
-        run_vexa(dir, file, 1);
-        const std::vector<std::string> syntax =
-            testing::lines_of(testing::read_text(dir + "/out/sim_net.sps"));
-        ASSERT_GT(syntax.size(), 2u);
-        const std::string& load = syntax[1];  // /FILE = 'path'
-        std::string table = load.substr(9, load.size() - 10);
-        std::replace(table.begin(), table.end(), '\\', '/');  // Windows names use backslashes
-        EXPECT_EQ(table, task == 1 ? "out/sample_statistics_net.txt" : "out/simulation_net.txt");
-        std::vector<std::string> named;
-        for (size_t k = 8; k < syntax.size() && syntax[k] != "CACHE."; ++k)
-            named.push_back(syntax[k].substr(0, syntax[k].find(' ')));
-        const std::vector<std::string> header =
-            testing::tab_fields(testing::lines_of(testing::read_text(dir + "/" + table)).at(0));
-        EXPECT_EQ(named, (std::vector<std::string>{"id", "edge", "star2", "at"})) << task;
-        EXPECT_EQ(std::vector<std::string>(header.begin(), header.begin() + 4), named) << task;
-    }
 }
 
 }  // namespace

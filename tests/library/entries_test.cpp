@@ -45,15 +45,9 @@ struct StandInEnv {
 };
 
 std::string text_of(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(path, std::ios::binary).rdbuf();
     return text.str();
-}
-
-void write_file(const fs::path& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary);
-    out << text;
 }
 
 std::string bytes(const std::u8string& text) { return {text.begin(), text.end()}; }
@@ -93,7 +87,7 @@ TEST(LibraryEntries, RunFilesNamedBeyondAsciiOpenThroughBothEntries) {
     std::string run = text_of(fs::path(VEXA_TEST_DATA_DIR) / "jni_run.txt");
     run.replace(run.find("%WORK%/out"), 10, bytes(output_directory));
     run.replace(run.find("%WORK%/flomarriage.txt"), 22, bytes(network_file));
-    write_file(fs::path(run_file), run);
+    std::ofstream(fs::path(run_file), std::ios::binary) << run;
 
     // The C entry takes UTF-8. The Florentine marriage network has 20 ties.
     EXPECT_EQ(vexa_run(bytes(run_file).c_str()), 0);

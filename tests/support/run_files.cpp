@@ -86,6 +86,16 @@ std::string GraphRunFile::write(const std::string& dir, const std::string& file)
     return path;
 }
 
+GraphRunFile on_network(const std::string& dir, const std::string& network, NetworkKind kind,
+                        int nodes) {
+    write_text(dir + "/" + network, read_text(data_path(network)));
+    GraphRunFile file;
+    file.kind = kind;
+    file.nodes = nodes;
+    file.network_file = network;
+    return file;
+}
+
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed, bool confirm,
                      int* status) {
     const WorkingDirectory here(dir);
@@ -123,6 +133,20 @@ std::vector<std::string> tab_fields(const std::string& line) {
     std::istringstream in(line);
     while (std::getline(in, field, '\t')) out.push_back(field);
     return out;
+}
+
+std::map<std::string, std::vector<double>> report_table(const std::string& report,
+                                                        const std::string& header) {
+    std::map<std::string, std::vector<double>> rows;
+    const std::vector<std::string> lines = lines_of(report);
+    size_t k = 0;
+    while (k < lines.size() && lines[k] != header) ++k;
+    for (++k; k < lines.size() && !lines[k].empty(); ++k) {
+        const std::vector<std::string> fields = tab_fields(lines[k]);
+        std::vector<double>& values = rows[fields[0]];
+        for (size_t f = 1; f < fields.size(); ++f) values.push_back(std::stod(fields[f]));
+    }
+    return rows;
 }
 
 std::vector<SummaryRow> last_summary(const std::string& report) {

@@ -48,6 +48,10 @@ struct GraphRunFile {
     std::string write(const std::string& dir, const std::string& file = "run.txt") const;
 };
 
+// A run file on a network of tests/data, copied into `dir`.
+GraphRunFile on_network(const std::string& dir, const std::string& network,
+                        NetworkKind kind = NetworkKind::graph, int nodes = 16);
+
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
 // With `confirm`, a converged estimation is checked with a long chain.
@@ -61,6 +65,10 @@ int value_line(const std::string& text, const std::string& label);
 
 std::vector<std::string> lines_of(const std::string& text);
 std::vector<std::string> tab_fields(const std::string& line);
+
+// The rows of a report's tab-separated table under the line `header`: label, then numbers.
+std::map<std::string, std::vector<double>> report_table(const std::string& report,
+                                                        const std::string& header);
 
 struct SummaryRow {
     std::string label;

@@ -1,4 +1,5 @@
-// The estimation report and the covariance file: exact text on hand-made runs.
+// The estimation report, the covariance file and the convergence file: exact text on hand-made
+// runs.
 
 #include "report/estimation_report.h"
 
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "report/convergence_report.h"
 #include "support/test_support.h"
 
 namespace vexa {
@@ -123,6 +125,30 @@ TEST(EstimationReport, StarOnlyForAConvergedEstimateBeyondTwoStandardErrors) {
               "e3\t-3.000000\t1.00000\t0.05000\t*\n"
               "e4\t300.000000\t1.00000\t0.15000\t\n"
               "e5\t2.000000\t1.00000\t0.10000\t*\n");
+}
+
+TEST(ConvergenceReport, BlockWithItsTableFiguresWarningAndVerdict) {
+    const std::vector<ParameterLabel> labels{label("edge", 0), label("AT", 1, 2.0f)};
+    ConvergenceCheck check;
+    check.t_ratios = {0.05, -0.125};
+    check.effective_sizes = {812.4, 95.6};
+    check.largest_t = 0.125;
+    check.overall_ratio = 0.2;
+    check.verdict = Verdict::not_converged;
+    const auto block = [&] {
+        return capture([&](FILE* out) { write_convergence_block(out, "Run 2", check, labels); });
+    };
+    const std::string table =
+        "Run 2\neffects\tt-ratio\teffective sample size\n"
+        "edge\t0.05000\t812\nAT(2.00)\t-0.12500\t96\n"
+        "largest t-ratio\t0.12500\noverall maximum convergence ratio\t0.20000\n";
+    EXPECT_EQ(block(), table + "verdict\tnot converged\n\n");
+    check.suggested_factor = 5;
+    check.verdict = Verdict::converged_but_noisy;
+    EXPECT_EQ(block(), table +
+                           "warning\tfewer than 100 effective draws: the t-ratios are too noisy to "
+                           "judge convergence; a multiplication factor of 5 would give enough\n"
+                           "verdict\tconverged but noisy\n\n");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// The simulation report, the parameter file, the sample statistics table and the accept file:
-// exact text for both network kinds.
+// The simulation report, the parameter file, the sample statistics table, the accept file and
+// the statistics report: exact text for both network kinds.
 
 #include "report/simulation_report.h"
 
@@ -8,6 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "effects/graph/graph_catalogue.h"
+#include "model/model.h"
+#include "model/terms.h"
+#include "report/statistics_report.h"
+#include "support/graphs.h"
+#include "support/kinds.h"
 #include "support/test_support.h"
 
 namespace vexa {
@@ -61,6 +67,24 @@ TEST(SimulationReport, SampleStatisticsAndAcceptFiles) {
               }),
               "Acceptance Rate (non-Digraph)\n     100\t  0.3700\n12345678\t  1.0000\n"
               "Acceptance Rate(Digraph)\n");
+}
+
+TEST(StatisticsReport, CountsWholeWeightedWithFiveDecimalsLambdaInTheLabel) {
+    // A star: centre 0 with leaves 1, 2, 3. Three edges, three 2-stars, one 3-star, so
+    // 2_3star = 3 - 1/2; AS at lambda 3 is 9 (w(3) - 1 + 1) = 9 (2/3)^3 = 8/3 (the leaves add 0).
+    const Graph g = testing::graph_of(4, {{0, 1}, {0, 2}, {0, 3}});
+    // Slots in another order than the catalogue's; the report follows the catalogue.
+    Model model = empty_model(NetworkKind::graph);
+    model.structural[static_cast<size_t>(GraphEffect::as)] = {0.0, 0, 3.0f};
+    model.structural[static_cast<size_t>(GraphEffect::edge)].slot = 1;
+    model.structural[static_cast<size_t>(GraphEffect::two3star)].slot = 2;
+    model.structural[static_cast<size_t>(GraphEffect::star2)].slot = 3;
+    model.structural_included = 4;
+    const std::vector<double> statistics = testing::totals_of(g, make_terms<Graph>(model), 4);
+    const auto labels = parameter_labels(model, LabelStyle::report, LabelOrder::catalogue);
+    EXPECT_EQ(
+        testing::capture([&](FILE* out) { write_statistics_report(out, labels, statistics); }),
+        "\n***This graph contains:****\nedge\t3\n2-star\t3\n2_3star\t2.50000\nAS(3.00)\t2.66667\n");
 }
 
 }  // namespace

@@ -1,14 +1,16 @@
-// The comparisons of goodness of fit against hand-worked samples and an identity of the
-// Mahalanobis forms.
+// The comparisons of goodness of fit, and the posterior predictive p-value of its form over
+// parameter sets, against hand-worked samples; an identity of the Mahalanobis forms.
 
 #include "simulation/goodness_of_fit.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include "numeric/rng.h"
+#include "simulation/bayesian_gof.h"
 
 namespace vexa {
 namespace {
@@ -24,11 +26,9 @@ TEST(GoodnessOfFit, ComparisonsAndQuartilesOfHandWorkedSamples) {
     EXPECT_TRUE(std::isnan(compare(3.0, {3.0}).t));
 
     // floor(q (N + 1)) reads past the end for one or three samples; it is kept inside.
-    EXPECT_EQ(quantile_index(0.75, 1), 0);
-    EXPECT_EQ(quantile_index(0.5, 1), 0);
-    EXPECT_EQ(quantile_index(0.75, 3), 2);
-    EXPECT_EQ(quantile_index(0.25, 3), 1);
-    EXPECT_EQ(quantile_index(0.5, 10), 5);
+    for (const auto& [q, n, index] :
+         {std::tuple{0.75, 1, 0}, {0.5, 1, 0}, {0.75, 3, 2}, {0.25, 3, 1}, {0.5, 10, 5}})
+        EXPECT_EQ(quantile_index(q, n), index) << q << " of " << n;
     // Sorted 1 1 2 3 4: median entry 3, range entry 4 - entry 1; two strictly below 2, two above.
     QuartileComparison q = compare_quartile(2, {4, 1, 3, 1, 2});
     EXPECT_EQ(q.median, 3);
@@ -79,6 +79,20 @@ TEST(GoodnessOfFit, MahalanobisOfHandWorkedAndCollinearSamples) {
     double sum = 0.0;
     for (const double form : m.sample_forms) sum += form;
     EXPECT_NEAR(sum, 150.0, 1e-9);
+}
+
+TEST(ParameterSets, PosteriorPredictiveP) {
+    // Sample 1..5. Observed 2: 4 of 5 at or above, 2 of 5 at or below, p = 2 x 2/5. Observed 3,
+    // the median: 2 x 3/5 is above 1, so 1. Beyond either end: 0. At the top: 2 x 1/5.
+    const std::vector<double> sample{5, 1, 4, 2, 3};
+    EXPECT_DOUBLE_EQ(posterior_predictive_p(2.0, sample), 0.8);
+    EXPECT_DOUBLE_EQ(posterior_predictive_p(3.0, sample), 1.0);
+    EXPECT_DOUBLE_EQ(posterior_predictive_p(0.5, sample), 0.0);
+    EXPECT_DOUBLE_EQ(posterior_predictive_p(6.0, sample), 0.0);
+    EXPECT_DOUBLE_EQ(posterior_predictive_p(5.0, sample), 0.4);
+    // Ties count on both sides: a sample that never varies from the observed value gives 1.
+    EXPECT_DOUBLE_EQ(posterior_predictive_p(7.0, {7, 7, 7}), 1.0);
+    EXPECT_DOUBLE_EQ(posterior_predictive_p(7.0, {}), 1.0);
 }
 
 }  // namespace
