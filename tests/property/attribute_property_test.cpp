@@ -210,15 +210,6 @@ void check_case(const AttributeCase& c) {
             const Values values = random_values(c.kind, n, seed++);
             const Model model = attribute_model(c.network, c.kind, c.row, values);
             const std::vector<Term<Store>> terms = make_terms<Store>(model);
-            Workspace workspace;
-            prepare_workspace(workspace, terms);
-            auto total = [&](const Store& s) { return testing::totals_of(s, terms, 1)[0]; };
-            auto change = [&](Store& s, int i, int j, int added) {
-                const double parameter = 1.0;
-                double out = 0.0;
-                change_statistics(s, terms, workspace, &parameter, &out, i, j, added);
-                return out;
-            };
             Store store = Fixture::build(matrix);
             double truth = 0.0;
             if constexpr (Store::kind == NetworkKind::graph) {
@@ -226,30 +217,11 @@ void check_case(const AttributeCase& c) {
             } else {
                 truth = digraph_recount(matrix, name, values);
             }
-            ASSERT_EQ(total(store), truth) << name << " total";
-            for (int i = 0; i < n; ++i) {
-                for (int j = Fixture::directed() ? 0 : i + 1; j < n; ++j) {
-                    if (i == j) continue;
-                    // Both states of the store, in the order that restores the network.
-                    for (int pass = 0; pass < 2; ++pass) {
-                        const bool tied = has_tie(store, i, j);
-                        const double before = total(store);
-                        if (tied) {
-                            remove_tie(store, i, j);
-                            const double c0 = change(store, i, j, 0);
-                            update_after_toggle(store, i, j, 0);
-                            ASSERT_EQ(c0, before - total(store))
-                                << name << " removing " << i << "," << j;
-                        } else {
-                            const double c1 = change(store, i, j, 1);
-                            add_tie(store, i, j);
-                            update_after_toggle(store, i, j, 1);
-                            ASSERT_EQ(c1, total(store) - before)
-                                << name << " adding " << i << "," << j;
-                        }
-                    }
-                }
-            }
+            ASSERT_EQ(testing::totals_of(store, terms, 1)[0], truth) << name << " total";
+            testing::check_changes_against_totals(
+                store, terms, [&](double change, double difference, const std::string& what) {
+                    EXPECT_EQ(change, difference) << name << " " << what;
+                });
             EXPECT_EQ(check_bookkeeping(store), "");
             EXPECT_TRUE(Fixture::adjacency(store).cells == matrix.cells);
         }

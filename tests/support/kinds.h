@@ -1,7 +1,7 @@
 #pragma once
 // What the suites that run over every network kind need of a kind: random networks as plain
-// adjacency matrices, a store built from one, the brute-force value of any catalogue row, the
-// dyads a toggle may change and a relabelling of the nodes. One specialisation per store type.
+// adjacency matrices, a store built from one and the brute-force value of any catalogue row
+// (one specialisation per store type); and the checks and helpers written once for every store.
 
 #include <cstdint>
 #include <string>
@@ -15,10 +15,41 @@
 #include "network/digraph.h"
 #include "network/graph.h"
 #include "network/sparse_graph.h"
+#include "numeric/rng.h"
 #include "support/brute_force.h"
 #include "support/digraph_brute_force.h"
 
 namespace vexa::testing {
+
+// Adds the tie when absent, removes it when present, with the bookkeeping of either.
+template <class Store>
+void toggle(Store& store, int i, int j) {
+    const bool adding = !has_tie(store, i, j);
+    adding ? add_tie(store, i, j) : remove_tie(store, i, j);
+    update_after_toggle(store, i, j, adding ? 1 : 0);
+}
+
+// Every array of two graph stores but the neighbour lists, whose order is free
+// (check_bookkeeping compares them with the adjacency as sets).
+inline bool same_store(const Graph& a, const Graph& b) {
+    return a.edge_count == b.edge_count && a.adjacency == b.adjacency &&
+           a.shared_partners == b.shared_partners && a.degree == b.degree &&
+           a.degree_histogram == b.degree_histogram &&
+           a.shared_partner_histogram == b.shared_partner_histogram && a.triangles == b.triangles &&
+           a.triangle_histogram == b.triangle_histogram;
+}
+
+// A store of n nodes holding `ties` ties drawn with the given seed.
+template <class Store>
+Store random_store(int n, int ties, uint32_t seed) {
+    Rng rng;
+    SeedSource seeds{.fixed = true, .base = seed};
+    if constexpr (Store::kind == NetworkKind::graph) {
+        return random_graph(n, ties, rng, seeds);
+    } else {
+        return random_digraph_by_count(n, ties, rng, seeds);
+    }
+}
 
 template <class Store>
 struct KindFixture;
@@ -50,19 +81,6 @@ struct KindFixture<Graph> {
     static double value(const Counts& counts, int row, double lambda) {
         return brute_force_value(counts, static_cast<GraphEffect>(row), lambda);
     }
-    // Unordered pairs i < j.
-    static bool directed() { return false; }
-    static bool tied(const Matrix& matrix, int i, int j) { return matrix(i, j); }
-    static Matrix relabel(const Matrix& matrix, const std::vector<int>& to) {
-        Matrix out(matrix.n);
-        for (int a = 0; a < matrix.n; ++a) {
-            for (int b = a + 1; b < matrix.n; ++b) {
-                if (matrix(a, b))
-                    out.set(to[static_cast<size_t>(a)], to[static_cast<size_t>(b)], true);
-            }
-        }
-        return out;
-    }
 };
 
 // The sparse store over the same networks and recounts.
@@ -72,10 +90,7 @@ struct KindFixture<SparseGraph> : KindFixture<Graph> {
         SparseGraph g = create_sparse_graph(matrix.n);
         for (int a = 0; a < matrix.n; ++a) {
             for (int b = a + 1; b < matrix.n; ++b) {
-                if (matrix(a, b)) {
-                    add_edge(g, a, b);
-                    update_shared_partners(g, a, b, 1);
-                }
+                if (matrix(a, b)) toggle(g, a, b);
             }
         }
         return g;
@@ -121,12 +136,6 @@ struct KindFixture<Digraph> {
     static double value(const Counts& counts, int row, double lambda) {
         return digraph_value(counts, static_cast<DigraphEffect>(row), lambda);
     }
-    // Ordered pairs i != j.
-    static bool directed() { return true; }
-    static bool tied(const Matrix& matrix, int i, int j) { return matrix(i, j); }
-    static Matrix relabel(const Matrix& matrix, const std::vector<int>& to) {
-        return relabelled(matrix, to);
-    }
 };
 
 // A model of the kind including only `row` (at slot 0) with the given lambda.
@@ -158,6 +167,37 @@ std::vector<double> totals_of(const Store& store, const std::vector<Term<Store>>
     prepare_workspace(workspace, terms);
     compute_totals(store, terms, workspace, statistics);
     return statistics;
+}
+
+// For every dyad, first in the state the store holds it and then in the other, so that the
+// network ends as it began: the change statistic of the one term against the difference of
+// the totals with and without the tie. The addition state lacks the tie everywhere; the removal
+// state lacks it in the adjacency and degrees while the pair counts still count it. `expect`
+// compares the change with the difference and names the step on failure.
+template <class Store, class Expect>
+void check_changes_against_totals(Store& store, const std::vector<Term<Store>>& terms,
+                                  Expect&& expect) {
+    Workspace workspace;
+    prepare_workspace(workspace, terms);
+    const double parameter = 1.0;
+    const int n = store.node_count;
+    for (int i = 0; i < n; ++i) {
+        for (int j = Store::kind == NetworkKind::graph ? i + 1 : 0; j < n; ++j) {
+            for (int pass = 0; pass < 2 && i != j; ++pass) {
+                const int added = has_tie(store, i, j) ? 0 : 1;
+                const double before = totals_of(store, terms, 1)[0];
+                double change = -12345.0;
+                if (added == 0) remove_tie(store, i, j);
+                change_statistics(store, terms, workspace, &parameter, &change, i, j, added);
+                if (added == 1) add_tie(store, i, j);
+                update_after_toggle(store, i, j, added);
+                const double after = totals_of(store, terms, 1)[0];
+                expect(change, added == 1 ? after - before : before - after,
+                       (added == 1 ? "adding " : "removing ") + std::to_string(i) + "," +
+                           std::to_string(j));
+            }
+        }
+    }
 }
 
 }  // namespace vexa::testing

@@ -1,3 +1,8 @@
+// The samplers of both network kinds: the acceptance rule at its edges; a rejected move leaves
+// the store and the statistics exactly as they were; long chains of every variant keep their
+// statistics equal to a recount, keep what their moves preserve and never touch the heap; the
+// degree caps and the mask are honoured; proposals that could never be found are refused.
+
 #include "sampler/steps.h"
 
 #include <gtest/gtest.h>
@@ -10,10 +15,8 @@
 #include <vector>
 
 #include "base/errors.h"
-#include "effects/graph/graph_catalogue.h"
 #include "model/model.h"
 #include "model/terms.h"
-#include "support/graphs.h"
 #include "support/kinds.h"
 
 // A sampler step must not touch the heap: this program's operator new counts its calls. Not
@@ -44,40 +47,17 @@ void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); 
 namespace vexa {
 namespace {
 
-// A model of the given effects with slots in the order given.
-Model model_of(std::initializer_list<GraphEffect> effects) {
-    std::vector<int> rows;
-    for (const GraphEffect effect : effects) rows.push_back(static_cast<int>(effect));
-    return testing::model_of(NetworkKind::graph, rows);
+using testing::same_store;
+
+const char* row_name(NetworkKind kind, int row) {
+    return structural_catalogue(kind).rows[static_cast<size_t>(row)].labels.report_name;
 }
 
-DyadMask mask_of(int n, std::initializer_list<std::pair<int, int>> dyads) {
-    DyadMask mask = make_dyad_mask(n, NetworkKind::graph);
-    for (const auto& [i, j] : dyads) allow_dyad(mask, NetworkKind::graph, i, j);
-    return mask;
-}
-
-Graph random_store(int n, int edges, uint32_t seed) {
-    Rng rng;
-    SeedSource seeds{.fixed = true, .base = seed};
-    return random_graph(n, edges, rng, seeds);
-}
-
-TEST(GraphSampler, AcceptanceRuleAtItsEdges) {
-    // No effect: every weighted change is 0, p = 1 and every proposal is accepted.
-    {
-        const std::vector<Term<Graph>> none;
-        Graph g = create_graph(20);
-        Rng rng;
-        rng.seed(3);
-        Chain<Graph> chain = make_chain(g, none, 0, SamplerSettings{}, rng);
-        for (int s = 0; s < 500; ++s) ASSERT_EQ(toggle_step(chain, nullptr), 1);
-        EXPECT_EQ(check_bookkeeping(g), "");
-    }
+TEST(Sampler, AcceptanceRuleAtItsEdges) {
     // An addition whose probability equals the uniform draw exactly is accepted; a hair less is
     // not.
-    const Model model = model_of({GraphEffect::edge});
-    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
+    const std::vector<Term<Graph>> terms =
+        make_terms<Graph>(testing::model_of(NetworkKind::graph, {int(GraphEffect::edge)}));
     Rng probe;  // replays the step's draws: the dyad, then the uniform number
     probe.seed(99);
     const int first = probe.node(10);
@@ -90,9 +70,9 @@ TEST(GraphSampler, AcceptanceRuleAtItsEdges) {
     ASSERT_EQ(std::exp(theta), u) << "no parameter reproduces the draw exactly";
     double below = theta;
     while (std::exp(below) >= u) below = std::nextafter(below, -1.0);
+    Rng rng;
     for (const auto& [parameter, accepted] : {std::pair{theta, 1}, std::pair{below, 0}}) {
         Graph g = create_graph(10);
-        Rng rng;
         Chain<Graph> chain = make_chain(g, terms, 1, SamplerSettings{}, rng);
         rng.seed(99);
         EXPECT_EQ(toggle_step(chain, &parameter), accepted);
@@ -101,88 +81,156 @@ TEST(GraphSampler, AcceptanceRuleAtItsEdges) {
     }
 }
 
-TEST(GraphSampler, RejectedStepsLeaveTheStoreAndStatisticsExactlyAsTheyWere) {
-    const Model model = model_of({GraphEffect::edge, GraphEffect::star2, GraphEffect::triangle,
-                                  GraphEffect::at, GraphEffect::a2p});
-    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
-    Graph g = random_store(25, 60, 5);
-    Rng rng;
-    Chain<Graph> chain = make_chain(g, terms, 5, SamplerSettings{}, rng);
-    rng.seed(17);
-    // Toggles strongly favouring ties reject nearly every removal; edge-preserving moves against
-    // triangles reject most moves.
-    for (const auto& [variant, parameters] :
-         {std::pair{0, std::vector<double>{8.0, 0.0, 0.0, 0.0, 0.0}},
-          std::pair{1, std::vector<double>{0.0, 0.0, -9.0, 0.0, 0.0}}}) {
-        chain.settings.variant = variant;
+// Runs `steps` steps of each variant from the same start; on every rejected step the store,
+// the statistics and the tie list must be exactly as before it.
+template <class Store>
+void expect_rejections_change_nothing(
+    const std::vector<int>& rows, int n, int ties,
+    const std::vector<std::pair<int, std::vector<double>>>& runs) {
+    const std::vector<Term<Store>> terms = make_terms<Store>(testing::model_of(Store::kind, rows));
+    for (const auto& [variant, theta] : runs) {
+        SCOPED_TRACE(std::string(Store::kind == NetworkKind::graph ? "graph" : "digraph") +
+                     ", variant " + std::to_string(variant));
+        Store store = testing::random_store<Store>(n, ties, 5);
+        Rng rng;
+        rng.seed(17);
+        Chain<Store> chain = make_chain(store, terms, static_cast<int32_t>(rows.size()),
+                                        SamplerSettings{.variant = variant}, rng);
         int rejected = 0;
         for (int s = 0; s < 400; ++s) {
-            const Graph before = g;
+            const Store before = store;
             const std::vector<double> statistics = chain.statistics;
-            if (step(chain, parameters.data()) == 0) {
+            const size_t listed = chain.ties.size();
+            if (step(chain, theta.data()) == 0) {
                 ++rejected;
-                ASSERT_TRUE(before.adjacency == g.adjacency && statistics == chain.statistics)
-                    << "variant " << variant << ", step " << s;
+                ASSERT_TRUE(same_store(before, store) && statistics == chain.statistics &&
+                            listed == chain.ties.size())
+                    << "step " << s;
             }
-            ASSERT_TRUE(variant == 0 || g.edge_count == before.edge_count)
-                << "a swap changed the tie count";
         }
-        EXPECT_GT(rejected, 50) << "variant " << variant;
-        EXPECT_EQ(check_bookkeeping(g), "");
+        EXPECT_GT(rejected, 50);
+        EXPECT_EQ(check_bookkeeping(store), "");
     }
 }
 
-TEST(GraphSampler, LongChainsKeepEveryStatisticEqualToARecountAndNeverAllocate) {
-    // Every effect the chain carries (0ET and ETNT are recounted where read, not carried).
-    Model model = empty_model(NetworkKind::graph);
-    for (int r = 0; r < graph_effect_count; ++r) {
-        const auto effect = static_cast<GraphEffect>(r);
-        if (effect == GraphEffect::et0 || effect == GraphEffect::etnt) continue;
-        model.structural[static_cast<size_t>(r)].slot = model.structural_included++;
-        model.structural[static_cast<size_t>(r)].lambda = graph_about(effect).lambda_default;
-    }
-    model.structural[static_cast<size_t>(GraphEffect::as)].lambda = 1.5f;
-    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
-    const int p = model.structural_included;
-    // The toggles weigh the edge alone and fill a sparse start to a density of 0.62, so that
-    // degrees outgrow the room the store first gave their neighbour lists. Small parameters of
-    // alternating sign keep the swaps moving.
-    for (const bool fixed_edges : {false, true}) {
-        std::vector<double> parameters(static_cast<size_t>(p), 0.0);
-        for (size_t k = 0; k < parameters.size() && fixed_edges; ++k)
-            parameters[k] = k % 2 == 0 ? -0.002 : 0.002;
-        parameters[0] = fixed_edges ? 0.0 : 0.5;
-        Graph g = random_store(40, fixed_edges ? 240 : 40, fixed_edges ? 2u : 1u);
-        Rng rng;
-        Chain<Graph> chain =
-            make_chain(g, terms, p, SamplerSettings{.variant = fixed_edges ? 1 : 0}, rng);
-        rng.seed(fixed_edges ? 12 : 11);
-        int accepted = 0;
-#if VEXA_COUNT_ALLOCATIONS
-        const long allocations = allocation_count.load();
-#endif
-        for (int s = 0; s < 20000; ++s) accepted += step(chain, parameters.data());
-#if VEXA_COUNT_ALLOCATIONS
-        EXPECT_EQ(allocation_count.load() - allocations, 0) << (fixed_edges ? "swaps" : "toggles");
-#endif
-        EXPECT_GT(accepted, 1000) << (fixed_edges ? "swaps" : "toggles") << ", " << g.edge_count
-                                  << " ties";
-        EXPECT_EQ(check_bookkeeping(g), "");
-        const std::vector<double> fresh = testing::totals_of(g, terms, static_cast<size_t>(p));
-        for (const Term<Graph>& term : terms) {
-            const size_t k = static_cast<size_t>(term.slot);
-            EXPECT_NEAR(chain.statistics[k], fresh[k], 1e-6 * (1.0 + std::fabs(fresh[k])))
-                << graph_about(static_cast<GraphEffect>(term.row)).labels.report_name
-                << (fixed_edges ? " (swaps)" : " (toggles)");
-        }
-    }
+TEST(Sampler, RejectedStepsLeaveTheStoreAndStatisticsExactlyAsTheyWere) {
+    // Parameters strongly favouring ties reject nearly every removal; count-preserving moves
+    // against triangles (transitive triads) reject most moves.
+    using G = GraphEffect;
+    const std::vector<double> ties{8, 0, 0, 0, 0}, no_triangles{0, 0, -9, 0, 0};
+    expect_rejections_change_nothing<Graph>(
+        {int(G::edge), int(G::star2), int(G::triangle), int(G::at), int(G::a2p)}, 25, 60,
+        {{0, ties}, {1, no_triangles}, {tie_no_tie_variant, ties}});
+    expect_rejections_change_nothing<Digraph>(
+        {int(DigraphEffect::arc), int(DigraphEffect::t9)}, 15, 60,
+        {{0, {8, 0}}, {1, {0, -8}}, {2, {0, -8}}, {tie_no_tie_variant, {8, 0}}});
 }
 
-TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
-    const std::vector<Term<Graph>> none;
+struct LongChain {
+    int variant, n, ties;
+    double first, others;  // the parameter of the first effect; the rest alternate +-others
+    int steps, accepted;   // steps to run, fewest accepted
+};
+
+// Every effect the chain carries, from a random start: the statistics carried along equal a
+// recount at the end, nothing is allocated on the way, and each move keeps what it preserves.
+template <class Store>
+void run_long_chain(const LongChain& c, uint32_t seed) {
+    SCOPED_TRACE(std::string(Store::kind == NetworkKind::graph ? "graph" : "digraph") +
+                 ", variant " + std::to_string(c.variant));
+    const CatalogueView& catalogue = structural_catalogue(Store::kind);
+    std::vector<int> rows;
+    for (int r = 0; r < static_cast<int>(catalogue.rows.size()); ++r) {
+        if (catalogue.rows[static_cast<size_t>(r)].carried) rows.push_back(r);
+    }
+    Model model = testing::model_of(Store::kind, rows);
+    if constexpr (Store::kind == NetworkKind::graph)
+        model.structural[static_cast<size_t>(GraphEffect::as)].lambda = 1.5f;
+    const std::vector<Term<Store>> terms = make_terms<Store>(model);
+    const auto p = static_cast<int32_t>(rows.size());
+    std::vector<double> theta(rows.size());
+    for (size_t k = 0; k < theta.size(); ++k) theta[k] = k % 2 == 0 ? -c.others : c.others;
+    theta[0] = c.first;
+    Store store = testing::random_store<Store>(c.n, c.ties, seed);
+    const Store start = store;
+    Rng rng;
+    rng.seed(seed + 10);
+    Chain<Store> chain = make_chain(store, terms, p, SamplerSettings{.variant = c.variant}, rng);
+    check_proposals_possible(store, chain.settings);
+    int accepted = 0;
+#if VEXA_COUNT_ALLOCATIONS
+    const long allocations = allocation_count.load();
+#endif
+    for (int s = 0; s < c.steps; ++s) accepted += step(chain, theta.data());
+#if VEXA_COUNT_ALLOCATIONS
+    // The tie list grows by doubling while the chain reaches new numbers of ties.
+    EXPECT_LE(allocation_count.load() - allocations, c.variant == tie_no_tie_variant ? 2 : 0);
+#endif
+    EXPECT_GT(accepted, c.accepted) << tie_count(store) << " ties";
+    EXPECT_EQ(check_bookkeeping(store), "");
+    const std::vector<double> fresh = testing::totals_of(store, terms, rows.size());
+    for (const Term<Store>& term : terms) {
+        const size_t k = static_cast<size_t>(term.slot);
+        EXPECT_NEAR(chain.statistics[k], fresh[k], 1e-6 * (1.0 + std::fabs(fresh[k])))
+            << row_name(Store::kind, term.row);
+    }
+    EXPECT_TRUE(c.variant != 1 || tie_count(store) == tie_count(start)) << "the swap kept no count";
+    if constexpr (Store::kind == NetworkKind::digraph) {
+        EXPECT_TRUE(c.variant != 2 || store.out_degree_values == start.out_degree_values)
+            << "the receiver move changed an out-degree";
+    }
+    EXPECT_TRUE(c.variant != tie_no_tie_variant || chain.ties.size() == size_t(tie_count(store)))
+        << "the tie list lost count";
+}
+
+TEST(Sampler, LongChainsKeepEveryStatisticEqualToARecountAndNeverAllocate) {
+    // The graph toggles weigh the edge alone and fill a sparse start to a density of 0.62, so
+    // that degrees outgrow the room the store first gave their neighbour lists; small parameters
+    // of alternating sign keep the other moves going.
+    run_long_chain<Graph>({0, 40, 40, 0.5, 0.0, 20000, 1000}, 1);
+    run_long_chain<Graph>({1, 40, 240, 0.0, 0.002, 20000, 1000}, 2);
+    run_long_chain<Graph>({tie_no_tie_variant, 40, 240, 0.0, 0.002, 20000, 1000}, 3);
+    for (const int variant : {0, 1, 2, tie_no_tie_variant})
+        run_long_chain<Digraph>({variant, 25, 90, 0.2, 0.003, 6000, 300}, 4 + variant);
+}
+
+// Only the dyads the mask allows ever change, under every variant; the ties outside it stay.
+template <class Store>
+void expect_mask_honoured(const std::vector<std::pair<int, int>>& allowed,
+                          const std::vector<std::pair<int, int>>& fixed,
+                          const std::vector<int>& variants) {
+    DyadMask mask = make_dyad_mask(8, Store::kind);
+    for (const auto& [i, j] : allowed) allow_dyad(mask, Store::kind, i, j);
+    Store start = testing::random_store<Store>(8, 0, 1);
+    for (const auto& [i, j] : fixed) testing::toggle(start, i, j);
+    testing::toggle(start, allowed[0].first, allowed[0].second);  // one tie for the swaps to move
+    const std::vector<Term<Store>> none;
     Rng rng;
     rng.seed(4);
-    // With the cap at 3 no addition is accepted at a node of degree 3, but removals still are.
+    for (const int variant : variants) {
+        Store store = start;
+        const SamplerSettings settings{.variant = variant, .mask = &mask};
+        check_proposals_possible(store, settings);
+        Chain<Store> chain = make_chain(store, none, 0, settings, rng);
+        int changed = 0;
+        for (int s = 0; s < 500; ++s) changed += step(chain, nullptr);
+        EXPECT_GT(changed, 100) << "variant " << variant;
+        for (int i = 0; i < 8; ++i) {
+            for (int j = 0; j < 8; ++j) {
+                if (i == j || mask.allows(i, j)) continue;
+                EXPECT_EQ(has_tie(store, i, j), has_tie(start, i, j))
+                    << "variant " << variant << ": " << i << "," << j;
+            }
+        }
+    }
+}
+
+TEST(Sampler, DegreeCapsAndTheMaskAreHonoured) {
+    Rng rng;
+    rng.seed(4);
+    // Every proposal accepted: with the cap at 3 no tie is added at a node of degree 3, but
+    // removals go on.
+    const std::vector<Term<Graph>> none;
     Graph capped = create_graph(12);
     Chain<Graph> cap = make_chain(capped, none, 0, SamplerSettings{.max_degree = 3}, rng);
     int removals = 0;
@@ -194,51 +242,70 @@ TEST(GraphSampler, DegreeCapMaskStepCountAndImpossibleProposals) {
     }
     EXPECT_GT(removals, 100);
     EXPECT_GT(capped.degree_histogram[3], 0);
-    // Only dyads the mask allows (the 4-cycle 0-1-2-3) ever change; 5-6 stays.
-    const DyadMask mask = mask_of(8, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
-    Graph g = testing::graph_of(8, {{5, 6}});
-    for (const int variant : {0, 1}) {
-        Chain<Graph> chain =
-            make_chain(g, none, 0, SamplerSettings{.variant = variant, .mask = &mask}, rng);
-        for (int s = 0; s < 500; ++s) step(chain, nullptr);
-        for (int i = 0; i < 8; ++i) {
-            for (int j = i + 1; j < 8; ++j) {
-                EXPECT_TRUE(mask.allows(i, j) || has_edge(g, i, j) == (i == 5 && j == 6)) << i << j;
-            }
-        }
+    // A digraph's out-degree cap of 3 stops arcs from a node at 3, the in-degree cap of 4 arcs
+    // to one at 4.
+    const std::vector<Term<Digraph>> no_arcs;
+    Digraph capped_arcs = create_digraph(12);
+    Chain<Digraph> caps = make_chain(capped_arcs, no_arcs, 0,
+                                     SamplerSettings{.max_degree = 3, .max_in_degree = 4}, rng);
+    for (int s = 0; s < 4000; ++s) {
+        step(caps, nullptr);
+        for (int v = 0; v < 12; ++v)
+            ASSERT_TRUE(capped_arcs.out_degree(v) <= 3 && capped_arcs.in_degree(v) <= 4);
     }
+    EXPECT_GT(capped_arcs.out_degree_histogram[3], 0);
+    EXPECT_GT(capped_arcs.in_degree_histogram[4], 0);
+
+    // The graph mask allows the 4-cycle 0-1-2-3; the digraph mask 0->1, 0->2 and 1->2 (not
+    // their reverses), so that sender 0 may move its arc.
+    expect_mask_honoured<Graph>({{0, 1}, {1, 2}, {2, 3}, {3, 0}}, {{5, 6}},
+                                {0, 1, tie_no_tie_variant});
+    expect_mask_honoured<Digraph>({{0, 1}, {0, 2}, {1, 2}}, {{5, 6}, {0, 3}},
+                                  {0, 1, 2, tie_no_tie_variant});
+}
+
+TEST(Sampler, StepCountsAndImpossibleProposals) {
+    const std::vector<Term<Graph>> none;
+    Rng rng;
     // run_sampler with 2.5 steps runs three: with every proposal accepted on a large empty
     // graph, three toggles leave three ties (this seed draws three different dyads).
     Graph large = create_graph(200);
     Chain<Graph> all = make_chain(large, none, 0, SamplerSettings{}, rng);
-    SeedSource seeds;
-    seeds.fixed = true;
-    seeds.base = 21;
+    SeedSource seeds{.fixed = true, .base = 21};
     run_sampler(all, nullptr, 2.5, seeds);
     run_sampler(all, nullptr, 0.0, seeds);
     run_sampler(all, nullptr, -4.0, seeds);
     EXPECT_EQ(large.edge_count, 3);
-
-    // Proposals that could never be found are refused before the chain runs: no node pair, a
-    // mask without allowed dyads, an edge-preserving chain on a complete graph or inside a
-    // mask whose dyads are all ties.
-    const Graph complete = testing::graph_of(
-        5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}, {1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4}});
-    const DyadMask empty_mask = mask_of(5, {});
-    const DyadMask tied_mask = mask_of(5, {{0, 1}, {2, 3}});
-    EXPECT_THROW(check_proposals_possible(complete, SamplerSettings{.mask = &empty_mask}),
-                 SettingError);
-    EXPECT_THROW(check_proposals_possible(create_graph(1), SamplerSettings{}), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete, SamplerSettings{.variant = 1}), SettingError);
-    EXPECT_THROW(
-        check_proposals_possible(complete, SamplerSettings{.variant = 1, .mask = &tied_mask}),
-        SettingError);
-    EXPECT_NO_THROW(check_proposals_possible(complete, SamplerSettings{}));
-    // Fewer than two ties: the edge-preserving step declines at once.
-    Graph one = testing::graph_of(5, {{0, 1}});
+    // Fewer than two ties: the count-preserving step declines at once.
+    Graph one = testing::graph_from(testing::random_matrix(5, 0.0, 1));
+    testing::toggle(one, 0, 1);
     EXPECT_NO_THROW(check_proposals_possible(one, SamplerSettings{.variant = 1}));
     Chain<Graph> swaps = make_chain(one, none, 0, SamplerSettings{.variant = 1}, rng);
     EXPECT_EQ(swap_step(swaps, nullptr), 0);
+
+    // Refused before the chain runs: no node pair, a mask without allowed dyads, a
+    // count-preserving move on a complete network or inside a mask whose dyads are all ties,
+    // a receiver move where no node sends two arcs.
+    const Graph complete = testing::graph_from(testing::random_matrix(5, 1.0, 1));
+    const Digraph complete_arcs = testing::digraph_from(testing::random_arc_matrix(4, 1.0, 1.0, 1));
+    DyadMask empty = make_dyad_mask(5, NetworkKind::graph), tied = empty;
+    allow_dyad(tied, NetworkKind::graph, 0, 1);
+    allow_dyad(tied, NetworkKind::graph, 2, 3);
+    const DyadMask no_arcs = make_dyad_mask(4, NetworkKind::digraph);
+    Digraph cycle = create_digraph(6);  // every node sends one arc: none has two to move
+    for (int v = 0; v < 6; ++v) testing::toggle(cycle, v, (v + 1) % 6);
+    EXPECT_THROW(check_proposals_possible(create_graph(1), {}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, {.mask = &empty}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, {.variant = 1}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, {.variant = 1, .mask = &tied}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete_arcs, {.mask = &no_arcs}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete_arcs, {.variant = 1}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete_arcs, {.variant = 2}), SettingError);
+    EXPECT_THROW(check_proposals_possible(cycle, {.variant = 2}), SettingError);
+    testing::toggle(cycle, 0, 3);
+    EXPECT_NO_THROW(check_proposals_possible(cycle, {.variant = 2}));
+    EXPECT_NO_THROW(check_proposals_possible(complete, {}));
+    EXPECT_NO_THROW(check_proposals_possible(complete_arcs, {}));
 }
 
 }  // namespace
