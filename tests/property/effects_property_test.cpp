@@ -1,9 +1,10 @@
 // Every structural effect of both network kinds against an independent recount, on seeded
 // random networks from empty to complete: the totals pass equals a brute-force count from the
 // adjacency matrix; for every dyad, in the addition state and in the removal state of the
-// store, the change statistic equals the total with the tie minus the total without it; and
-// toggling every dyad there and back leaves the store exactly as it was. Graph rows run on
-// both graph stores, which must also agree with each other exactly.
+// store, the change statistic equals the total with the tie minus the total without it;
+// toggling every dyad there and back leaves the store exactly as it was; and renumbering the
+// nodes leaves the total as it is. Graph rows run on both graph stores, which must also agree
+// with each other exactly.
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <ostream>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -52,6 +54,23 @@ std::vector<RowCase> row_cases() {
     return cases;
 }
 
+// The same network with its nodes renumbered by a shuffle fixed for each size.
+template <class Matrix>
+Matrix renumbered(const Matrix& matrix) {
+    std::vector<int> to(static_cast<size_t>(matrix.n));
+    for (int v = 0; v < matrix.n; ++v) to[static_cast<size_t>(v)] = v;
+    std::mt19937 shuffle(static_cast<uint32_t>(matrix.n));
+    std::shuffle(to.begin(), to.end(), shuffle);
+    Matrix out(matrix.n);
+    for (int a = 0; a < matrix.n; ++a) {
+        for (int b = 0; b < matrix.n; ++b) {
+            if (a != b && matrix(a, b))
+                out.set(to[static_cast<size_t>(a)], to[static_cast<size_t>(b)], true);
+        }
+    }
+    return out;
+}
+
 // The totals against the recount, and every change against the totals, on every network of
 // the case; counts must agree exactly, alternating values within the rounding of their tables.
 // Returns every total and change met on the way.
@@ -73,8 +92,11 @@ std::vector<double> check_row(const RowCase& c) {
     for (const auto& [matrix, name] : Fixture::networks(c.n)) {
         SCOPED_TRACE(name);
         Store store = Fixture::build(matrix);
-        expect_same(testing::totals_of(store, terms, 1)[0],
-                    Fixture::value(Fixture::count(matrix), c.row, c.lambda), "total");
+        const double truth = Fixture::value(Fixture::count(matrix), c.row, c.lambda);
+        expect_same(testing::totals_of(store, terms, 1)[0], truth, "total");
+        // A statistic of the network does not depend on how its nodes are numbered.
+        expect_same(testing::totals_of(Fixture::build(renumbered(matrix)), terms, 1)[0], truth,
+                    "total after renumbering the nodes");
         if (!about.carried) {
             Workspace workspace;
             const double parameter = 1.0;

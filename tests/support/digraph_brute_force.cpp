@@ -109,14 +109,6 @@ bool same_store(const Digraph& a, const Digraph& b) {
            a.two_paths == b.two_paths;
 }
 
-ArcMatrix relabelled(const ArcMatrix& matrix, const std::vector<int>& label) {
-    ArcMatrix m(matrix.n);
-    for (int a = 0; a < m.n; ++a) {
-        for (int b = 0; b < m.n; ++b) m.set(label[at(a)], label[at(b)], matrix(a, b));
-    }
-    return m;
-}
-
 DigraphCounts digraph_counts(const ArcMatrix& m) {
     DigraphCounts c;
     const int n = m.n;

@@ -34,8 +34,6 @@ Digraph digraph_from(const ArcMatrix& matrix);
 // Every field of two stores but the neighbour lists, whose order is free (check_bookkeeping
 // compares them with the adjacency as sets).
 bool same_store(const Digraph& a, const Digraph& b);
-// The same digraph with node v renamed label[v].
-ArcMatrix relabelled(const ArcMatrix& matrix, const std::vector<int>& label);
 
 // Every configuration count of one digraph.
 struct DigraphCounts {
