@@ -9,8 +9,9 @@ namespace vexa {
 
 namespace {
 
-double total_at_two(const Digraph& digraph, DigraphEffect effect) {
-    const Term<Digraph> term = digraph_term(effect, 0, 2.0f);
+template <class D>
+double total_at_two(const D& digraph, DigraphEffect effect) {
+    const Term<D> term = structural_term<D>(static_cast<int>(effect), 0, 2.0f);
     Workspace workspace;
     return term.total(digraph, term, workspace);
 }
@@ -21,7 +22,8 @@ double ratio(double numerator, double denominator) {
 
 }  // namespace
 
-DigraphClustering digraph_clustering(const Digraph& d) {
+template <class D>
+DigraphClustering digraph_clustering(const D& d) {
     using E = DigraphEffect;
     const double t9 = total_at_two(d, E::t9), t10 = total_at_two(d, E::t10);
     const double out2 = total_at_two(d, E::out_star2), in2 = total_at_two(d, E::in_star2);
@@ -40,15 +42,18 @@ DigraphClustering digraph_clustering(const Digraph& d) {
     return c;
 }
 
-Moments in_degree_moments(const Digraph& d) {
+template <class D>
+Moments in_degree_moments(const D& d) {
     return moments(d.in_degree_values.data(), d.node_count);
 }
 
-Moments out_degree_moments(const Digraph& d) {
+template <class D>
+Moments out_degree_moments(const D& d) {
     return moments(d.out_degree_values.data(), d.node_count);
 }
 
-double in_out_degree_correlation(const Digraph& d) {
+template <class D>
+double in_out_degree_correlation(const D& d) {
     const int n = d.node_count;
     if (n < 2) return 0.0;
     const double mean = static_cast<double>(d.arc_count) / n;  // both degrees have this mean
@@ -64,7 +69,8 @@ double in_out_degree_correlation(const Digraph& d) {
                                                  : 0.0;
 }
 
-void directed_geodesics(const Digraph& d, DigraphScratch& scratch) {
+template <class D>
+void directed_geodesics(const D& d, DigraphScratch& scratch) {
     const int n = d.node_count;
     const size_t nodes = static_cast<size_t>(n);
     scratch.distance.assign(nodes, -1);
@@ -93,5 +99,15 @@ void directed_geodesics(const Digraph& d, DigraphScratch& scratch) {
     counts[0] = 0;
     counts[nodes] = static_cast<int64_t>(n) * (n - 1) - reached_pairs;
 }
+
+#define VEXA_DIGRAPH_DESCRIBE(D)                             \
+    template DigraphClustering digraph_clustering(const D&); \
+    template Moments in_degree_moments(const D&);            \
+    template Moments out_degree_moments(const D&);           \
+    template double in_out_degree_correlation(const D&);     \
+    template void directed_geodesics(const D&, DigraphScratch&);
+VEXA_DIGRAPH_DESCRIBE(Digraph)
+VEXA_DIGRAPH_DESCRIBE(SparseDigraph)
+#undef VEXA_DIGRAPH_DESCRIBE
 
 }  // namespace vexa

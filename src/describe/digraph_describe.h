@@ -14,6 +14,7 @@
 
 #include "describe/geodesic_quartiles.h"
 #include "network/digraph.h"
+#include "network/sparse_digraph.h"
 #include "numeric/moments.h"
 
 namespace vexa {
@@ -22,12 +23,18 @@ struct DigraphClustering {
     double cto = 0.0, cti = 0.0, ctm = 0.0, ccm = 0.0;
     double akc_t = 0.0, akc_d = 0.0, akc_u = 0.0, akc_c = 0.0;
 };
-DigraphClustering digraph_clustering(const Digraph& digraph);
 
-Moments in_degree_moments(const Digraph& digraph);
-Moments out_degree_moments(const Digraph& digraph);
+// Each function serves both digraph stores (defined for Digraph and SparseDigraph).
+template <class D>
+DigraphClustering digraph_clustering(const D& digraph);
+
+template <class D>
+Moments in_degree_moments(const D& digraph);
+template <class D>
+Moments out_degree_moments(const D& digraph);
 // The Pearson correlation of the nodes' in- and out-degrees; 0 when either does not vary.
-double in_out_degree_correlation(const Digraph& digraph);
+template <class D>
+double in_out_degree_correlation(const D& digraph);
 
 // Workspace of the directed geodesic pass, kept between calls.
 struct DigraphScratch {
@@ -40,6 +47,7 @@ struct DigraphScratch {
 
 // Breadth-first search along out-arcs from every node: O(n (n + arcs)). Leaves the pair
 // counts in the scratch.
-void directed_geodesics(const Digraph& digraph, DigraphScratch& scratch);
+template <class D>
+void directed_geodesics(const D& digraph, DigraphScratch& scratch);
 
 }  // namespace vexa

@@ -5,14 +5,16 @@
 #include "effects/combiner.h"
 #include "effects/digraph/digraph_catalogue.h"
 #include "network/digraph.h"
+#include "network/sparse_digraph.h"
 
 namespace vexa {
 
 namespace {
 
 // The statistic of one catalogue row, from the row's own total function.
-double total_of(const Digraph& digraph, DigraphEffect effect) {
-    const Term<Digraph> term = digraph_term(effect, 0);
+template <class D>
+double total_of(const D& digraph, DigraphEffect effect) {
+    const Term<D> term = structural_term<D>(static_cast<int>(effect), 0);
     Workspace workspace;
     prepare_totals(digraph, workspace);
     return term.total(digraph, term, workspace);
@@ -23,7 +25,8 @@ int32_t wrapped_product(int64_t a, int64_t b) { return static_cast<int32_t>(a * 
 
 }  // namespace
 
-TriadCensus triad_census(const Digraph& digraph) {
+template <class D>
+TriadCensus triad_census(const D& digraph) {
     using E = DigraphEffect;
     const double t1 = total_of(digraph, E::t1), t2 = total_of(digraph, E::t2),
                  t3 = total_of(digraph, E::t3), t4 = total_of(digraph, E::t4),
@@ -66,6 +69,9 @@ TriadCensus triad_census(const Digraph& digraph) {
     q[15] = triples - denser;
     return census;
 }
+
+template TriadCensus triad_census(const Digraph&);
+template TriadCensus triad_census(const SparseDigraph&);
 
 void write_triad_census(FILE* out, const TriadCensus& census) {
     std::fputs("Triad Census:\n", out);

@@ -12,6 +12,7 @@
 namespace vexa {
 
 struct Digraph;
+struct SparseDigraph;
 
 inline constexpr int triad_class_count = 16;
 
@@ -32,7 +33,9 @@ struct TriadCensus {
 
 // The census of a digraph. Cost: the totals of the configurations it derives from (T1 to T5
 // walk the closed triples, O(adjacent pairs x n / 64); the others O(n + arcs)).
-TriadCensus triad_census(const Digraph& digraph);
+// Defined for both digraph stores.
+template <class D>
+TriadCensus triad_census(const D& digraph);
 
 // "Triad Census:" and one "class\tcount" line per class in census order; for a census that is
 // not exact, one line saying why in place of the counts.

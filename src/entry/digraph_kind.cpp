@@ -1,8 +1,10 @@
 #include "entry/digraph_kind.h"
 
 #include <cmath>
+#include <type_traits>
 
 #include "base/errors.h"
+#include "entry/graph_kind.h"
 #include "entry/tasks.h"
 #include "report/digraph_files.h"
 #include "report/network_file.h"
@@ -10,7 +12,8 @@
 
 namespace vexa {
 
-Digraph KindTraits<Digraph>::random_start(RunContext& context) {
+template <class D>
+D DigraphTraits<D>::random_start(RunContext& context) {
     const RunSettings& s = context.settings;
     const int n = s.node_count;
     const double dyads = static_cast<double>(n) * (n - 1);
@@ -22,22 +25,38 @@ Digraph KindTraits<Digraph>::random_start(RunContext& context) {
             "ordered pairs",
             s.run_file.c_str(), static_cast<double>(s.initial_density), target, n, dyads));
     }
-    return random_digraph_by_count(n, static_cast<int64_t>(target), context.rng, context.seeds);
+    if constexpr (std::is_same_v<D, Digraph>) {
+        return random_digraph_by_count(n, static_cast<int64_t>(target), context.rng, context.seeds);
+    } else {
+        return random_sparse_digraph(n, static_cast<int64_t>(target), context.rng, context.seeds);
+    }
 }
 
-void KindTraits<Digraph>::after_run(RunContext& context, const EstimationRun& run) {
+template <class D>
+D DigraphTraits<D>::read(const std::string& path, int n, MatrixNotes* notes) {
+    if constexpr (std::is_same_v<D, Digraph>) {
+        return read_digraph(path, n, notes);
+    } else {
+        return read_sparse_digraph(path, n, notes);
+    }
+}
+
+template <class D>
+void DigraphTraits<D>::after_run(RunContext& context, const EstimationRun& run) {
     if (run.t_ratios.empty()) return;
     for (const double t : run.t_ratios) std::fprintf(context.console, "%lf\t", t);
     std::fprintf(context.console, "\n");
     std::fflush(context.console);
 }
 
-void KindTraits<Digraph>::before_gof_after_estimation(RunContext& context) {
+template <class D>
+void DigraphTraits<D>::before_gof_after_estimation(RunContext& context) {
     std::fprintf(context.console, "gof!\n");
     std::fflush(context.console);
 }
 
-const std::vector<std::string>& KindTraits<Digraph>::measure_names() {
+template <class D>
+const std::vector<std::string>& DigraphTraits<D>::measure_names() {
     static const std::vector<std::string> names{
         "Std Dev in-degree dist",  "Skew in-degree dist",          "Std Dev out-degree dist",
         "Skew out-degree dist",    "CorrCoef in-out-degree dists", "Global Clustering Cto",
@@ -47,7 +66,8 @@ const std::vector<std::string>& KindTraits<Digraph>::measure_names() {
     return names;
 }
 
-SampleMeasures KindTraits<Digraph>::measure(const Digraph& digraph, DigraphScratch& scratch) {
+template <class D>
+SampleMeasures DigraphTraits<D>::measure(const D& digraph, DigraphScratch& scratch) {
     directed_geodesics(digraph, scratch);
     const Moments in = in_degree_moments(digraph);
     const Moments out = out_degree_moments(digraph);
@@ -60,8 +80,9 @@ SampleMeasures KindTraits<Digraph>::measure(const Digraph& digraph, DigraphScrat
     return m;
 }
 
-KindTraits<Digraph>::SampleFiles::SampleFiles(const Digraph& digraph, const RunSettings& s,
-                                              const OutputNames& names) {
+template <class D>
+DigraphTraits<D>::SampleFiles::SampleFiles(const D& digraph, const RunSettings& s,
+                                           const OutputNames& names) {
     const auto open = [](const std::string& path) {
         return std::make_unique<OutFile>(path, OpenMode::truncate);
     };
@@ -79,8 +100,9 @@ KindTraits<Digraph>::SampleFiles::SampleFiles(const Digraph& digraph, const RunS
     }
 }
 
-void KindTraits<Digraph>::SampleFiles::write_rows(const Digraph& digraph, DigraphScratch& scratch,
-                                                  const SampleMeasures* measured) {
+template <class D>
+void DigraphTraits<D>::SampleFiles::write_rows(const D& digraph, DigraphScratch& scratch,
+                                               const SampleMeasures* measured) {
     if (degree) write_in_out_degree_row(*degree, digraph);
     if (geodesic) {
         if (measured == nullptr) directed_geodesics(digraph, scratch);
@@ -89,25 +111,38 @@ void KindTraits<Digraph>::SampleFiles::write_rows(const Digraph& digraph, Digrap
     if (cluster) write_digraph_clustering_row(*cluster, digraph_clustering(digraph));
 }
 
-void KindTraits<Digraph>::SampleFiles::close() {
+template <class D>
+void DigraphTraits<D>::SampleFiles::close() {
     for (auto* file : {&degree, &geodesic, &cluster}) {
         if (*file) (*file)->close();
     }
 }
 
-void KindTraits<Digraph>::GofExtras::write(FILE* out) const {
+template <class D>
+void DigraphTraits<D>::GofExtras::write(FILE* out) const {
     write_triad_census_block(out, observed_census, sample);
 }
 
-void KindTraits<Digraph>::write_sample_network(const Digraph& digraph, double sample,
-                                               const OutputNames& names,
-                                               const std::string& network_name) {
+template <class D>
+void DigraphTraits<D>::write_sample_network(const D& digraph, double sample,
+                                            const OutputNames& names,
+                                            const std::string& network_name) {
     write_network_file(sample_network_path(names.sample_statistics, sample), digraph);
     char label[64];
     std::snprintf(label, sizeof label, "%.0f", sample);
     write_pajek_block(digraph, network_name + "_" + label, names.pajek);
 }
 
-void run_digraph_task(RunContext& context) { run_task<Digraph>(context); }
+template struct DigraphTraits<Digraph>;
+template struct DigraphTraits<SparseDigraph>;
+
+void run_digraph_task(RunContext& context) {
+    if (sparse_store_chosen(static_cast<StoreChoice>(context.store), context.settings.node_count,
+                            NetworkKind::digraph)) {
+        run_task<SparseDigraph>(context);
+    } else {
+        run_task<Digraph>(context);
+    }
+}
 
 }  // namespace vexa

@@ -13,6 +13,7 @@
 #include "entry/run_context.h"
 #include "estimation/estimation.h"
 #include "network/digraph.h"
+#include "network/sparse_digraph.h"
 #include "simulation/goodness_of_fit.h"
 
 namespace vexa {
@@ -20,18 +21,17 @@ namespace vexa {
 template <class Store>
 struct KindTraits;
 
-template <>
-struct KindTraits<Digraph> {
+// The same for both digraph stores, D = Digraph (dense) or SparseDigraph.
+template <class D>
+struct DigraphTraits {
     using Scratch = DigraphScratch;
 
-    static Digraph read(const std::string& path, int n, MatrixNotes* notes) {
-        return read_digraph(path, n, notes);
-    }
+    static D read(const std::string& path, int n, MatrixNotes* notes);
     // The random start of a simulation: trunc(n(n-1) x density) arcs.
-    static Digraph random_start(RunContext& context);
+    static D random_start(RunContext& context);
 
     // A digraph's starting values are used as the run file gives them.
-    static void adjust_start(const Model&, const Digraph&, std::vector<double>&) {}
+    static void adjust_start(const Model&, const D&, std::vector<double>&) {}
     // Each run's t-ratios also go to standard output.
     static void after_run(RunContext& context, const EstimationRun& run);
     static void before_gof_after_estimation(RunContext& context);
@@ -39,12 +39,11 @@ struct KindTraits<Digraph> {
     // The spread and skew of the in- and out-degrees and their correlation, the clustering
     // coefficients, and the geodesic quartiles over ordered pairs.
     static const std::vector<std::string>& measure_names();
-    static SampleMeasures measure(const Digraph& digraph, DigraphScratch& scratch);
+    static SampleMeasures measure(const D& digraph, DigraphScratch& scratch);
 
     struct SampleFiles {
-        SampleFiles(const Digraph& digraph, const RunSettings& settings, const OutputNames& names);
-        void write_rows(const Digraph& digraph, DigraphScratch& scratch,
-                        const SampleMeasures* measured);
+        SampleFiles(const D& digraph, const RunSettings& settings, const OutputNames& names);
+        void write_rows(const D& digraph, DigraphScratch& scratch, const SampleMeasures* measured);
         void close();
 
         std::unique_ptr<OutFile> degree, geodesic, cluster;
@@ -55,17 +54,22 @@ struct KindTraits<Digraph> {
     static constexpr bool gof_writes_end_statistics = false;
     // The triad census of the observed digraph beside those of the samples.
     struct GofExtras {
-        explicit GofExtras(const Digraph& observed) : observed_census(triad_census(observed)) {}
-        void record(const Digraph& digraph) { sample.push_back(triad_census(digraph)); }
+        explicit GofExtras(const D& observed) : observed_census(triad_census(observed)) {}
+        void record(const D& digraph) { sample.push_back(triad_census(digraph)); }
         void write(FILE* out) const;
 
         TriadCensus observed_census;
         std::vector<TriadCensus> sample;
     };
 
-    static void write_sample_network(const Digraph& digraph, double sample,
-                                     const OutputNames& names, const std::string& network_name);
+    static void write_sample_network(const D& digraph, double sample, const OutputNames& names,
+                                     const std::string& network_name);
 };
+
+template <>
+struct KindTraits<Digraph> : DigraphTraits<Digraph> {};
+template <>
+struct KindTraits<SparseDigraph> : DigraphTraits<SparseDigraph> {};
 
 // Runs the task of the context's run file on a digraph.
 void run_digraph_task(RunContext& context);

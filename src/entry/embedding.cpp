@@ -53,8 +53,11 @@ Graph graph_from_matrix(const std::vector<double>& adjacency, int n) {
     return g;
 }
 
-Digraph digraph_from_matrix(const std::vector<double>& adjacency, int n) {
-    Digraph d = create_digraph(n);
+namespace {
+
+// Arc by arc, senders then receivers in order.
+template <class D>
+void add_matrix_arcs(D& d, const std::vector<double>& adjacency, int n) {
     for (int a = 0; a < n; ++a) {
         for (int b = 0; b < n; ++b) {
             if (a != b && adjacency[cell(a, b, n)] == 1.0) {
@@ -63,6 +66,30 @@ Digraph digraph_from_matrix(const std::vector<double>& adjacency, int n) {
             }
         }
     }
+}
+
+template <class D>
+NetworkProfile digraph_profile(const D& digraph, const DigraphScratch& scratch) {
+    NetworkProfile profile;
+    profile.degree = degree_counts(digraph, false);
+    profile.in_degree = degree_counts(digraph, true);
+    profile.geodesics = scratch.geodesic_counts;
+    const TriadCensus census = triad_census(digraph);
+    profile.triads.assign(census.counts.begin(), census.counts.end());
+    return profile;
+}
+
+}  // namespace
+
+Digraph digraph_from_matrix(const std::vector<double>& adjacency, int n) {
+    Digraph d = create_digraph(n);
+    add_matrix_arcs(d, adjacency, n);
+    return d;
+}
+
+SparseDigraph sparse_digraph_from_matrix(const std::vector<double>& adjacency, int n) {
+    SparseDigraph d = create_sparse_digraph(n);
+    add_matrix_arcs(d, adjacency, n);
     return d;
 }
 
@@ -82,6 +109,7 @@ SparseGraph sparse_graph_from_matrix(const std::vector<double>& adjacency, int n
 std::vector<uint8_t> matrix_of(const Graph& graph) { return matrix_from(graph); }
 std::vector<uint8_t> matrix_of(const SparseGraph& graph) { return matrix_from(graph); }
 std::vector<uint8_t> matrix_of(const Digraph& digraph) { return matrix_from(digraph); }
+std::vector<uint8_t> matrix_of(const SparseDigraph& digraph) { return matrix_from(digraph); }
 
 NetworkProfile profile_of(const Graph& graph, const DescribeScratch& scratch) {
     NetworkProfile profile;
@@ -98,13 +126,11 @@ NetworkProfile profile_of(const SparseGraph& graph, const DescribeScratch& scrat
 }
 
 NetworkProfile profile_of(const Digraph& digraph, const DigraphScratch& scratch) {
-    NetworkProfile profile;
-    profile.degree = degree_counts(digraph, false);
-    profile.in_degree = degree_counts(digraph, true);
-    profile.geodesics = scratch.geodesic_counts;
-    const TriadCensus census = triad_census(digraph);
-    profile.triads.assign(census.counts.begin(), census.counts.end());
-    return profile;
+    return digraph_profile(digraph, scratch);
+}
+
+NetworkProfile profile_of(const SparseDigraph& digraph, const DigraphScratch& scratch) {
+    return digraph_profile(digraph, scratch);
 }
 
 }  // namespace vexa

@@ -13,6 +13,7 @@
 #include "estimation/estimation.h"
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
 #include "simulation/goodness_of_fit.h"
 
@@ -73,15 +74,21 @@ SparseGraph sparse_graph_from_matrix(const std::vector<double>& adjacency, int n
 inline void from_matrix(const std::vector<double>& adjacency, int n, SparseGraph& graph) {
     graph = sparse_graph_from_matrix(adjacency, n);
 }
+SparseDigraph sparse_digraph_from_matrix(const std::vector<double>& adjacency, int n);
+inline void from_matrix(const std::vector<double>& adjacency, int n, SparseDigraph& digraph) {
+    digraph = sparse_digraph_from_matrix(adjacency, n);
+}
 
 // The matrix of a store, 0 or 1 per pair.
 std::vector<uint8_t> matrix_of(const Graph& graph);
 std::vector<uint8_t> matrix_of(const Digraph& digraph);
 std::vector<uint8_t> matrix_of(const SparseGraph& graph);
+std::vector<uint8_t> matrix_of(const SparseDigraph& digraph);
 
 // The profile of a network whose geodesics the scratch has just measured.
 NetworkProfile profile_of(const Graph& graph, const DescribeScratch& scratch);
 NetworkProfile profile_of(const Digraph& digraph, const DigraphScratch& scratch);
 NetworkProfile profile_of(const SparseGraph& graph, const DescribeScratch& scratch);
+NetworkProfile profile_of(const SparseDigraph& digraph, const DigraphScratch& scratch);
 
 }  // namespace vexa

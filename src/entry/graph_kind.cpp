@@ -7,6 +7,7 @@
 
 #include "base/errors.h"
 #include "entry/tasks.h"
+#include "network/digraph.h"
 #include "report/descriptive_files.h"
 #include "report/network_file.h"
 #include "report/pajek.h"
@@ -140,10 +141,12 @@ void GraphTraits<G>::write_sample_network(const G& graph, double sample, const O
 template struct GraphTraits<Graph>;
 template struct GraphTraits<SparseGraph>;
 
-bool sparse_store_chosen(StoreChoice choice, int node_count) {
+bool sparse_store_chosen(StoreChoice choice, int node_count, NetworkKind kind) {
     if (choice != StoreChoice::automatic) return choice == StoreChoice::sparse;
     const double available = physical_memory_bytes();
-    return node_count > 20000 || (available > 0.0 && graph_store_bytes(node_count) > available / 2);
+    const double dense_bytes = kind == NetworkKind::digraph ? digraph_store_bytes(node_count)
+                                                            : graph_store_bytes(node_count);
+    return node_count > 20000 || (available > 0.0 && dense_bytes > available / 2);
 }
 
 void run_graph_task(RunContext& context) {

@@ -103,7 +103,8 @@ struct RunOptions {
     uint32_t seed = 0;
     bool confirm = false;  // after a converged estimation, check the estimate with a long chain
     int32_t sampler_variant = -1;  // when 0 or more, overrides the run file's sampler variant
-    // The graph store: 0 chosen by the network's size, 1 the dense store, 2 the sparse store.
+    // The network store (graphs and digraphs): 0 chosen by the network's size, 1 the dense
+    // store, 2 the sparse store.
     int32_t store = 0;
     FILE* console = stdout;              // progress and messages
     const Progress* progress = nullptr;  // what computations say; null: the console
@@ -121,7 +122,7 @@ struct RunContext {
     bool confirm = false;    // check a converged estimate with a long chain
     // A host's in-memory network and the results it takes back; null for a run from files.
     Embedding* embedding = nullptr;
-    // The graph store: StoreChoice (automatic, dense, sparse) as RunOptions::store.
+    // The network store: StoreChoice (automatic, dense, sparse) as RunOptions::store.
     int32_t store = 0;
 };
 

@@ -22,6 +22,7 @@
 #include "model/parameter_labels.h"
 #include "model/parameter_vector.h"
 #include "model/terms.h"
+#include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
 #include "report/bayesian_report.h"
 #include "report/convergence_report.h"
@@ -586,8 +587,8 @@ void run_task(RunContext& context) {
         throw SettingError(
             format_message("vexa: run file '%s': node_count %d is below 1", s.run_file.c_str(), n));
     }
-    // The plan reckons with dense stores; the sparse one grows with the ties it is given.
-    if constexpr (!std::is_same_v<Store, SparseGraph>) {
+    // The plan reckons with dense stores; the sparse ones grow with the ties they are given.
+    if constexpr (!std::is_same_v<Store, SparseGraph> && !std::is_same_v<Store, SparseDigraph>) {
         check_task_memory(s, Store::kind, static_cast<int>(parameters.size()),
                           available_memory_bytes());
     }

@@ -8,6 +8,7 @@
 #include "base/errors.h"
 #include "base/matrix_text.h"
 #include "base/memory.h"
+#include "network/digraph_building.h"
 #include "numeric/rng.h"
 
 namespace vexa {
@@ -209,48 +210,14 @@ void update_two_paths(Digraph& d, int i, int j, int added) {
 
 Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes) {
     Digraph d = create_digraph(n);
-    MatrixNotes seen;
-    const auto arc = [&](int a, int b, double value) {
-        if (a != b && value == 1.0 && !d.has_arc(a, b)) {
-            add_arc(d, a, b);
-            update_two_paths(d, a, b, 1);
-        }
-    };
-    if (is_tie_list_file(path)) {
-        read_tie_list_file(path, "network", n, [&](int a, int b, double value, bool both) {
-            note_cell(seen, a, b, value);
-            arc(a, b, value);
-            if (both) arc(b, a, value);
-        });
-    } else {
-        read_matrix_file(path, "network", n, [&](int a, int b, double value) {
-            note_cell(seen, a, b, value);
-            arc(a, b, value);
-        });
-    }
-    if (notes != nullptr) *notes = seen;
+    digraph_building::read_arcs(d, path, n, notes);
     return d;
 }
 
 Digraph random_digraph_by_count(int n, int64_t arc_target, Rng& rng, SeedSource& seeds) {
-    const int64_t pairs = int64_t{n} * (int64_t{n} - 1);
-    if (arc_target < 0 || arc_target > pairs) {
-        throw SettingError(
-            format_message("vexa: a random start with %lld arcs is impossible: %d nodes have only "
-                           "%lld ordered pairs",
-                           static_cast<long long>(arc_target), n,
-                           static_cast<long long>(std::max<int64_t>(pairs, 0))));
-    }
+    digraph_building::check_arc_target(n, arc_target);
     Digraph d = create_digraph(n);
-    seeds.reseed(rng);
-    while (d.arc_count < arc_target) {
-        const int i = rng.node(n);
-        const int j = rng.node(n);
-        if (i != j && !d.has_arc(i, j)) {
-            add_arc(d, i, j);
-            update_two_paths(d, i, j, 1);
-        }
-    }
+    digraph_building::add_random_arcs(d, n, arc_target, rng, seeds);
     return d;
 }
 
@@ -270,11 +237,7 @@ Digraph random_digraph_by_density(int n, float p, Rng& rng, SeedSource& seeds) {
     return d;
 }
 
-double density(const Digraph& d) {
-    if (d.node_count < 2) return 0.0;
-    const double n = d.node_count;
-    return d.arc_count / n / (n - 1.0);
-}
+double density(const Digraph& d) { return digraph_building::density_of(d); }
 
 double mean_degree(const Digraph& d) { return static_cast<double>(d.arc_count) / d.node_count; }
 

@@ -24,68 +24,12 @@
 
 #include "base/matrix_text.h"
 #include "network/network_kind.h"
+#include "network/pair_table.h"
 
 namespace vexa {
 
 struct Rng;
 struct SeedSource;
-
-// Counts kept per unordered pair {a, b}, a < b, for the pairs whose count is not 0.
-class PairTable {
-public:
-    static uint64_t key(int a, int b) {
-        if (a > b) std::swap(a, b);
-        return uint64_t{static_cast<uint32_t>(a)} << 32 | static_cast<uint32_t>(b);
-    }
-
-    // Room for `expected` pairs before the first growth.
-    void reserve(size_t expected);
-    size_t size() const { return size_; }
-    size_t capacity() const { return slots_.size(); }
-
-    int32_t get(uint64_t key) const {
-        if (slots_.empty()) return 0;
-        for (size_t s = home(key);; s = (s + 1) & mask_) {
-            const Slot& slot = slots_[s];
-            if (slot.key == key) return slot.value;
-            if (slot.key == empty) return 0;
-        }
-    }
-    // Asks for the home slot of a pair ahead of reading it.
-    void prefetch(uint64_t key) const {
-        if (!slots_.empty()) __builtin_prefetch(&slots_[home(key)]);
-    }
-    // Adds delta to the pair's count and returns the new count; a pair reaching 0 leaves.
-    int32_t add(uint64_t key, int32_t delta);
-
-    // Calls fn(a, b, count) for every pair held, a < b, in table order.
-    template <typename Fn>
-    void for_each(Fn&& fn) const {
-        for (const Slot& slot : slots_) {
-            if (slot.key != empty) {
-                fn(static_cast<int>(slot.key >> 32), static_cast<int>(slot.key & 0xffffffffu),
-                   slot.value);
-            }
-        }
-    }
-
-private:
-    struct Slot {
-        uint64_t key;
-        int32_t value;
-    };
-    static constexpr uint64_t empty = ~uint64_t{0};
-
-    size_t home(uint64_t key) const {
-        return static_cast<size_t>((key * 0x9e3779b97f4a7c15ull) >> shift_);
-    }
-    void rehash(size_t capacity);
-
-    std::vector<Slot> slots_;
-    size_t mask_ = 0;
-    int shift_ = 64;
-    size_t size_ = 0;
-};
 
 struct SparseGraph {
     static constexpr NetworkKind kind = NetworkKind::graph;

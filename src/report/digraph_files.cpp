@@ -15,25 +15,29 @@ void print_degrees(FILE* out, const std::vector<int32_t>& degrees, const Moments
 
 }  // namespace
 
-void write_in_out_degree_header(FILE* out, const Digraph& digraph) {
+template <class D>
+void write_in_out_degree_header(FILE* out, const D& digraph) {
     for (int v = 1; v <= digraph.node_count; ++v) print(out, "ind%d\t", v);
     print(out, "mean\tstddev\tskew\t");
     for (int v = 1; v <= digraph.node_count; ++v) print(out, "outd%d\t", v);
     print(out, "mean\tstddev\tskew\n");
 }
 
-void write_in_out_degree_row(FILE* out, const Digraph& digraph) {
+template <class D>
+void write_in_out_degree_row(FILE* out, const D& digraph) {
     print_degrees(out, digraph.in_degree_values, in_degree_moments(digraph));
     print_degrees(out, digraph.out_degree_values, out_degree_moments(digraph));
     print(out, "\n");
 }
 
-void write_directed_geodesic_header(FILE* out, const Digraph& digraph) {
+template <class D>
+void write_directed_geodesic_header(FILE* out, const D& digraph) {
     for (int d = 1; d < digraph.node_count; ++d) print(out, "geo%d\t", d);
     print(out, "geoInf\n");
 }
 
-void write_directed_geodesic_row(FILE* out, const Digraph& digraph, const DigraphScratch& scratch) {
+template <class D>
+void write_directed_geodesic_row(FILE* out, const D& digraph, const DigraphScratch& scratch) {
     const int n = digraph.node_count;
     const std::vector<int64_t>& counts = scratch.geodesic_counts;
     if (counts.size() != static_cast<size_t>(n) + 1) {
@@ -44,6 +48,15 @@ void write_directed_geodesic_row(FILE* out, const Digraph& digraph, const Digrap
         print(out, "%lld\t", static_cast<long long>(counts[static_cast<size_t>(d)]));
     print(out, "%lld\n", static_cast<long long>(counts[static_cast<size_t>(n)]));
 }
+
+#define VEXA_DIGRAPH_FILES(D)                                      \
+    template void write_in_out_degree_header(FILE*, const D&);     \
+    template void write_in_out_degree_row(FILE*, const D&);        \
+    template void write_directed_geodesic_header(FILE*, const D&); \
+    template void write_directed_geodesic_row(FILE*, const D&, const DigraphScratch&);
+VEXA_DIGRAPH_FILES(Digraph)
+VEXA_DIGRAPH_FILES(SparseDigraph)
+#undef VEXA_DIGRAPH_FILES
 
 void write_digraph_clustering_header(FILE* out) {
     print(out, "%s", "cto\tcti\tctm\tccm\takct\akcd\takcu\takcc\n");

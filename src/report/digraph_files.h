@@ -11,12 +11,17 @@
 namespace vexa {
 
 // In-degrees "ind%d" and their moments, then out-degrees "outd%d" and theirs; nodes from 1.
-void write_in_out_degree_header(FILE* out, const Digraph& digraph);
-void write_in_out_degree_row(FILE* out, const Digraph& digraph);
+// Each writer serves both digraph stores (defined for Digraph and SparseDigraph).
+template <class D>
+void write_in_out_degree_header(FILE* out, const D& digraph);
+template <class D>
+void write_in_out_degree_row(FILE* out, const D& digraph);
 
 // Ordered pairs by the length of their shortest directed path: "geo1" .. "geo(n-1)", "geoInf".
-void write_directed_geodesic_header(FILE* out, const Digraph& digraph);
-void write_directed_geodesic_row(FILE* out, const Digraph& digraph, const DigraphScratch& scratch);
+template <class D>
+void write_directed_geodesic_header(FILE* out, const D& digraph);
+template <class D>
+void write_directed_geodesic_row(FILE* out, const D& digraph, const DigraphScratch& scratch);
 
 // The clustering coefficients. The header's text, "\a" between akct and kcd included, is the
 // one the front end knows.

@@ -61,6 +61,12 @@ void write_adjacency_rows(FILE* out, const Digraph& digraph, bool trailing_blank
                [&](int i, auto&& set) { mark_words(digraph.out_row(i), digraph.row_words, set); });
 }
 
+void write_adjacency_rows(FILE* out, const SparseDigraph& digraph, bool trailing_blank) {
+    write_rows(out, digraph, trailing_blank, [&](int i, auto&& set) {
+        for (const int32_t j : digraph.out_neighbours(i)) set(j);
+    });
+}
+
 void write_network_matrix(FILE* out, const Graph& graph) {
     write_adjacency_rows(out, graph, false);
 }
@@ -68,6 +74,10 @@ void write_network_matrix(FILE* out, const SparseGraph& graph) {
     write_adjacency_rows(out, graph, false);
 }
 void write_network_matrix(FILE* out, const Digraph& digraph) {
+    write_adjacency_rows(out, digraph, false);
+}
+
+void write_network_matrix(FILE* out, const SparseDigraph& digraph) {
     write_adjacency_rows(out, digraph, false);
 }
 
@@ -84,6 +94,12 @@ void write_network_file(const std::string& path, const SparseGraph& graph) {
 }
 
 void write_network_file(const std::string& path, const Digraph& digraph) {
+    OutFile file(path, OpenMode::truncate);
+    write_network_matrix(file, digraph);
+    file.close();
+}
+
+void write_network_file(const std::string& path, const SparseDigraph& digraph) {
     OutFile file(path, OpenMode::truncate);
     write_network_matrix(file, digraph);
     file.close();

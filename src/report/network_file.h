@@ -8,6 +8,7 @@
 
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
 
 namespace vexa {
@@ -18,15 +19,18 @@ namespace vexa {
 void write_adjacency_rows(FILE* out, const Graph& graph, bool trailing_blank);
 void write_adjacency_rows(FILE* out, const SparseGraph& graph, bool trailing_blank);
 void write_adjacency_rows(FILE* out, const Digraph& digraph, bool trailing_blank);
+void write_adjacency_rows(FILE* out, const SparseDigraph& digraph, bool trailing_blank);
 
 // The matrix file of a graph: rows of values separated by one blank, "\n" after each row.
 void write_network_matrix(FILE* out, const Graph& graph);
 void write_network_matrix(FILE* out, const SparseGraph& graph);
 void write_network_matrix(FILE* out, const Digraph& digraph);
+void write_network_matrix(FILE* out, const SparseDigraph& digraph);
 // The same into `path`, truncated first. Throws OutputFileError when it cannot be written.
 void write_network_file(const std::string& path, const Graph& graph);
 void write_network_file(const std::string& path, const SparseGraph& graph);
 void write_network_file(const std::string& path, const Digraph& digraph);
+void write_network_file(const std::string& path, const SparseDigraph& digraph);
 
 // The file of the sample taken at proposal `sample`: the prefix, the number with "%.0f" and
 // ".txt".

@@ -30,6 +30,24 @@ void graph_block(const G& graph, const std::string& label, const std::string& pa
     file.close();
 }
 
+// The digraph block's keywords have no asterisk.
+template <class D>
+void digraph_block(const D& digraph, const std::string& label, const std::string& path) {
+    {
+        OutFile file(path, OpenMode::append);
+        print(file, "Network %s\nvertices %d\nmatrix\n", label.c_str(), digraph.node_count);
+        file.close();
+    }
+    {
+        OutFile file(path, OpenMode::append);
+        write_adjacency_rows(file, digraph, true);
+        file.close();
+    }
+    OutFile file(path, OpenMode::append);
+    print(file, "\n");
+    file.close();
+}
+
 }  // namespace
 
 void write_pajek_matrix(FILE* out, const Graph& graph) { graph_matrix(out, graph); }
@@ -44,19 +62,11 @@ void write_pajek_block(const SparseGraph& graph, const std::string& label,
 }
 
 void write_pajek_block(const Digraph& digraph, const std::string& label, const std::string& path) {
-    {
-        OutFile file(path, OpenMode::append);
-        print(file, "Network %s\nvertices %d\nmatrix\n", label.c_str(), digraph.node_count);
-        file.close();
-    }
-    {
-        OutFile file(path, OpenMode::append);
-        write_adjacency_rows(file, digraph, true);
-        file.close();
-    }
-    OutFile file(path, OpenMode::append);
-    print(file, "\n");
-    file.close();
+    digraph_block(digraph, label, path);
+}
+void write_pajek_block(const SparseDigraph& digraph, const std::string& label,
+                       const std::string& path) {
+    digraph_block(digraph, label, path);
 }
 
 }  // namespace vexa

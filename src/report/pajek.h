@@ -11,6 +11,7 @@
 
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
 
 namespace vexa {
@@ -30,5 +31,7 @@ void write_pajek_block(const SparseGraph& graph, const std::string& label, const
 // arcs node i sends, every value followed by a blank) and one empty line. Opened three times,
 // like the graph block.
 void write_pajek_block(const Digraph& digraph, const std::string& label, const std::string& path);
+void write_pajek_block(const SparseDigraph& digraph, const std::string& label,
+                       const std::string& path);
 
 }  // namespace vexa

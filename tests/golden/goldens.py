@@ -9,8 +9,8 @@ directory, so the update files it writes into the working directory are caught t
   goldens.py --vexa build/vexa --check     fail on any difference, naming the files
   goldens.py --vexa build/vexa --update    record the current outputs (on purpose only)
   goldens.py ... --keep DIR                leave each case's outputs in DIR/<case> to inspect
-  goldens.py ... --check --store sparse    the graph cases again on the sparse store, which must
-                                           write the very same bytes (digraph cases are skipped)
+  goldens.py ... --check --store sparse    every case again on the sparse stores (graph and
+                                           digraph), which must write the very same bytes
   goldens.py --vexa vexa.exe --runner scripts/wine-run.sh --windows --check
                                            a Windows build under Wine, against the same records
 
@@ -70,20 +70,8 @@ def cases():
     return found
 
 
-def network_kind(path):
-    """The network kind of a run file: the second number after its task_and_network_kind label."""
-    with open(path) as handle:
-        lines = [line.strip() for line in handle]
-    for k, line in enumerate(lines):
-        if line == "task_and_network_kind" and k + 1 < len(lines):
-            return int(lines[k + 1].split()[1])
-    return 1
-
-
 def run_case(command, setup, work, store=None):
     run_file = setup(work)
-    if store is not None and network_kind(os.path.join(work, run_file)) != 1:
-        return None
     before = set(os.listdir(work))
     os.makedirs(os.path.join(work, "out"), exist_ok=True)
     arguments = ["--seed", SEED] + (["--store", store] if store else []) + [run_file]
@@ -148,7 +136,7 @@ def main():
     parser.add_argument("--skip", action="append", default=[],
                         help="leave out the cases whose name contains this (repeatable)")
     parser.add_argument("--store", choices=["dense", "sparse"],
-                        help="run the graph cases on this store (skip the digraph cases)")
+                        help="run every case on this store")
     parser.add_argument("--runner", help="the program that runs VEXA (Wine for a Windows build)")
     parser.add_argument("--windows", action="store_true",
                         help="VEXA is a Windows build: compare as a POSIX run would write")
@@ -164,8 +152,6 @@ def main():
     def run(name, setup):
         with tempfile.TemporaryDirectory() as work:
             outputs = run_case(command, setup, work, args.store)
-            if outputs is None:
-                return None
             if args.keep:
                 kept = os.path.join(args.keep, name)
                 shutil.rmtree(kept, ignore_errors=True)
@@ -183,8 +169,6 @@ def main():
         runs = [(name, pool.submit(run, name, setup)) for name, setup in chosen]
     for name, done in runs:
         outputs = done.result()
-        if outputs is None:
-            continue  # a digraph case, run on the graph store asked for
         if args.windows:
             outputs = as_on_posix(name, outputs, failures)
         prints = fingerprints(outputs)

@@ -249,6 +249,7 @@ TEST_P(AttributeProperty, TotalsAndChangesAgreeWithRecounts) {
         check_case<SparseGraph>(c);
     } else {
         check_case<Digraph>(c);
+        check_case<SparseDigraph>(c);
     }
 }
 

@@ -14,6 +14,7 @@
 #include "model/terms.h"
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
 #include "numeric/rng.h"
 #include "support/brute_force.h"
@@ -135,6 +136,31 @@ struct KindFixture<Digraph> {
     static Counts count(const Matrix& matrix) { return digraph_counts(matrix); }
     static double value(const Counts& counts, int row, double lambda) {
         return digraph_value(counts, static_cast<DigraphEffect>(row), lambda);
+    }
+};
+
+// The sparse digraph store over the same networks and recounts, built arc by arc in the order
+// the dense one is.
+template <>
+struct KindFixture<SparseDigraph> : KindFixture<Digraph> {
+    static SparseDigraph build(const Matrix& matrix) {
+        SparseDigraph d = create_sparse_digraph(matrix.n);
+        for (int a = 0; a < matrix.n; ++a) {
+            for (int b = 0; b < matrix.n; ++b) {
+                if (a != b && matrix(a, b)) {
+                    add_arc(d, a, b);
+                    update_two_paths(d, a, b, 1);
+                }
+            }
+        }
+        return d;
+    }
+    static Matrix adjacency(const SparseDigraph& digraph) {
+        Matrix m(digraph.node_count);
+        for (int a = 0; a < m.n; ++a) {
+            for (const int32_t b : digraph.out_neighbours(a)) m.set(a, b, true);
+        }
+        return m;
     }
 };
 

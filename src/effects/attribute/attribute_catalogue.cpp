@@ -4,6 +4,7 @@
 #include "effects/catalogue.h"
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_digraph.h"
 
 namespace vexa {
 
@@ -580,6 +581,17 @@ std::span<const EffectRow<Digraph>> attribute_rows<Digraph>(AttributeKind which)
         case AttributeKind::continuous: return digraph_continuous<Digraph>;
         case AttributeKind::categorical: return digraph_categorical<Digraph>;
         case AttributeKind::covariate: return digraph_covariate<Digraph>;
+    }
+    return {};
+}
+
+template <>
+std::span<const EffectRow<SparseDigraph>> attribute_rows<SparseDigraph>(AttributeKind which) {
+    switch (which) {
+        case AttributeKind::binary: return digraph_binary<SparseDigraph>;
+        case AttributeKind::continuous: return digraph_continuous<SparseDigraph>;
+        case AttributeKind::categorical: return digraph_categorical<SparseDigraph>;
+        case AttributeKind::covariate: return digraph_covariate<SparseDigraph>;
     }
     return {};
 }

@@ -17,6 +17,7 @@
 #include "effects/term.h"
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_digraph.h"
 
 namespace vexa::attribute_terms {
 

@@ -13,11 +13,14 @@
 #include <bit>
 #include <cstdint>
 #include <span>
+#include <type_traits>
 
 #include "base/compiler.h"
+#include "effects/digraph/arcs_at.h"
 #include "effects/digraph/digraph_catalogue.h"
 #include "effects/digraph/digraph_effects.h"
 #include "network/digraph.h"
+#include "network/sparse_digraph.h"
 
 namespace vexa {
 
@@ -52,20 +55,18 @@ double alternating_sum(const Term<D>& term, int d) {
     return sum;
 }
 
-// Calls fn(x) for every x in the intersection of two node sets, each given as a list and as the
-// adjacency row holding the same nodes; walks the shorter list testing the other row and stops
-// after `count` members (the intersection's size, known from the two-path matrices), so an
+// Calls fn(x) for every x in the intersection of two node sets, each given as a list and as a
+// membership test of the same nodes; walks the shorter list testing the other set and stops
+// after `count` members (the intersection's size, known from the two-path counts), so an
 // empty intersection costs nothing.
-template <typename Fn>
-inline void for_each_common(std::span<const int32_t> list_a, const uint64_t* row_a,
-                            std::span<const int32_t> list_b, const uint64_t* row_b, int count,
-                            Fn&& fn) {
+template <typename InA, typename InB, typename Fn>
+inline void for_each_common(std::span<const int32_t> list_a, InA&& in_a,
+                            std::span<const int32_t> list_b, InB&& in_b, int count, Fn&& fn) {
     if (count <= 0) return;
     const bool a_shorter = list_a.size() <= list_b.size();
     const std::span<const int32_t> walked = a_shorter ? list_a : list_b;
-    const uint64_t* tested = a_shorter ? row_b : row_a;
     for (const int32_t x : walked) {
-        if (bit_of(tested, x)) {
+        if (a_shorter ? in_b(x) : in_a(x)) {
             fn(x);
             if (--count == 0) return;
         }
@@ -98,11 +99,17 @@ inline void tally(std::array<int64_t, weight_table_cap + 1>& counts, int value) 
 // when R(i,j) = S(i,j) = 0.
 template <class D>
 double triangle_transitive(const D& d, const Term<D>& term, int i, int j, int fix) {
+    const ArcsAt<D> at_i(d, i);
+    const ArcsAt<D> at_j(d, j);
     double sum = lambda_of(term) * (1.0 - w(term, d.paths(i, j)));
-    for_each_common(d.out_neighbours(i), d.out_row(i), d.out_neighbours(j), d.out_row(j),
-                    d.receivers(i, j), [&](int y) { sum += gain(term, d.paths(i, y) + fix); });
-    for_each_common(d.in_neighbours(i), d.in_row(i), d.in_neighbours(j), d.in_row(j),
-                    d.senders(i, j), [&](int x) { sum += gain(term, d.paths(x, j) + fix); });
+    for_each_common(
+        d.out_neighbours(i), [&](int y) { return at_i.out(y); }, d.out_neighbours(j),
+        [&](int y) { return at_j.out(y); }, d.receivers(i, j),
+        [&](int y) { sum += gain(term, d.paths(i, y) + fix); });
+    for_each_common(
+        d.in_neighbours(i), [&](int x) { return at_i.in(x); }, d.in_neighbours(j),
+        [&](int x) { return at_j.in(x); }, d.senders(i, j),
+        [&](int x) { sum += gain(term, d.paths(x, j) + fix); });
     return sum;
 }
 
@@ -111,9 +118,12 @@ double triangle_transitive(const D& d, const Term<D>& term, int i, int j, int fi
 // O(min(out_j, in_i)), nothing when P(j,i) = 0.
 template <class D>
 double triangle_cyclic(const D& d, const Term<D>& term, int i, int j, int fix) {
+    const ArcsAt<D> at_i(d, i);
+    const ArcsAt<D> at_j(d, j);
     double sum = lambda_of(term) * (1.0 - w(term, d.paths(j, i)));
     for_each_common(
-        d.out_neighbours(j), d.out_row(j), d.in_neighbours(i), d.in_row(i), d.paths(j, i),
+        d.out_neighbours(j), [&](int x) { return at_j.out(x); }, d.in_neighbours(i),
+        [&](int x) { return at_i.in(x); }, d.paths(j, i),
         [&](int x) { sum += gain(term, d.paths(i, x) + fix) + gain(term, d.paths(x, j) + fix); });
     return sum;
 }
@@ -126,10 +136,9 @@ double triangle_down(const D& d, const Term<D>& term, int i, int j, int fix) {
     double sum = lambda_of(term) * (1.0 - w(term, d.senders(i, j)));
     int left = d.receivers(i, j) + d.paths(i, j);
     if (left == 0) return sum;
-    const uint64_t* out_j = d.out_row(j);
-    const uint64_t* in_j = d.in_row(j);
+    const ArcsAt<D> at_j(d, j);
     for (const int32_t y : d.out_neighbours(i)) {
-        const int arcs = bit_of(out_j, y) + bit_of(in_j, y);
+        const int arcs = at_j.out(y) + at_j.in(y);
         if (arcs == 0) continue;
         sum += arcs * gain(term, d.senders(j, y) + fix);
         if ((left -= arcs) == 0) break;
@@ -145,10 +154,9 @@ double triangle_up(const D& d, const Term<D>& term, int i, int j, int fix) {
     double sum = lambda_of(term) * (1.0 - w(term, d.receivers(i, j)));
     int left = d.paths(i, j) + d.senders(i, j);
     if (left == 0) return sum;
-    const uint64_t* out_i = d.out_row(i);
-    const uint64_t* in_i = d.in_row(i);
+    const ArcsAt<D> at_i(d, i);
     for (const int32_t y : d.in_neighbours(j)) {
-        const int arcs = bit_of(out_i, y) + bit_of(in_i, y);
+        const int arcs = at_i.out(y) + at_i.in(y);
         if (arcs == 0) continue;
         sum += arcs * gain(term, d.receivers(i, y) + fix);
         if ((left -= arcs) == 0) break;
@@ -165,12 +173,20 @@ double triangle_up(const D& d, const Term<D>& term, int i, int j, int fix) {
 // O(out_j + in_i).
 template <class D>
 double two_path_transitive(const D& d, const Term<D>& term, int i, int j, int fix) {
-    const uint16_t* from_i = d.paths_row(i);
-    for (const int32_t y : d.out_neighbours(j)) prefetch(from_i + y);
-    for (const int32_t x : d.in_neighbours(i)) prefetch(d.paths_row(x) + j);
     double sum = 0.0;
-    for (const int32_t y : d.out_neighbours(j)) {
-        if (y != i) sum += gain(term, from_i[y] + fix);
+    if constexpr (std::is_same_v<D, Digraph>) {
+        const uint16_t* from_i = d.paths_row(i);
+        for (const int32_t y : d.out_neighbours(j)) prefetch(from_i + y);
+        for (const int32_t x : d.in_neighbours(i)) prefetch(d.paths_row(x) + j);
+        for (const int32_t y : d.out_neighbours(j)) {
+            if (y != i) sum += gain(term, from_i[y] + fix);
+        }
+    } else {
+        for (const int32_t y : d.out_neighbours(j)) d.prefetch_paths(i, y);
+        for (const int32_t x : d.in_neighbours(i)) d.prefetch_paths(x, j);
+        for (const int32_t y : d.out_neighbours(j)) {
+            if (y != i) sum += gain(term, d.paths(i, y) + fix);
+        }
     }
     for (const int32_t x : d.in_neighbours(i)) {
         if (x != j) sum += gain(term, d.paths(x, j) + fix);
@@ -182,10 +198,15 @@ double two_path_transitive(const D& d, const Term<D>& term, int i, int j, int fi
 // receiver y of i. O(out_i).
 template <class D>
 double two_path_down(const D& d, const Term<D>& term, int i, int j, int fix) {
-    const uint16_t* from_j = d.senders_row(j);
-    for (const int32_t y : d.out_neighbours(i)) prefetch(from_j + y);
     double sum = 0.0;
-    for (const int32_t y : d.out_neighbours(i)) sum += gain(term, from_j[y] + fix);
+    if constexpr (std::is_same_v<D, Digraph>) {
+        const uint16_t* from_j = d.senders_row(j);
+        for (const int32_t y : d.out_neighbours(i)) prefetch(from_j + y);
+        for (const int32_t y : d.out_neighbours(i)) sum += gain(term, from_j[y] + fix);
+    } else {
+        for (const int32_t y : d.out_neighbours(i)) d.prefetch_senders(j, y);
+        for (const int32_t y : d.out_neighbours(i)) sum += gain(term, d.senders(j, y) + fix);
+    }
     return sum;
 }
 
@@ -193,21 +214,39 @@ double two_path_down(const D& d, const Term<D>& term, int i, int j, int fix) {
 // sender y of j. O(in_j).
 template <class D>
 double two_path_up(const D& d, const Term<D>& term, int i, int j, int fix) {
-    const uint16_t* from_i = d.receivers_row(i);
-    for (const int32_t y : d.in_neighbours(j)) prefetch(from_i + y);
     double sum = 0.0;
-    for (const int32_t y : d.in_neighbours(j)) sum += gain(term, from_i[y] + fix);
+    if constexpr (std::is_same_v<D, Digraph>) {
+        const uint16_t* from_i = d.receivers_row(i);
+        for (const int32_t y : d.in_neighbours(j)) prefetch(from_i + y);
+        for (const int32_t y : d.in_neighbours(j)) sum += gain(term, from_i[y] + fix);
+    } else {
+        for (const int32_t y : d.in_neighbours(j)) d.prefetch_receivers(i, y);
+        for (const int32_t y : d.in_neighbours(j)) sum += gain(term, d.receivers(i, y) + fix);
+    }
     return sum;
 }
 
-// The pair counts of one two-path matrix over ordered pairs (or unordered, u < v).
-template <class D, typename Read>
-std::array<int64_t, weight_table_cap + 1> pair_histogram(const D& d, bool ordered, Read&& read) {
+// The pair counts of one kind of two-path (two_path_t over ordered pairs, _d and _u over
+// unordered ones): every pair of the dense store's matrix, or the pairs the sparse store's
+// table holds (the others count 0, which weighs nothing).
+template <class D>
+std::array<int64_t, weight_table_cap + 1> pair_histogram(const D& d, int16_t kind) {
     std::array<int64_t, weight_table_cap + 1> counts{};
-    for (int u = 0; u < d.node_count; ++u) {
-        for (int v = ordered ? 0 : u + 1; v < d.node_count; ++v) {
-            if (v != u) tally(counts, read(u, v));
+    if constexpr (std::is_same_v<D, Digraph>) {
+        const bool ordered = kind == two_path_t;
+        for (int u = 0; u < d.node_count; ++u) {
+            for (int v = ordered ? 0 : u + 1; v < d.node_count; ++v) {
+                if (v == u) continue;
+                tally(counts, kind == two_path_t   ? d.paths(u, v)
+                              : kind == two_path_d ? d.senders(u, v)
+                                                   : d.receivers(u, v));
+            }
         }
+    } else {
+        const PairTable& table = kind == two_path_t   ? d.two_paths
+                                 : kind == two_path_d ? d.common_senders
+                                                      : d.common_receivers;
+        table.for_each([&counts](int, int, int32_t count) { tally(counts, count); });
     }
     return counts;
 }
@@ -323,29 +362,23 @@ template <class D>
 double total_alternating_two_path(const D& d, const Term<D>& term, const Workspace&) {
     if (switched_off(term)) return 0.0;
     double sum = 0.0;
-    if (term.variant & two_path_t) {
-        sum += from_histogram(
-            term, pair_histogram(d, true, [&d](int u, int v) { return d.paths(u, v); }));
-    }
-    if (term.variant & two_path_d) {
-        sum += from_histogram(
-            term, pair_histogram(d, false, [&d](int u, int v) { return d.senders(u, v); }));
-    }
-    if (term.variant & two_path_u) {
-        sum += from_histogram(
-            term, pair_histogram(d, false, [&d](int u, int v) { return d.receivers(u, v); }));
+    for (const int16_t kind : {two_path_t, two_path_d, two_path_u}) {
+        if (term.variant & kind) sum += from_histogram(term, pair_histogram(d, kind));
     }
     return sum;
 }
 
-#define VEXA_INSTANTIATE(name)                                                                     \
-    template double change_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&, \
-                                           int, int, int);                                         \
-    template double total_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&);
+#define VEXA_INSTANTIATE_FOR(name, D)                                                            \
+    template double change_##name<D>(const D&, const Term<D>&, const Workspace&, int, int, int); \
+    template double total_##name<D>(const D&, const Term<D>&, const Workspace&);
+#define VEXA_INSTANTIATE(name)          \
+    VEXA_INSTANTIATE_FOR(name, Digraph) \
+    VEXA_INSTANTIATE_FOR(name, SparseDigraph)
 VEXA_INSTANTIATE(alternating_star)
 VEXA_INSTANTIATE(mixed_alternating_star)
 VEXA_INSTANTIATE(alternating_triangle)
 VEXA_INSTANTIATE(alternating_two_path)
 #undef VEXA_INSTANTIATE
+#undef VEXA_INSTANTIATE_FOR
 
 }  // namespace vexa

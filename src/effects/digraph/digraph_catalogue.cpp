@@ -4,12 +4,11 @@
 
 #include "effects/digraph/digraph_effects.h"
 #include "network/digraph.h"
+#include "network/sparse_digraph.h"
 
 namespace vexa {
 
 namespace {
-
-using Row = EffectRow<Digraph>;
 
 // Labels by file: the run and update files use the run-file names ("in-3-star"), the statistics
 // report the summary lines ("T9(030T)"), the estimation summary the triad-class names ("030T")
@@ -20,8 +19,9 @@ using Row = EffectRow<Digraph>;
 // clang-format off
 #define LABELS(update, report, summary, simulation, shortname, format) \
     {update, report, shortname, summary, simulation, shortname, shortname, shortname, format}
-#define FAMILY(name) &change_##name<Digraph>, &total_##name<Digraph>
-constexpr std::array<Row, digraph_effect_count> rows{{
+#define FAMILY(name) &change_##name<D>, &total_##name<D>
+template <class D>
+constexpr std::array<EffectRow<D>, digraph_effect_count> rows{{
     //   update              report           summary          simulation       short        format      lambda integral clique carried variant
     {{LABELS("arc",              "arc",           "arc",           "arc",           "arc",       "F8.0"), 0.0f, true,  0, true, 0},  FAMILY(arc)},
     {{LABELS("reciprocity",      "reciprocity",   "reciprocity",   "reciprocity",   "recip",     "F8.0"), 0.0f, true,  0, true, 0},  FAMILY(reciprocity)},
@@ -85,12 +85,13 @@ constexpr std::array<int32_t, digraph_effect_count> catalogue_order = [] {
 }();
 
 constexpr bool names_unique() {
-    for (size_t k = 0; k < rows.size(); ++k) {
-        for (size_t m = k + 1; m < rows.size(); ++m) {
-            if (same_text(rows[k].about.labels.sample_column, rows[m].about.labels.sample_column))
+    const auto& all = rows<Digraph>;
+    for (size_t k = 0; k < all.size(); ++k) {
+        for (size_t m = k + 1; m < all.size(); ++m) {
+            if (same_text(all[k].about.labels.sample_column, all[m].about.labels.sample_column))
                 return false;
-            if (rows[k].about.labels.update_name != nullptr &&
-                same_text(rows[k].about.labels.update_name, rows[m].about.labels.update_name)) {
+            if (all[k].about.labels.update_name != nullptr &&
+                same_text(all[k].about.labels.update_name, all[m].about.labels.update_name)) {
                 return false;
             }
         }
@@ -101,7 +102,7 @@ static_assert(names_unique(), "short names and run-file names are unique");
 static_assert(valid_order<digraph_effect_count>(run_file_order),
               "every run-file entry sets one row once");
 
-constexpr auto descriptions = descriptions_of(rows);
+constexpr auto descriptions = descriptions_of(rows<Digraph>);
 const CatalogueView view{descriptions, run_file_order, catalogue_order};
 
 }  // namespace
@@ -110,7 +111,12 @@ const CatalogueView& digraph_structural_catalogue() { return view; }
 
 template <>
 std::span<const EffectRow<Digraph>> structural_rows<Digraph>() {
-    return rows;
+    return rows<Digraph>;
+}
+
+template <>
+std::span<const EffectRow<SparseDigraph>> structural_rows<SparseDigraph>() {
+    return rows<SparseDigraph>;
 }
 
 }  // namespace vexa

@@ -10,6 +10,7 @@
 namespace vexa {
 
 struct Digraph;
+struct SparseDigraph;
 
 enum class DigraphEffect : int32_t {
     arc,
@@ -68,6 +69,8 @@ inline constexpr int16_t two_path_u = 8;  // i->x and j->x: common receivers
 
 template <>
 std::span<const EffectRow<Digraph>> structural_rows<Digraph>();
+template <>
+std::span<const EffectRow<SparseDigraph>> structural_rows<SparseDigraph>();
 
 // A term of one row as a run builds it (see structural_term).
 inline Term<Digraph> digraph_term(DigraphEffect effect, int32_t slot, float lambda = 0.0f) {

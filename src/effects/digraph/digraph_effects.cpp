@@ -6,8 +6,11 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <vector>
 
+#include "effects/digraph/arcs_at.h"
 #include "network/digraph.h"
+#include "network/sparse_digraph.h"
 
 namespace vexa {
 
@@ -108,43 +111,38 @@ static_assert(triad_counts[0][63] == 1 && triad_counts[8][63] == 6 && triad_coun
               "a complete triad is one T1, six transitive triples and two cycles");
 
 // T1 to T5 need arcs on all three pairs of a triad, so only third nodes adjacent to both i and
-// j count. Walks the neighbours of whichever end has fewer, testing the other end's rows.
-// Cost O(min(out_i + in_i, out_j + in_j)).
+// j count. Walks the neighbours of whichever end has fewer, testing the arcs at the other end.
+// Cost O(min(out_i + in_i, out_j + in_j)) arc tests.
 template <class D>
 double closed_triad_change(const D& d, int configuration, int i, int j) {
     const auto& change = triad_changes[static_cast<size_t>(configuration - 1)];
-    const uint64_t* out_i = d.out_row(i);
-    const uint64_t* in_i = d.in_row(i);
-    const uint64_t* out_j = d.out_row(j);
-    const uint64_t* in_j = d.in_row(j);
-    const int back = bit_of(out_j, i) ? 1 : 0;
+    const ArcsAt<D> at_i(d, i);
+    const ArcsAt<D> at_j(d, j);
+    const int back = at_j.out(i);
     int sum = 0;
     const auto count = [&](int k) {
-        const int bits = back | (bit_of(out_i, k) << 1) | (bit_of(in_i, k) << 2) |
-                         (bit_of(out_j, k) << 3) | (bit_of(in_j, k) << 4);
+        const int bits =
+            back | (at_i.out(k) << 1) | (at_i.in(k) << 2) | (at_j.out(k) << 3) | (at_j.in(k) << 4);
         sum += change[static_cast<size_t>(bits)];
     };
     const bool from_i = d.out_degree(i) + d.in_degree(i) <= d.out_degree(j) + d.in_degree(j);
     const int near = from_i ? i : j;
     const int far = from_i ? j : i;
-    const uint64_t* near_out = from_i ? out_i : out_j;
-    const uint64_t* far_out = from_i ? out_j : out_i;
-    const uint64_t* far_in = from_i ? in_j : in_i;
+    const ArcsAt<D>& near_at = from_i ? at_i : at_j;
+    const ArcsAt<D>& far_at = from_i ? at_j : at_i;
     for (const int32_t k : d.out_neighbours(near)) {
-        if (k != far && (bit_of(far_out, k) || bit_of(far_in, k))) count(k);
+        if (k != far && (far_at.out(k) || far_at.in(k))) count(k);
     }
     for (const int32_t k : d.in_neighbours(near)) {
-        if (k != far && !bit_of(near_out, k) && (bit_of(far_out, k) || bit_of(far_in, k))) count(k);
+        if (k != far && !near_at.out(k) && (far_at.out(k) || far_at.in(k))) count(k);
     }
     return sum;
 }
 
-// T1 to T5 over the network: every triple whose three pairs are all adjacent, found as
+// T1 to T5 over the dense store: every triple whose three pairs are all adjacent, found as
 // u < v < k with k among the common neighbours (either direction) of u and v, a word at a time.
 // Cost O(adjacent pairs x n / 64).
-template <class D>
-double closed_triad_total(const D& d, int configuration) {
-    const auto& counts = triad_counts[static_cast<size_t>(configuration - 1)];
+inline int64_t closed_triad_sum(const Digraph& d, const std::array<int8_t, 64>& counts) {
     const int words = d.row_words;
     int64_t sum = 0;
     for (int u = 0; u < d.node_count; ++u) {
@@ -174,7 +172,61 @@ double closed_triad_total(const D& d, int configuration) {
             }
         }
     }
-    return static_cast<double>(sum);
+    return sum;
+}
+
+// Marks the neighbours of v: bit 0 for v->k, bit 1 for k->v (marks[k] == 0 elsewhere).
+inline void mark_arcs(const SparseDigraph& d, int v, std::vector<uint8_t>& marks, bool set) {
+    for (const int32_t k : d.out_neighbours(v)) marks[static_cast<size_t>(k)] = set ? 1 : 0;
+    for (const int32_t k : d.in_neighbours(v)) {
+        uint8_t& m = marks[static_cast<size_t>(k)];
+        m = set ? static_cast<uint8_t>(m | 2) : 0;
+    }
+}
+
+// Calls fn(k) once for every neighbour k > above of v (either direction), from v's marks.
+template <typename Fn>
+inline void for_each_neighbour_above(const SparseDigraph& d, int v, int above,
+                                     const std::vector<uint8_t>& marks, Fn&& fn) {
+    for (const int32_t k : d.out_neighbours(v)) {
+        if (k > above) fn(k);
+    }
+    for (const int32_t k : d.in_neighbours(v)) {
+        if (k > above && (marks[static_cast<size_t>(k)] & 1) == 0) fn(k);
+    }
+}
+
+// The same over the sparse store, from the lists with the neighbours of u and of v marked.
+// Cost O(sum over adjacent pairs of the degree).
+inline int64_t closed_triad_sum(const SparseDigraph& d, const std::array<int8_t, 64>& counts) {
+    const size_t nodes = static_cast<size_t>(d.node_count);
+    std::vector<uint8_t> at_u(nodes, 0), at_v(nodes, 0);
+    int64_t sum = 0;
+    for (int u = 0; u < d.node_count; ++u) {
+        mark_arcs(d, u, at_u, true);
+        for_each_neighbour_above(d, u, u, at_u, [&](int v) {
+            mark_arcs(d, v, at_v, true);
+            const int uv_marks = at_u[static_cast<size_t>(v)];
+            const int uv = ((uv_marks & 1) << arc_bit(0, 1)) | ((uv_marks >> 1) << arc_bit(1, 0));
+            for_each_neighbour_above(d, v, v, at_v, [&](int k) {
+                const int mu = at_u[static_cast<size_t>(k)];
+                if (mu == 0) return;
+                const int mv = at_v[static_cast<size_t>(k)];
+                const int code = uv | ((mu & 1) << arc_bit(0, 2)) | ((mu >> 1) << arc_bit(2, 0)) |
+                                 ((mv & 1) << arc_bit(1, 2)) | ((mv >> 1) << arc_bit(2, 1));
+                sum += counts[static_cast<size_t>(code)];
+            });
+            mark_arcs(d, v, at_v, false);
+        });
+        mark_arcs(d, u, at_u, false);
+    }
+    return sum;
+}
+
+template <class D>
+double closed_triad_total(const D& d, int configuration) {
+    return static_cast<double>(
+        closed_triad_sum(d, triad_counts[static_cast<size_t>(configuration - 1)]));
 }
 
 }  // namespace
@@ -334,10 +386,12 @@ double total_isolates(const D& d, const Term<D>&, const Workspace&) {
     return static_cast<double>(sum);
 }
 
-#define VEXA_INSTANTIATE(name)                                                                     \
-    template double change_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&, \
-                                           int, int, int);                                         \
-    template double total_##name<Digraph>(const Digraph&, const Term<Digraph>&, const Workspace&);
+#define VEXA_INSTANTIATE_FOR(name, D)                                                            \
+    template double change_##name<D>(const D&, const Term<D>&, const Workspace&, int, int, int); \
+    template double total_##name<D>(const D&, const Term<D>&, const Workspace&);
+#define VEXA_INSTANTIATE(name)          \
+    VEXA_INSTANTIATE_FOR(name, Digraph) \
+    VEXA_INSTANTIATE_FOR(name, SparseDigraph)
 VEXA_INSTANTIATE(arc)
 VEXA_INSTANTIATE(reciprocity)
 VEXA_INSTANTIATE(in_star)
@@ -348,5 +402,6 @@ VEXA_INSTANTIATE(sink)
 VEXA_INSTANTIATE(source)
 VEXA_INSTANTIATE(isolates)
 #undef VEXA_INSTANTIATE
+#undef VEXA_INSTANTIATE_FOR
 
 }  // namespace vexa

@@ -35,7 +35,7 @@ void usage(FILE* out) {
         "               parameter sets drawn from the normal distribution around its estimates\n"
         "               (the update files in the working directory) with its covariance file\n"
         "               to SETSFILE, one per line, for a Bayesian goodness of fit (task 4)\n"
-        "  --store S    the graph store: dense (n x n arrays, fastest on small networks) or\n"
+        "  --store S    the network store: dense (n x n arrays, fastest on small networks) or\n"
         "               sparse (memory in proportion to the ties); without it, sparse above\n"
         "               20,000 nodes or when the dense arrays would take half the memory\n"
         "  --help       show this help\n"

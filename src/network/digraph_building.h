@@ -1,0 +1,78 @@
+#pragma once
+// What both digraph stores (dense and sparse) do alike on top of their own add_arc,
+// update_two_paths and has_arc: read a matrix file, draw a random start, give the density.
+// Included by the two stores' sources only.
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+
+#include "base/errors.h"
+#include "base/matrix_text.h"
+#include "numeric/rng.h"
+
+namespace vexa::digraph_building {
+
+// Adds the arcs of an n x n matrix file to an empty store D: row i holds the arcs sent by node
+// i, a value of exactly 1 off the diagonal is an arc. Notes cells other than 0 and 1. A file
+// that lists its ties instead adds every tie of value 1, both ways for a line under *Edges.
+template <class D>
+void read_arcs(D& d, const std::string& path, int n, MatrixNotes* notes) {
+    MatrixNotes seen;
+    const auto arc = [&](int a, int b, double value) {
+        if (a != b && value == 1.0 && !d.has_arc(a, b)) {
+            add_arc(d, a, b);
+            update_two_paths(d, a, b, 1);
+        }
+    };
+    if (is_tie_list_file(path)) {
+        read_tie_list_file(path, "network", n, [&](int a, int b, double value, bool both) {
+            note_cell(seen, a, b, value);
+            arc(a, b, value);
+            if (both) arc(b, a, value);
+        });
+    } else {
+        read_matrix_file(path, "network", n, [&](int a, int b, double value) {
+            note_cell(seen, a, b, value);
+            arc(a, b, value);
+        });
+    }
+    if (notes != nullptr) *notes = seen;
+}
+
+// Throws SettingError when n nodes cannot hold arc_target arcs.
+inline void check_arc_target(int n, int64_t arc_target) {
+    const int64_t pairs = int64_t{n} * (int64_t{n} - 1);
+    if (arc_target < 0 || arc_target > pairs) {
+        throw SettingError(
+            format_message("vexa: a random start with %lld arcs is impossible: %d nodes have only "
+                           "%lld ordered pairs",
+                           static_cast<long long>(arc_target), n,
+                           static_cast<long long>(std::max<int64_t>(pairs, 0))));
+    }
+}
+
+// Adds uniformly drawn ordered pairs (sender, then receiver) to an empty store until it holds
+// arc_target arcs (the generator is reseeded first).
+template <class D>
+void add_random_arcs(D& d, int n, int64_t arc_target, Rng& rng, SeedSource& seeds) {
+    seeds.reseed(rng);
+    while (d.arc_count < arc_target) {
+        const int i = rng.node(n);
+        const int j = rng.node(n);
+        if (i != j && !d.has_arc(i, j)) {
+            add_arc(d, i, j);
+            update_two_paths(d, i, j, 1);
+        }
+    }
+}
+
+// Arcs / n / (n-1); 0 for fewer than two nodes.
+template <class D>
+double density_of(const D& d) {
+    if (d.node_count < 2) return 0.0;
+    const double n = d.node_count;
+    return d.arc_count / n / (n - 1.0);
+}
+
+}  // namespace vexa::digraph_building
