@@ -184,10 +184,13 @@ void read_matrix_file(const std::string& path, const char* what, int n,
 bool is_tie_list_file(const std::string& path) {
     FILE* file = open_file(path, "rb");
     if (file == nullptr) return false;  // the matrix reader names the file it cannot open
-    int c = 0;
-    do {
+    int c = std::fgetc(file);
+    while (c != EOF && (is_space(static_cast<char>(c)) || c == '%')) {
+        if (c == '%') {  // a comment runs to the end of its line
+            while (c != EOF && c != '\n') c = std::fgetc(file);
+        }
         c = std::fgetc(file);
-    } while (c != EOF && is_space(static_cast<char>(c)));
+    }
     std::fclose(file);
     return c == '*';
 }

@@ -72,7 +72,7 @@ void read_matrix_file(const std::string& path, const char* what, int n,
 // Nodes are numbered from 1; a line starting with '%' is a comment; a tie of a node to itself
 // is skipped, as the diagonal of a matrix is.
 //
-// Whether the file is such a list: its first word starts with '*'.
+// Whether the file is such a list: its first word past any comments starts with '*'.
 bool is_tie_list_file(const std::string& path);
 // Calls tie(from, to, value, both) for every listed tie (nodes from 0); `both` says that the
 // line stands under *Edges and so ties the two nodes both ways. Throws InputFileError naming the

@@ -156,6 +156,7 @@ Store read_store(const std::string& path, int n) {
     if constexpr (std::is_same_v<Store, Graph>) return read_graph(path, n);
     if constexpr (std::is_same_v<Store, SparseGraph>) return read_sparse_graph(path, n);
     if constexpr (std::is_same_v<Store, Digraph>) return read_digraph(path, n);
+    if constexpr (std::is_same_v<Store, SparseDigraph>) return read_sparse_digraph(path, n);
 }
 
 template <class Store>
@@ -196,11 +197,58 @@ void expect_matrix_files_read(const std::string& dir) {
     }
 }
 
-TEST(MatrixFiles, EveryStoreReadsAMatrixFileAndRefusesBadOnes) {
+// The hand-drawn network's arcs as a list: two pairs tied both ways under *Edges, the valued
+// cells with their values, names and comments to skip.
+const char* const hand_drawn_list =
+    "% drawn by hand\n*Network hand\n*Vertices 4\n1 \"a\"\n2 \"b\"\n*Edges\n1 2\n4 3 1\n"
+    "*arcs\n1 3 2\n1 4 -1\n2 3 1.5\n3 1\n3 2\n4 1\n2 2\n";
+
+// A list ties what it lists; a graph takes every listed tie, whichever way it is listed.
+template <class Store>
+void expect_tie_lists_read(const std::string& dir) {
+    constexpr bool directed = Store::kind == NetworkKind::digraph;
+    SCOPED_TRACE(directed ? "digraph" : "graph");
+    testing::write_text(dir + "/list.txt", hand_drawn_list);
+    const Store store = read_store<Store>(dir + "/list.txt", 4);
+    for (int i = 0; i < 4; ++i) {
+        for (int j = 0; j < 4; ++j) {
+            const bool listed = hand_drawn_ones[i][j] == 1 || (!directed && hand_drawn_ones[j][i]);
+            EXPECT_EQ(has_tie(store, i, j), i != j && listed) << i << j;
+        }
+    }
+    EXPECT_EQ(check_bookkeeping(store), "");
+    for (const auto& [text, says] :
+         {std::pair{"*Vertices 5\n",
+                    "line 1: the run has 4 nodes, but the list says '*Vertices 5'"},
+          std::pair{"*Arcs\n1 2\n", "line 1: the node count comes first"},
+          std::pair{"*Network x\n1 2\n", "line 2: the list starts with '*Vertices n'"},
+          std::pair{"*Vertices 4\n*Arcs\n1 5\n", "line 3: node 5 is not among the 4 nodes"},
+          std::pair{"*Vertices 4\n*Arcs\n1 x\n", "line 3: 'x' is not a node number"},
+          std::pair{"*Vertices 4\n*Arcs\n1\n", "line 3: a tie needs two node numbers"},
+          std::pair{"*Vertices 4\n*Arcs\n1 2 one\n", "line 3: 'one' is not a number"},
+          std::pair{"*Vertices 4\n*Matrix\n", "line 2: '*Matrix' sections are not read"}}) {
+        testing::write_text(dir + "/bad.txt", text);
+        try {
+            read_store<Store>(dir + "/bad.txt", 4);
+            ADD_FAILURE() << "accepted: " << text;
+        } catch (const InputFileError& e) {
+            EXPECT_NE(std::string(e.what()).find(std::string("bad.txt', ") + says),
+                      std::string::npos)
+                << e.what();
+        }
+    }
+}
+
+TEST(MatrixFiles, EveryStoreReadsAMatrixFileOrATieListAndRefusesBadOnes) {
     const std::string dir = testing::scratch_directory("store_read");
     expect_matrix_files_read<Graph>(dir);
     expect_matrix_files_read<SparseGraph>(dir);
     expect_matrix_files_read<Digraph>(dir);
+    expect_matrix_files_read<SparseDigraph>(dir);
+    expect_tie_lists_read<Graph>(dir);
+    expect_tie_lists_read<SparseGraph>(dir);
+    expect_tie_lists_read<Digraph>(dir);
+    expect_tie_lists_read<SparseDigraph>(dir);
 }
 
 // Cells other than 0 and 1, and pairs whose two cells disagree, counted by the readers as a
