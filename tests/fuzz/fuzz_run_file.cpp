@@ -40,7 +40,8 @@ bool small_work(const vexa::RunSettings& s) {
             return false;
         return s.gof_after_estimation != 1 || s.node_count <= 10;
     }
-    return true;
+    // The Bayesian goodness of fit: a burn-in for every parameter set.
+    return s.burn_in * s.sample_count <= 400000.0;
 }
 
 }  // namespace
