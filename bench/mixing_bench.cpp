@@ -43,6 +43,7 @@
 #include "model/terms.h"
 #include "network/digraph.h"
 #include "network/graph.h"
+#include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
 #include "numeric/matrix.h"
 #include "sampler/steps.h"
@@ -91,23 +92,28 @@ GraphSetup<G> graph_setup(int n) {
         std::move(store), make_terms<G>(model), {balancing_density_parameter(n), 0.1, 0.1, -0.1}};
 }
 
+template <class D>
 struct DigraphSetup {
-    Digraph store;
-    std::vector<Term<Digraph>> terms;
+    D store;
+    std::vector<Term<D>> terms;
     std::vector<double> parameters;
 };
 
-DigraphSetup digraph_setup(int n) {
+template <class D>
+DigraphSetup<D> digraph_setup(int n) {
     Rng rng;
     SeedSource seeds{.fixed = true, .base = 42};
-    DigraphSetup s{
-        random_digraph_by_count(n, static_cast<int64_t>(n * mean_degree_target), rng, seeds),
-        {},
-        {balancing_density_parameter(n), 0.5, 0.1, -0.1}};
+    const auto arcs = static_cast<int64_t>(n * mean_degree_target);
+    DigraphSetup<D> s{{}, {}, {balancing_density_parameter(n), 0.5, 0.1, -0.1}};
+    if constexpr (std::is_same_v<D, Digraph>) {
+        s.store = random_digraph_by_count(n, arcs, rng, seeds);
+    } else {
+        s.store = random_sparse_digraph(n, arcs, rng, seeds);
+    }
     int32_t slot = 0;
     for (const DigraphEffect effect : {DigraphEffect::arc, DigraphEffect::reciprocity,
                                        DigraphEffect::at_t, DigraphEffect::a2p_t}) {
-        s.terms.push_back(digraph_term(effect, slot++, 2.0f));
+        s.terms.push_back(structural_term<D>(static_cast<int>(effect), slot++, 2.0f));
     }
     return s;
 }
@@ -117,6 +123,7 @@ double mean_degree_of(const G& g) {
     return 2.0 * g.edge_count / g.node_count;
 }
 double mean_degree_of(const Digraph& d) { return mean_degree(d); }
+double mean_degree_of(const SparseDigraph& d) { return mean_degree(d); }
 
 double peak_megabytes() {
     rusage usage{};
@@ -194,8 +201,14 @@ void BM_GraphMixing(benchmark::State& state) {
 }
 
 void BM_DigraphMixing(benchmark::State& state) {
-    DigraphSetup s = digraph_setup(static_cast<int>(state.range(0)));
-    measure_mixing(state, s.store, s.terms, s.parameters);
+    const int n = static_cast<int>(state.range(0));
+    if (n > 5000) {
+        DigraphSetup<SparseDigraph> s = digraph_setup<SparseDigraph>(n);
+        measure_mixing(state, s.store, s.terms, s.parameters);
+    } else {
+        DigraphSetup<Digraph> s = digraph_setup<Digraph>(n);
+        measure_mixing(state, s.store, s.terms, s.parameters);
+    }
 }
 
 // The large sizes take minutes and gigabytes: they run only when asked for by name.
@@ -239,7 +252,7 @@ BENCHMARK(BM_GraphMixingLarge)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DigraphMixingLarge)
-    ->ArgsProduct({{5000, 20000}, {0, tie_no_tie_variant}})
+    ->ArgsProduct({{5000, 20000, 100000}, {0, tie_no_tie_variant}})
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
