@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <sstream>
 
@@ -47,12 +46,7 @@ std::string outcome(const std::string& path) {
     return (file.task_known ? "known " : "unknown ") + file.names.gof;
 }
 
-// A read in three lines: the settings in the order of the format below (p: parameter count; g:
-// structural and attribute flags; d: density; est: estimation settings) and the attribute names;
-// "name slot value lambda; " of structural effects picked by their run-file name, then
-// "kind:effect.attribute=slot:value, " of the attribute entries included or carrying a value
-// (kinds: 0 binary, 1 continuous, 2 categorical, 3 covariate); the parameter vector. The largest
-// clique size an included effect reads.
+// The largest clique size an included effect reads.
 int clique_order_of(const Model& m) {
     int order = 0;
     for (size_t r = 0; r < m.structural.size(); ++r) {
@@ -62,6 +56,11 @@ int clique_order_of(const Model& m) {
     return order;
 }
 
+// A read in three lines: the settings in the order of the format below (p: parameter count; g:
+// structural and attribute flags; d: density; est: estimation settings) and the attribute names;
+// "name slot value lambda; " of structural effects picked by their run-file name, then
+// "kind:effect.attribute=slot:value, " of the attribute entries included or carrying a value
+// (kinds: 0 binary, 1 continuous, 2 categorical, 3 covariate); the parameter vector.
 std::string dump(const RunFile& f, const Strings& picks) {
     const RunSettings& s = f.settings;
     const Model& m = f.model;

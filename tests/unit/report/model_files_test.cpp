@@ -54,7 +54,6 @@ TEST(UpdateFiles, GraphModelWritesEveryEffectWithItsValue) {
     // activity estimated for age only; wealth keeps its run-file value.
     give_section(model, AttributeKind::binary, {"wealth", "age"}, 14).value[0][1] = -0.4321;
     give_section(model, AttributeKind::continuous, {"income"}, 3);
-    give_section(model, AttributeKind::categorical, {"dept", "floor"}, 2);
     give_section(model, AttributeKind::covariate, {"dist"}, 6);
     testing::WorkingDirectory here(testing::scratch_directory("update_graph"));
     write_update_files(model, "");  // the working directory
