@@ -1,12 +1,12 @@
+// The model a request builds, held against the run file that describes it, and bad requests.
+// That a request estimates like the bundled run file at the same seed, and that the networks
+// and profiles it returns add up, are the R package's tests, which go through this entry.
 #include "entry/api.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <numeric>
 
-#include "entry/run_driver.h"
 #include "entry/run_file.h"
 #include "model/parameter_vector.h"
 #include "support/run_files.h"
@@ -82,104 +82,6 @@ TEST(Api, RequestBuildsTheModelTheRunFileDescribes) {
             EXPECT_EQ(a.included, b.included);
             EXPECT_EQ(a.slot, b.slot);
         }
-    }
-}
-
-// The bundled alternating estimation of the marriage network, run from its file and from a
-// request with the network as a matrix: the same seed must give the same report.
-TEST(Api, RequestAndRunFileEstimateAlike) {
-    const std::string dir = scratch_directory("api_same_estimate");
-    std::string text = read_text(example_path("flomarriage_alternating.txt"));
-    for (const auto& [from, to] : {std::pair<std::string, std::string>{"\nout\n", dir + "/file"},
-                                   {"\nflomarriage.txt\n", example_path("flomarriage.txt")}}) {
-        ASSERT_NE(text.find(from), std::string::npos) << from;
-        text.replace(text.find(from), from.size(), "\n" + to + "\n");
-    }
-    std::filesystem::create_directories(dir + "/file");
-    std::filesystem::create_directories(dir + "/request");
-    write_text(dir + "/run.txt", text);
-    RunOptions options;
-    options.fixed_seed = true;
-    options.seed = 7;
-    capture([&](FILE* console) {
-        options.console = console;
-        run_driver(dir + "/run.txt", options);
-    });
-
-    TaskRequest request = request_like(read_run_file(dir + "/run.txt", nullptr));
-    request.settings.output_directory = dir + "/request";
-    request.options.fixed_seed = true;
-    request.options.seed = 7;
-    for (const char c : read_text(example_path("flomarriage.txt")))
-        if (c == '0' || c == '1') request.adjacency.push_back(c == '1' ? 1.0 : 0.0);
-    ASSERT_EQ(request.adjacency.size(), 256u);
-    const TaskResult result = run_request(request);
-    ASSERT_EQ(result.error, "");
-    const std::string report = "/estimation_flomarriage_alternating.txt";
-    const std::string expected = read_text(dir + "/file" + report);
-    ASSERT_FALSE(expected.empty());
-    EXPECT_EQ(read_text(dir + "/request" + report), expected);
-    const Embedding& e = result.results;
-    ASSERT_FALSE(e.runs.empty());
-    EXPECT_EQ(e.runs.size(), e.checks.size());
-    EXPECT_EQ(e.converged, e.checks.back().verdict == Verdict::converged);
-    if (e.converged) {
-        EXPECT_EQ(e.estimates, e.runs.back().estimates);
-    }
-}
-
-// A simulation keeps its networks on request, and the statistics it reports for each are
-// those of that network recounted from the matrix; goodness-of-fit profiles account for
-// every node and every pair.
-TEST(Api, SampledNetworksAndProfilesAddUp) {
-    const std::string dir = scratch_directory("api_samples");
-    for (const int kind : {1, 2}) {
-        SCOPED_TRACE(kind);
-        TaskRequest request;
-        RunSettings& s = request.settings;
-        s.network_name = "sample";
-        s.output_directory = dir;
-        s.network_kind = kind;
-        s.node_count = 9;
-        s.initial_density = 0.3f;
-        s.burn_in = 100;
-        s.iterations = 2000;
-        s.sample_count = 20;
-        s.task = 1;
-        request.effects = {{kind == 1 ? "edge" : "arc", -0.5, 0.0f}};
-        request.keep_networks = true;
-        request.options.fixed_seed = true;
-        request.options.seed = 3;
-        const TaskResult simulated = run_request(request);
-        ASSERT_EQ(simulated.error, "");
-        const Embedding& e = simulated.results;
-        ASSERT_EQ(e.networks.size(), 20u);
-        ASSERT_EQ(e.sample_statistics.size(), 20u);
-        for (size_t k = 0; k < e.networks.size(); ++k) {
-            double ties = 0;
-            for (int i = 0; i < 9; ++i) {
-                for (int j = kind == 1 ? i + 1 : 0; j < 9; ++j)
-                    ties += e.networks[k][static_cast<size_t>(i * 9 + j)];
-            }
-            EXPECT_EQ(e.sample_statistics[k][0], ties) << k;
-        }
-
-        request.settings.task = 3;  // goodness of fit at the first sample
-        request.adjacency.assign(e.networks[0].begin(), e.networks[0].end());
-        const TaskResult fitted = run_request(request);
-        ASSERT_EQ(fitted.error, "");
-        const Embedding& g = fitted.results;
-        ASSERT_TRUE(g.gof_done);
-        ASSERT_EQ(g.sample_profiles.size(), 20u);
-        const int64_t pairs = kind == 1 ? 36 : 72;
-        for (const NetworkProfile& p : g.sample_profiles) {
-            ASSERT_GE(p.geodesics.size(), 2u);
-            EXPECT_EQ(std::accumulate(p.degree.begin(), p.degree.end(), int64_t{0}), 9);
-            EXPECT_EQ(std::accumulate(p.geodesics.begin() + 1, p.geodesics.end(), int64_t{0}),
-                      pairs);
-            EXPECT_EQ(std::accumulate(p.triads.begin(), p.triads.end(), 0.0), kind == 2 ? 84 : 0);
-        }
-        EXPECT_EQ(g.observed_statistics[0], e.sample_statistics[0][0]);
     }
 }
 
