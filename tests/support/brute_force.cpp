@@ -26,23 +26,33 @@ void extend_clique(const AdjacencyMatrix& m, std::vector<int>& members,
     }
 }
 
-// (1 - 1/lambda)^m in double precision, read at 100 beyond 100; 0 below 0 and 1 at 0.
+}  // namespace
+
 double decay(double lambda, int m) {
     if (m < 0) return 0.0;
     if (m == 0) return 1.0;
     return std::pow(1.0 - 1.0 / lambda, std::min(m, 100));
 }
 
-}  // namespace
+int64_t subsets(int64_t d, int k) {
+    if (k > d) return 0;
+    int64_t value = 1;
+    for (int r = 1; r <= k; ++r) value = value * (d - k + r) / r;
+    return value;
+}
 
-AdjacencyMatrix adjacency_of(const Graph& graph) {
-    AdjacencyMatrix m(graph.node_count);
-    for (int a = 0; a < m.n; ++a) {
-        for (int b = 0; b < m.n; ++b) {
-            if (a != b && has_edge(graph, a, b)) m.set(a, b, true);
-        }
-    }
-    return m;
+double geometric(const std::vector<int>& values, double lambda) {
+    if (lambda < 1.0) return 0.0;
+    double sum = 0.0;
+    for (const int value : values) sum += lambda * (1.0 - decay(lambda, value));
+    return sum;
+}
+
+double alternating_star(const std::vector<int>& degrees, double lambda) {
+    if (lambda < 1.0) return 0.0;
+    double sum = 0.0;
+    for (const int d : degrees) sum += lambda * lambda * (decay(lambda, d) - 1.0 + d / lambda);
+    return sum;
 }
 
 AdjacencyMatrix random_matrix(int n, double density, uint32_t seed) {
@@ -55,19 +65,6 @@ AdjacencyMatrix random_matrix(int n, double density, uint32_t seed) {
         }
     }
     return m;
-}
-
-Graph graph_from(const AdjacencyMatrix& matrix) {
-    Graph g = create_graph(matrix.n);
-    for (int a = 0; a < matrix.n; ++a) {
-        for (int b = a + 1; b < matrix.n; ++b) {
-            if (matrix(a, b)) {
-                add_edge(g, a, b);
-                update_shared_partners(g, a, b, 1);
-            }
-        }
-    }
-    return g;
 }
 
 BruteCounts brute_force_counts(const AdjacencyMatrix& m) {
@@ -94,12 +91,7 @@ BruteCounts brute_force_counts(const AdjacencyMatrix& m) {
         for (int v = u + 1; v < n; ++v) c.edges += m(u, v) ? 1 : 0;
     }
     for (int k = 2; k <= 5; ++k) {
-        for (int u = 0; u < n; ++u) {
-            // Sets of k neighbours of the centre u.
-            int64_t sets = 1;
-            for (int r = 0; r < k; ++r) sets = sets * (c.degree[at(u)] - r) / (r + 1);
-            c.stars[at(k)] += c.degree[at(u)] >= k ? sets : 0;
-        }
+        for (int u = 0; u < n; ++u) c.stars[at(k)] += subsets(c.degree[at(u)], k);
     }
 
     // Triangles and the configurations built on them.
@@ -252,25 +244,18 @@ double brute_force_value(const BruteCounts& c, GraphEffect effect, double lambda
         case GraphEffect::one2triangle: return 3.0 * count(c.triangles) - count(c.triangle2) / 2.0;
         case GraphEffect::one2et: return count(c.et1) - count(c.et2) / 2.0;
         case GraphEffect::as:
-        case GraphEffect::as2: {
-            if (lambda < 1.0) return 0.0;
-            double sum = 0.0;
-            for (const int d : c.degree) sum += decay(lambda, d) - 1.0 + d / lambda;
-            return lambda * lambda * sum;
-        }
+        case GraphEffect::as2: return alternating_star(c.degree, lambda);
         case GraphEffect::at:
         case GraphEffect::at2:
         case GraphEffect::a2p: {
-            if (lambda < 1.0) return 0.0;
-            const bool over_edges = effect != GraphEffect::a2p;
-            double sum = 0.0;
+            std::vector<int> partners;  // over the edges, or over all pairs for A2P
             for (int u = 0; u < c.n; ++u) {
                 for (int v = u + 1; v < c.n; ++v) {
-                    if (over_edges && !c.ties(u, v)) continue;
-                    sum += 1.0 - decay(lambda, c.partners[c.ties.index(u, v)]);
+                    if (effect == GraphEffect::a2p || c.ties(u, v))
+                        partners.push_back(c.partners[c.ties.index(u, v)]);
                 }
             }
-            return lambda * sum;
+            return geometric(partners, lambda);
         }
         case GraphEffect::ac: {
             if (lambda < 1.0) return 0.0;

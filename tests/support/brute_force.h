@@ -9,32 +9,38 @@
 #include <vector>
 
 #include "effects/graph/graph_catalogue.h"
-#include "network/graph.h"
 
 namespace vexa::testing {
 
-struct AdjacencyMatrix {
+struct ArcMatrix {
     int n = 0;
-    std::vector<char> cells;  // n x n, symmetric, zero diagonal
+    std::vector<char> cells;  // n x n, row = sender, zero diagonal
 
-    explicit AdjacencyMatrix(int nodes = 0)
+    explicit ArcMatrix(int nodes = 0)
         : n(nodes), cells(static_cast<size_t>(nodes) * static_cast<size_t>(nodes), 0) {}
     bool operator()(int a, int b) const { return cells[index(a, b)] != 0; }
-    void set(int a, int b, bool tie) {
-        cells[index(a, b)] = tie ? 1 : 0;
-        cells[index(b, a)] = tie ? 1 : 0;
-    }
+    void set(int a, int b, bool arc) { cells[index(a, b)] = arc ? 1 : 0; }
     size_t index(int a, int b) const {
         return static_cast<size_t>(a) * static_cast<size_t>(n) + static_cast<size_t>(b);
     }
 };
 
-// The adjacency of a store, read bit by bit (nothing of its bookkeeping).
-AdjacencyMatrix adjacency_of(const Graph& graph);
+// A graph's matrix: symmetric, each tie set in both cells.
+struct AdjacencyMatrix : ArcMatrix {
+    using ArcMatrix::ArcMatrix;
+    void set(int a, int b, bool tie) { ArcMatrix::set(a, b, tie), ArcMatrix::set(b, a, tie); }
+};
+
 // A seeded random graph: every pair tied with probability `density`.
 AdjacencyMatrix random_matrix(int n, double density, uint32_t seed);
-// A store holding the matrix's edges, built by adding them one by one.
-Graph graph_from(const AdjacencyMatrix& matrix);
+// (1 - 1/lambda)^m in double precision, read at 100 beyond 100; 0 below 0 and 1 at 0.
+double decay(double lambda, int m);
+// C(d, k) by counting: the number of k-subsets of d things.
+int64_t subsets(int64_t d, int k);
+// lambda sum (1 - decay(L)) over the values L: 0 below lambda 1, as every alternating statistic.
+double geometric(const std::vector<int>& values, double lambda);
+// lambda^2 sum over the degrees d of (decay(d) - 1 + d / lambda); 0 below lambda 1.
+double alternating_star(const std::vector<int>& degrees, double lambda);
 
 // Every configuration count of one graph, counted once.
 struct BruteCounts {

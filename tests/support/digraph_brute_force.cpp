@@ -1,6 +1,5 @@
 #include "support/digraph_brute_force.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -12,53 +11,10 @@ namespace {
 
 size_t at(int v) { return static_cast<size_t>(v); }
 
-// (1 - 1/lambda)^m in double precision, read at 100 beyond 100; 1 at 0.
-double decay(double lambda, int m) {
-    if (m == 0) return 1.0;
-    return std::pow(1.0 - 1.0 / lambda, std::min(m, 100));
-}
-
-// C(d, k) by counting: the number of k-subsets of d things.
-int64_t subsets(int64_t d, int k) {
-    if (k > d) return 0;
-    int64_t value = 1;
-    for (int r = 1; r <= k; ++r) value = value * (d - k + r) / r;
-    return value;
-}
-
 // Af(d) = decay(0) + ... + decay(d - 1).
 double alternating_sum(double lambda, int d) {
     double sum = 0.0;
     for (int m = 0; m < d; ++m) sum += decay(lambda, m);
-    return sum;
-}
-
-// lambda sum (1 - q^L) over the values L, by the lambda-1 and lambda-below-1 forms where they
-// apply.
-double geometric(const std::vector<int>& values, double lambda) {
-    if (lambda < 1.0) return 0.0;
-    double sum = 0.0;
-    for (const int value : values) {
-        if (lambda == 1.0) {
-            sum += value > 0 ? 1.0 : 0.0;
-        } else {
-            sum += lambda * (1.0 - decay(lambda, value));
-        }
-    }
-    return sum;
-}
-
-// lambda^2 sum over nodes of (q^d - 1 + d / lambda); at lambda 1 nodes of degree 0 + arcs - n.
-double alternating_star(const std::vector<int>& degrees, double lambda) {
-    if (lambda < 1.0) return 0.0;
-    double sum = 0.0;
-    for (const int d : degrees) {
-        if (lambda == 1.0) {
-            sum += (d == 0 ? 1.0 : 0.0) + d - 1.0;
-        } else {
-            sum += lambda * lambda * (decay(lambda, d) - 1.0 + d / lambda);
-        }
-    }
     return sum;
 }
 
@@ -83,30 +39,6 @@ ArcMatrix random_arc_matrix(int n, double density, double reciprocity, uint32_t 
         }
     }
     return m;
-}
-
-Digraph digraph_from(const ArcMatrix& matrix) {
-    Digraph d = create_digraph(matrix.n);
-    for (int a = 0; a < matrix.n; ++a) {
-        for (int b = 0; b < matrix.n; ++b) {
-            if (matrix(a, b)) {
-                add_arc(d, a, b);
-                update_two_paths(d, a, b, 1);
-            }
-        }
-    }
-    return d;
-}
-
-bool same_store(const Digraph& a, const Digraph& b) {
-    return a.node_count == b.node_count && a.arc_count == b.arc_count &&
-           a.mutual_count == b.mutual_count && a.out_rows == b.out_rows && a.in_rows == b.in_rows &&
-           a.in_degree_values == b.in_degree_values && a.out_degree_values == b.out_degree_values &&
-           a.mutual_degree_values == b.mutual_degree_values &&
-           a.in_degree_histogram == b.in_degree_histogram &&
-           a.out_degree_histogram == b.out_degree_histogram &&
-           a.common_receivers == b.common_receivers && a.common_senders == b.common_senders &&
-           a.two_paths == b.two_paths;
 }
 
 DigraphCounts digraph_counts(const ArcMatrix& m) {

@@ -9,31 +9,13 @@
 #include <vector>
 
 #include "effects/digraph/digraph_catalogue.h"
-#include "network/digraph.h"
+#include "support/brute_force.h"
 
 namespace vexa::testing {
-
-struct ArcMatrix {
-    int n = 0;
-    std::vector<char> cells;  // n x n, row = sender, zero diagonal
-
-    explicit ArcMatrix(int nodes = 0)
-        : n(nodes), cells(static_cast<size_t>(nodes) * static_cast<size_t>(nodes), 0) {}
-    bool operator()(int a, int b) const { return cells[index(a, b)] != 0; }
-    void set(int a, int b, bool arc) { cells[index(a, b)] = arc ? 1 : 0; }
-    size_t index(int a, int b) const {
-        return static_cast<size_t>(a) * static_cast<size_t>(n) + static_cast<size_t>(b);
-    }
-};
 
 // A seeded random digraph: each unordered pair is tied with probability `density`; a tied
 // pair is mutual with probability `reciprocity`, else one arc in a direction drawn at random.
 ArcMatrix random_arc_matrix(int n, double density, double reciprocity, uint32_t seed);
-// A store holding the matrix's arcs, added row by row.
-Digraph digraph_from(const ArcMatrix& matrix);
-// Every field of two stores but the neighbour lists, whose order is free (check_bookkeeping
-// compares them with the adjacency as sets).
-bool same_store(const Digraph& a, const Digraph& b);
 
 // Every configuration count of one digraph.
 struct DigraphCounts {

@@ -1,10 +1,11 @@
 #pragma once
 // What the suites that run over every network kind need of a kind: random networks as plain
-// adjacency matrices, a store built from one and the brute-force value of any catalogue row
-// (one specialisation per store type); and the checks and helpers written once for every store.
+// adjacency matrices, the brute-force value of any catalogue row and a store built from a
+// matrix, for each of the four stores; and the checks and helpers written once for every store.
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -30,7 +31,7 @@ void toggle(Store& store, int i, int j) {
     update_after_toggle(store, i, j, adding ? 1 : 0);
 }
 
-// Every array of two graph stores but the neighbour lists, whose order is free
+// Every array of two dense stores but the neighbour lists, whose order is free
 // (check_bookkeeping compares them with the adjacency as sets).
 inline bool same_store(const Graph& a, const Graph& b) {
     return a.edge_count == b.edge_count && a.adjacency == b.adjacency &&
@@ -38,6 +39,16 @@ inline bool same_store(const Graph& a, const Graph& b) {
            a.degree_histogram == b.degree_histogram &&
            a.shared_partner_histogram == b.shared_partner_histogram && a.triangles == b.triangles &&
            a.triangle_histogram == b.triangle_histogram;
+}
+inline bool same_store(const Digraph& a, const Digraph& b) {
+    return a.node_count == b.node_count && a.arc_count == b.arc_count &&
+           a.mutual_count == b.mutual_count && a.out_rows == b.out_rows && a.in_rows == b.in_rows &&
+           a.in_degree_values == b.in_degree_values && a.out_degree_values == b.out_degree_values &&
+           a.mutual_degree_values == b.mutual_degree_values &&
+           a.in_degree_histogram == b.in_degree_histogram &&
+           a.out_degree_histogram == b.out_degree_histogram &&
+           a.common_receivers == b.common_receivers && a.common_senders == b.common_senders &&
+           a.two_paths == b.two_paths;
 }
 
 // A store of n nodes holding `ties` ties drawn with the given seed.
@@ -52,11 +63,21 @@ Store random_store(int n, int ties, uint32_t seed) {
     }
 }
 
+// An empty store of n nodes.
 template <class Store>
-struct KindFixture;
+Store empty_store(int n) {
+    if constexpr (std::is_same_v<Store, Graph>) return create_graph(n);
+    if constexpr (std::is_same_v<Store, SparseGraph>) return create_sparse_graph(n);
+    if constexpr (std::is_same_v<Store, Digraph>) return create_digraph(n);
+    if constexpr (std::is_same_v<Store, SparseDigraph>) return create_sparse_digraph(n);
+}
+
+// The random networks and recounts of a kind, shared by its two stores.
+template <NetworkKind kind>
+struct KindOracle;
 
 template <>
-struct KindFixture<Graph> {
+struct KindOracle<NetworkKind::graph> {
     using Matrix = AdjacencyMatrix;
     using Counts = BruteCounts;
 
@@ -76,37 +97,14 @@ struct KindFixture<Graph> {
         }
         return out;
     }
-    static Graph build(const Matrix& matrix) { return graph_from(matrix); }
-    static Matrix adjacency(const Graph& graph) { return adjacency_of(graph); }
     static Counts count(const Matrix& matrix) { return brute_force_counts(matrix); }
     static double value(const Counts& counts, int row, double lambda) {
         return brute_force_value(counts, static_cast<GraphEffect>(row), lambda);
     }
 };
 
-// The sparse store over the same networks and recounts.
 template <>
-struct KindFixture<SparseGraph> : KindFixture<Graph> {
-    static SparseGraph build(const Matrix& matrix) {
-        SparseGraph g = create_sparse_graph(matrix.n);
-        for (int a = 0; a < matrix.n; ++a) {
-            for (int b = a + 1; b < matrix.n; ++b) {
-                if (matrix(a, b)) toggle(g, a, b);
-            }
-        }
-        return g;
-    }
-    static Matrix adjacency(const SparseGraph& graph) {
-        Matrix m(graph.node_count);
-        for (int a = 0; a < m.n; ++a) {
-            for (const int32_t b : graph.neighbours_of(a)) m.set(a, b, true);
-        }
-        return m;
-    }
-};
-
-template <>
-struct KindFixture<Digraph> {
+struct KindOracle<NetworkKind::digraph> {
     using Matrix = ArcMatrix;
     using Counts = DigraphCounts;
 
@@ -125,40 +123,32 @@ struct KindFixture<Digraph> {
         }
         return out;
     }
-    static Digraph build(const Matrix& matrix) { return digraph_from(matrix); }
-    static Matrix adjacency(const Digraph& digraph) {
-        Matrix m(digraph.node_count);
-        for (int a = 0; a < m.n; ++a) {
-            for (int b = 0; b < m.n; ++b) m.set(a, b, digraph.has_arc(a, b));
-        }
-        return m;
-    }
     static Counts count(const Matrix& matrix) { return digraph_counts(matrix); }
     static double value(const Counts& counts, int row, double lambda) {
         return digraph_value(counts, static_cast<DigraphEffect>(row), lambda);
     }
 };
 
-// The sparse digraph store over the same networks and recounts, built arc by arc in the order
-// the dense one is.
-template <>
-struct KindFixture<SparseDigraph> : KindFixture<Digraph> {
-    static SparseDigraph build(const Matrix& matrix) {
-        SparseDigraph d = create_sparse_digraph(matrix.n);
+// A store built from a matrix tie by tie, row by row (so that the two stores of a kind list
+// their neighbours in the same order), and the matrix read back from a store.
+template <class Store>
+struct KindFixture : KindOracle<Store::kind> {
+    using Matrix = typename KindOracle<Store::kind>::Matrix;
+    static Store build(const Matrix& matrix) {
+        Store store = empty_store<Store>(matrix.n);
         for (int a = 0; a < matrix.n; ++a) {
-            for (int b = 0; b < matrix.n; ++b) {
-                if (a != b && matrix(a, b)) {
-                    add_arc(d, a, b);
-                    update_two_paths(d, a, b, 1);
-                }
+            for (int b = Store::kind == NetworkKind::graph ? a + 1 : 0; b < matrix.n; ++b) {
+                if (a != b && matrix(a, b)) toggle(store, a, b);
             }
         }
-        return d;
+        return store;
     }
-    static Matrix adjacency(const SparseDigraph& digraph) {
-        Matrix m(digraph.node_count);
+    static Matrix adjacency(const Store& store) {
+        Matrix m(store.node_count);
         for (int a = 0; a < m.n; ++a) {
-            for (const int32_t b : digraph.out_neighbours(a)) m.set(a, b, true);
+            for (int b = 0; b < m.n; ++b) {
+                if (a != b && has_tie(store, a, b)) m.set(a, b, true);
+            }
         }
         return m;
     }

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "support/brute_force.h"
 #include "support/graphs.h"
+#include "support/kinds.h"
 #include "support/test_support.h"
 
 namespace vexa {
@@ -23,9 +23,8 @@ using testing::AdjacencyMatrix;
 // Every measure of a network recounted from its adjacency matrix alone.
 struct Recount {
     std::vector<int32_t> degree, triangles, lone_ties;  // lone: ties in no triangle
-    std::vector<int32_t> shared_partner_histogram;
-    std::vector<int64_t> geodesic_counts;  // unordered pairs by distance, no path at n
-    std::vector<double> local;             // local clustering
+    std::vector<int64_t> geodesic_counts;               // unordered pairs by distance, no path at n
+    std::vector<double> local;                          // local clustering
     double global = 0.0;
     int32_t giant = 0;
 };
@@ -38,9 +37,6 @@ Recount recount(const AdjacencyMatrix& m) {
     for (int a = 0; a < n; ++a)
         for (int b = 0; b < n; ++b)
             for (int c = 0; c < n; ++c) common[at(a, b)] += m(a, c) && m(b, c) ? 1 : 0;
-    r.shared_partner_histogram.assign(static_cast<size_t>(std::max(n - 1, 0)), 0);
-    for (int a = 0; a < n; ++a)
-        for (int b = a + 1; b < n; ++b) ++r.shared_partner_histogram.at(size_t(common[at(a, b)]));
     // Floyd-Warshall: the geodesics the batched search must reproduce.
     const int32_t none = n;  // beyond every path
     std::vector<int32_t> dist(static_cast<size_t>(n * n));
@@ -80,10 +76,7 @@ void expect_matches_recount(const AdjacencyMatrix& m, DescribeScratch& scratch,
                             const std::string& name) {
     SCOPED_TRACE(name);
     const Recount truth = recount(m);
-    Graph g = testing::graph_from(m);
-    EXPECT_EQ(g.degree, truth.degree);
-    EXPECT_EQ(g.triangles, truth.triangles);
-    EXPECT_EQ(g.shared_partner_histogram, truth.shared_partner_histogram);
+    Graph g = testing::KindFixture<Graph>::build(m);
     geodesics(g, scratch);
     const uint64_t* kept = scratch.arrivals.data();
     geodesics(g, scratch);  // a second pass on the same network reuses the scratch
@@ -113,8 +106,9 @@ void expect_matches_recount(const AdjacencyMatrix& m, DescribeScratch& scratch,
 TEST(GraphDescribe, EveryMeasureMatchesARecountFromTheAdjacency) {
     DescribeScratch scratch;
     for (const auto& [file, n] : {std::pair{"flomarriage.txt", 16}, {"faux.mesa.high.txt", 205}})
-        expect_matches_recount(testing::adjacency_of(read_graph(testing::data_path(file), n)),
-                               scratch, file);
+        expect_matches_recount(
+            testing::KindFixture<Graph>::adjacency(read_graph(testing::data_path(file), n)),
+            scratch, file);
     // Sizes straddle the word boundaries within a batch of 256 sources, and 257 leaves a
     // second batch of one source; densities from scattered pieces to one dense component.
     for (const int n : {1, 2, 5, 63, 64, 65, 130, 257}) {

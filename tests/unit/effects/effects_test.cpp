@@ -1,6 +1,6 @@
 // Hand-worked checks of the structural effects of both network kinds: configurations counted
-// by hand (which also check the recounts the property suite trusts), what a recount on small
-// random networks cannot see, and the published values of the bundled classic networks.
+// by hand, what a recount on small random networks cannot see, and the published values of the
+// bundled classic networks.
 
 #include <gtest/gtest.h>
 
@@ -72,50 +72,37 @@ void expect_counts(const char* name, int n, const Ties& ties,
     }
 }
 
+// Configurations the published values of the classic networks leave out, counted by hand: the
+// recounts the property suite trusts are checked here.
 // clang-format off
-TEST(Effects, HandCountedGraphConfigurations) {
-    // K4: four triangles, each pair sharing an edge; three 4-cycles; 4! / 2 simple 3-paths.
+TEST(Effects, HandCountedConfigurationsWithoutPublishedValues) {
+    // K4: four triangles, each pair sharing an edge; 4! / 2 simple 3-paths.
     expect_counts<Graph, E>("K4", 4, {{0, 1}, {0, 2}, {0, 3}, {1, 2}, {1, 3}, {2, 3}},
-        {{E::star2, 12}, {E::star3, 4}, {E::triangle, 4}, {E::clique4, 1}, {E::triangle2, 6},
-         {E::bow_tie, 0}, {E::path3, 24}, {E::p3, 12}, {E::cycle4, 3}, {E::q31, 0}, {E::q10, 0},
-         {E::et1, 12}, {E::et2, 0}, {E::et0, 0}, {E::two3star, 10}, {E::one2triangle, 9}});
+        {{E::clique4, 1}, {E::triangle2, 6}, {E::bow_tie, 0}, {E::p3, 12}, {E::q31, 0},
+         {E::q10, 0}, {E::et1, 12}, {E::et2, 0}, {E::et0, 0}, {E::two3star, 10},
+         {E::one2triangle, 9}});
     // Bow tie: triangles 0-1-2 and 0-3-4 meet at node 0 only.
     expect_counts<Graph, E>("bow tie", 5, {{0, 1}, {0, 2}, {1, 2}, {0, 3}, {0, 4}, {3, 4}},
-        {{E::bow_tie, 1}, {E::triangle2, 0}, {E::et1, 4}, {E::et2, 2}, {E::cycle4, 0},
-         {E::one2et, 3}});
+        {{E::bow_tie, 1}, {E::triangle2, 0}, {E::et1, 4}, {E::et2, 2}, {E::one2et, 3}});
     // Triangle 0-1-2 with a pendant tie 0-3 and an isolate 4.
     expect_counts<Graph, E>("triangle with a pendant", 5, {{0, 1}, {0, 2}, {1, 2}, {0, 3}},
-        {{E::et0, 1}, {E::etnt, 1}, {E::et1, 1}, {E::isolates, 1}, {E::q10, 2}, {E::path3, 5},
-         {E::p3, 2}});
+        {{E::et0, 1}, {E::etnt, 1}, {E::et1, 1}, {E::q10, 2}, {E::p3, 2}});
     // The square 0-1-2-3: two untied pairs, each joined by two two-paths.
     expect_counts<Graph, E>("square", 4, {{0, 1}, {1, 2}, {2, 3}, {3, 0}},
-        {{E::cycle4, 1}, {E::q10, 4}, {E::q20, 2}, {E::q30, 0}, {E::path3, 4}, {E::p3, 4}});
+        {{E::q10, 4}, {E::q20, 2}, {E::q30, 0}, {E::p3, 4}});
     // K5: every tied pair has three common neighbours.
     expect_counts<Graph, E>("K5", 5,
         {{0, 1}, {0, 2}, {0, 3}, {0, 4}, {1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4}},
-        {{E::q31, 10}, {E::clique5, 1}, {E::clique4, 5}, {E::star4, 5}});
-    // Triangle 0-1-2 with two further ties at 0: one 2ET.
-    expect_counts<Graph, E>("2ET", 5, {{0, 1}, {0, 2}, {1, 2}, {0, 3}, {0, 4}}, {{E::et2, 1}});
-}
-
-TEST(Effects, HandCountedDigraphConfigurations) {
-    // Complete triad: one T1; each of the six orderings a transitive triple; two 3-cycles.
+        {{E::q31, 10}, {E::clique5, 1}, {E::clique4, 5}});
+    // Complete triad: one T1; each of the six orderings a transitive triple.
     // T2 to T8 count configurations, not induced triads: 6, 6, 3, 3, 3, 6, 6.
     expect_counts<Digraph, D>("complete triad", 3, {{0, 1}, {1, 0}, {0, 2}, {2, 0}, {1, 2}, {2, 1}},
         {{D::t1, 1}, {D::t2, 6}, {D::t3, 6}, {D::t4, 3}, {D::t5, 3}, {D::t6, 3}, {D::t7, 6},
-         {D::t8, 6}, {D::t9, 6}, {D::t10, 2}, {D::reciprocity, 3}, {D::mixed_star2, 6}});
+         {D::t8, 6}});
     // 0 <-> 1 and node 2 sending to both ends: one T4 (120D), two T7 (k->a, a in the dyad).
     expect_counts<Digraph, D>("mutual dyad with a common sender", 3, {{0, 1}, {1, 0}, {2, 0}, {2, 1}},
         {{D::t4, 1}, {D::t7, 2}, {D::t1, 0}, {D::t2, 0}, {D::t3, 0}, {D::t5, 0}, {D::t6, 0},
-         {D::t8, 0}, {D::t9, 2}, {D::t10, 0}, {D::out_star2, 1}, {D::in_star2, 2}, {D::source, 1}});
-    // A mutual dyad alone: two arcs, one mutual dyad, no mixed 2-star (x->v->x is no path).
-    expect_counts<Digraph, D>("mutual dyad", 3, {{0, 1}, {1, 0}},
-        {{D::arc, 2}, {D::reciprocity, 1}, {D::mixed_star2, 0}, {D::isolates, 1}, {D::sink, 0}});
-    // 1 -> 0 <- 2, 3 isolated: in-degree 2 at node 0 is one in-2-star and no in-3-star.
-    expect_counts<Digraph, D>("in-star", 4, {{1, 0}, {2, 0}},
-        {{D::in_star2, 1}, {D::in_star3, 0}, {D::sink, 1}, {D::source, 2}, {D::isolates, 1}});
-    expect_counts<Digraph, D>("out-star", 5, {{0, 1}, {0, 2}, {0, 3}, {0, 4}},
-        {{D::out_star2, 6}, {D::out_star3, 4}, {D::out_star4, 1}, {D::sink, 4}, {D::source, 1}});
+         {D::t8, 0}});
 }
 // clang-format on
 
@@ -157,15 +144,9 @@ TEST(Effects, LambdaDefaultsAndAlternatingStarEdgeCases) {
         }
     }
 
-    // AS changes. Node 0 is the centre of a star with 150 leaves; 151 and 152 are isolated.
-    Graph g = create_graph(153);
+    // Node 0 is the centre of a star with 150 leaves; 151 is isolated.
+    Graph g = create_graph(152);
     for (int leaf = 1; leaf <= 150; ++leaf) toggle(g, 0, leaf);
-    // 2 (2 - w(0) - w(0)) with two isolates; at lambda 1 one isolated endpoint gives 1; below 1
-    // the weights are switched off, not 1/2 (2 - 1 + 1).
-    EXPECT_EQ(added_change(g, E::as, 2.0f, 151, 152), 0.0);
-    EXPECT_EQ(added_change(g, E::as, 1.0f, 151, 1), 1.0);
-    EXPECT_EQ(added_change(g, E::as, 1.0f, 151, 152), 0.0);
-    EXPECT_EQ(added_change(g, E::as, 0.5f, 151, 1), 0.0);
     // Degree 150 reads the weight at 100: lambda (2 - w(100) - w(0)), not 100 (1 - 0.99^150).
     EXPECT_NEAR(added_change(g, E::as, 100.0f, 0, 151), 100.0 * (1.0 - std::pow(0.99, 100)), 1e-5);
 }
@@ -185,7 +166,8 @@ TEST(Effects, CliquesBeyondOneWord) {
     EXPECT_EQ(workspace.clique_changes, (std::vector<double>{0, 1, 70, 9, 5, 1, 0, 0}));
     toggle(g, 0, 1);
     count_cliques(g, workspace);
-    const testing::BruteCounts counts = testing::brute_force_counts(testing::adjacency_of(g));
+    const testing::BruteCounts counts =
+        testing::brute_force_counts(testing::KindFixture<Graph>::adjacency(g));
     for (size_t k = 1; k <= 8; ++k)
         EXPECT_EQ(workspace.clique_counts[k - 1], double(counts.cliques[k])) << k << "-cliques";
 }
