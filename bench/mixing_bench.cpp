@@ -135,12 +135,13 @@ double peak_megabytes() {
 // dyads; the tie/no-tie proposal picks every tie about once in 2 x ties proposals, so its
 // natural unit is a multiple of n. Both are thinned to a few draws per autocorrelation time,
 // found by trial, so that the recorded stretch is many autocorrelation times long. Beyond
-// 5,000 nodes a sweep of the dyads would take the toggle hours: it gets the stretch of the
-// tie/no-tie proposal, its draws are then strongly correlated, and its effective sample size
-// is the small number that says so.
+// 1,000 nodes sweeps of the dyads would take the toggle from many minutes to hours: it gets
+// the stretch of the tie/no-tie proposal, its draws are then strongly correlated, and its
+// effective sample size is the small number that says so (an upper bound, as the stretch may
+// not hold many of its autocorrelation times).
 double thinning(int n, int variant, bool directed) {
     const double dyads = directed ? double(n) * (n - 1) : double(n) * (n - 1) / 2.0;
-    if (variant == tie_no_tie_variant || n > 5000) return 20.0 * n;
+    if (variant == tie_no_tie_variant || n > 1000) return 20.0 * n;
     return dyads / 4.0;
 }
 

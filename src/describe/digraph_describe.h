@@ -46,7 +46,8 @@ struct DigraphScratch {
 };
 
 // Breadth-first search along out-arcs from every node: O(n (n + arcs)). Leaves the pair
-// counts in the scratch.
+// counts in the scratch. Beyond all_pairs_limit nodes the searches start from an evenly spread
+// sample of sampled_sources nodes, and the counts are the sample's, scaled to all pairs.
 template <class D>
 void directed_geodesics(const D& digraph, DigraphScratch& scratch);
 

@@ -2,6 +2,7 @@
 
 #include "base/errors.h"
 #include "base/text_file.h"
+#include "describe/graph_describe.h"
 #include "simulation/goodness_of_fit.h"
 
 namespace vexa {
@@ -32,6 +33,13 @@ void write_in_out_degree_row(FILE* out, const D& digraph) {
 
 template <class D>
 void write_directed_geodesic_header(FILE* out, const D& digraph) {
+    const int sources = geodesic_sources(digraph.node_count);
+    if (sources != digraph.node_count) {
+        print(out,
+              "# geodesics by breadth-first search from a sample of %d of the %d nodes, scaled "
+              "to all pairs\n",
+              sources, digraph.node_count);
+    }
     for (int d = 1; d < digraph.node_count; ++d) print(out, "geo%d\t", d);
     print(out, "geoInf\n");
 }

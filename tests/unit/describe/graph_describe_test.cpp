@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "describe/digraph_describe.h"
+#include "network/sparse_digraph.h"
 #include "support/graphs.h"
 #include "support/kinds.h"
 #include "support/test_support.h"
@@ -148,7 +150,8 @@ TEST(GeodesicQuartiles, HandDrawnNetworks) {
     EXPECT_EQ(quartiles_of(1, {}), (Q{0, 0, 0}));  // one node: no pairs at all
 }
 
-// Beyond the all-pairs limit the geodesics come from a sample of sources, scaled. On a torus
+// Beyond the all-pairs limit the geodesics of both kinds come from a sample of sources,
+// scaled. On a torus
 // every node sees the same distances, so the scaled counts are exact: n times the number of
 // nodes at distance d from any one node (found by a plain search from node 0), halved.
 TEST(GraphDescribe, SampledGeodesicsOfALargeTorusMatchOneSearch) {
@@ -186,6 +189,28 @@ TEST(GraphDescribe, SampledGeodesicsOfALargeTorusMatchOneSearch) {
     geodesics(torus, scratch);
     EXPECT_EQ(scratch.geodesic_counts, expected);
     EXPECT_EQ(scratch.giant_size, n);
+
+    // The same torus with its arcs going right and down only: every node reaches (a, b) steps
+    // away in a + b steps, so the ordered pairs at distance d are n times the nodes with
+    // a + b = d (a, b below the side); every pair has a path.
+    SparseDigraph directed = create_sparse_digraph(n);
+    for (int r = 0; r < side; ++r) {
+        for (int c = 0; c < side; ++c) {
+            for (const int u : {r * side + (c + 1) % side, ((r + 1) % side) * side + c}) {
+                add_arc(directed, r * side + c, u);
+                update_two_paths(directed, r * side + c, u, 1);
+            }
+        }
+    }
+    std::vector<int64_t> ordered(static_cast<size_t>(n) + 1, 0);
+    for (int a = 0; a < side; ++a) {
+        for (int b = 0; b < side; ++b) {
+            if (a + b > 0) ordered[static_cast<size_t>(a + b)] += n;
+        }
+    }
+    DigraphScratch directed_scratch;
+    directed_geodesics(directed, directed_scratch);
+    EXPECT_EQ(directed_scratch.geodesic_counts, ordered);
 }
 
 }  // namespace
