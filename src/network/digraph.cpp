@@ -17,12 +17,6 @@ namespace {
 
 size_t as_size(int64_t value) { return static_cast<size_t>(value); }
 
-// Moves one node from histogram[old_value] to histogram[new_value].
-inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
-    histogram[as_size(new_value)] += 1;
-    histogram[as_size(old_value)] -= 1;
-}
-
 inline void set_bit(std::vector<uint64_t>& rows, int32_t row_words, int row, int b) {
     rows[as_size(row) * as_size(row_words) + as_size(b >> 6)] |= uint64_t{1} << (b & 63);
 }
@@ -149,16 +143,7 @@ void add_arc(Digraph& d, int i, int j) {
     append(d.in_lists, d.in_degree_values, j, i);
     set_bit(d.out_rows, d.row_words, i, j);
     set_bit(d.in_rows, d.row_words, j, i);
-    d.arc_count += 1;
-    if (d.has_arc(j, i)) {
-        d.mutual_count += 1;
-        d.mutual_degree_values[as_size(i)] += 1;
-        d.mutual_degree_values[as_size(j)] += 1;
-    }
-    const int32_t out = ++d.out_degree_values[as_size(i)];
-    move_count(d.out_degree_histogram, out - 1, out);
-    const int32_t in = ++d.in_degree_values[as_size(j)];
-    move_count(d.in_degree_histogram, in - 1, in);
+    digraph_building::count_arc(d, i, j, 1);
 }
 
 void remove_arc(Digraph& d, int i, int j) {
@@ -167,16 +152,7 @@ void remove_arc(Digraph& d, int i, int j) {
     forget(d.in_lists.row(j), d.in_degree(j), i);
     clear_bit(d.out_rows, d.row_words, i, j);
     clear_bit(d.in_rows, d.row_words, j, i);
-    d.arc_count -= 1;
-    if (d.has_arc(j, i)) {
-        d.mutual_count -= 1;
-        d.mutual_degree_values[as_size(i)] -= 1;
-        d.mutual_degree_values[as_size(j)] -= 1;
-    }
-    const int32_t out = --d.out_degree_values[as_size(i)];
-    move_count(d.out_degree_histogram, out + 1, out);
-    const int32_t in = --d.in_degree_values[as_size(j)];
-    move_count(d.in_degree_histogram, in + 1, in);
+    digraph_building::count_arc(d, i, j, -1);
 }
 
 void update_two_paths(Digraph& d, int i, int j, int added) {

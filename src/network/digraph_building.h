@@ -40,6 +40,26 @@ void read_arcs(D& d, const std::string& path, int n, MatrixNotes* notes) {
     if (notes != nullptr) *notes = seen;
 }
 
+// The counts an arc i->j changes: the arc and mutual counts, the mutual, out- and in-degrees
+// and their histograms; called once the store's own adjacency holds the arc (delta 1) or no
+// longer holds it (delta -1).
+template <class D>
+void count_arc(D& d, int i, int j, int32_t delta) {
+    const auto at = [](int v) { return static_cast<size_t>(v); };
+    d.arc_count += delta;
+    if (d.has_arc(j, i)) {
+        d.mutual_count += delta;
+        d.mutual_degree_values[at(i)] += delta;
+        d.mutual_degree_values[at(j)] += delta;
+    }
+    const int32_t out = d.out_degree_values[at(i)] += delta;
+    d.out_degree_histogram[at(out - delta)] -= 1;
+    d.out_degree_histogram[at(out)] += 1;
+    const int32_t in = d.in_degree_values[at(j)] += delta;
+    d.in_degree_histogram[at(in - delta)] -= 1;
+    d.in_degree_histogram[at(in)] += 1;
+}
+
 // Throws SettingError when n nodes cannot hold arc_target arcs.
 inline void check_arc_target(int n, int64_t arc_target) {
     const int64_t pairs = int64_t{n} * (int64_t{n} - 1);

@@ -11,11 +11,6 @@ namespace {
 
 size_t as_size(int value) { return static_cast<size_t>(value); }
 
-inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {
-    histogram[as_size(new_value)] += 1;
-    histogram[as_size(old_value)] -= 1;
-}
-
 // Removes v from a list by moving the last entry into its place, as the dense store does.
 void forget(std::vector<int32_t>& list, int v) {
     for (size_t k = 0; k < list.size(); ++k) {
@@ -69,32 +64,14 @@ void add_arc(SparseDigraph& d, int i, int j) {
     if (d.has_arc(i, j)) return;
     d.out_lists[as_size(i)].push_back(j);
     d.in_lists[as_size(j)].push_back(i);
-    d.arc_count += 1;
-    if (d.has_arc(j, i)) {
-        d.mutual_count += 1;
-        d.mutual_degree_values[as_size(i)] += 1;
-        d.mutual_degree_values[as_size(j)] += 1;
-    }
-    const int32_t out = ++d.out_degree_values[as_size(i)];
-    move_count(d.out_degree_histogram, out - 1, out);
-    const int32_t in = ++d.in_degree_values[as_size(j)];
-    move_count(d.in_degree_histogram, in - 1, in);
+    digraph_building::count_arc(d, i, j, 1);
 }
 
 void remove_arc(SparseDigraph& d, int i, int j) {
     if (!d.has_arc(i, j)) return;
     forget(d.out_lists[as_size(i)], j);
     forget(d.in_lists[as_size(j)], i);
-    d.arc_count -= 1;
-    if (d.has_arc(j, i)) {
-        d.mutual_count -= 1;
-        d.mutual_degree_values[as_size(i)] -= 1;
-        d.mutual_degree_values[as_size(j)] -= 1;
-    }
-    const int32_t out = --d.out_degree_values[as_size(i)];
-    move_count(d.out_degree_histogram, out + 1, out);
-    const int32_t in = --d.in_degree_values[as_size(j)];
-    move_count(d.in_degree_histogram, in + 1, in);
+    digraph_building::count_arc(d, i, j, -1);
 }
 
 void update_two_paths(SparseDigraph& d, int i, int j, int added) {
