@@ -32,9 +32,9 @@ void toggle_then_remove_every_tie(int n, uint32_t seed) {
     if constexpr (Store::kind == NetworkKind::graph) {
         EXPECT_EQ(store.shared_partners.size(), 0u);
     } else {
-        EXPECT_EQ(store.two_paths.size() + store.common_senders.size() +
-                      store.common_receivers.size(),
-                  0u);
+        EXPECT_EQ(
+            store.two_paths.size() + store.common_senders.size() + store.common_receivers.size(),
+            0u);
     }
 }
 
