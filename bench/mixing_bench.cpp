@@ -11,21 +11,30 @@
 // figure). Rates and the reported time are processor seconds of the recorded stretch.
 //
 //   build/bench/vexa_bench --benchmark_filter=Mixing/            n = 1,000 (about a minute)
-//   build/bench/vexa_bench --benchmark_filter=MixingLarge/5000   opt-in, several minutes
-//   build/bench/vexa_bench --benchmark_filter=MixingLarge/20000  opt-in, 2.5 GB, long
+//   build/bench/vexa_bench --benchmark_filter=MixingLarge/5000   opt-in, about a minute
+//   build/bench/vexa_bench --benchmark_filter=MixingLarge/20000  opt-in, sparse stores, minutes
+//   build/bench/vexa_bench --benchmark_filter=MixingLarge/100000 opt-in, sparse stores, long
 // The large sizes run only when the filter names MixingLarge; otherwise they say so and stop.
+// Up to 5,000 nodes the chains run on the dense stores, beyond on the sparse ones.
 //
-// Measured (Release, processor seconds on a shared 2-core machine; ESS from 400 draws at
-// n = 1,000 and 200 at 5,000, so within some 30 %):
-//   kind     n     variant  ess/s   accepted/s  proposals/s  peak MB
-//   graph    1000  toggle    10.5     136 k       6.37 M       13
-//   graph    1000  tie/no    129      2.65 M      3.03 M       13
-//   digraph  1000  toggle    1.8      81 k        4.03 M       15
-//   digraph  1000  tie/no    8.9      765 k       1.08 M       15
-//   graph    5000  tie/no    8.8      1.07 M      1.23 M       154
-//   digraph  5000  tie/no    3.1      565 k       790 k        160
-// The toggle at 5,000 and both proposals at 20,000 (2.3 GB resident for the graph) did not
-// finish within the time the machine's load allowed.
+// Measured (Release, processor seconds on a 2-core machine shared with builds; ESS from 400
+// draws at n = 1,000 and 200 beyond, so within some 30 %; beyond 1,000 the toggle's figure is
+// an upper bound, see thinning()):
+//   kind     n      variant  ess/s    accepted/s  proposals/s  peak MB
+//   graph    1000   toggle    6.7       86 k        4.05 M       13
+//   graph    1000   tie/no    110       2.34 M      2.69 M       13
+//   digraph  1000   toggle    1.4       63 k        3.11 M       15
+//   digraph  1000   tie/no    15        1.11 M      1.56 M       15
+//   graph    5000   toggle   <0.66      8.6 k       2.09 M       156
+//   graph    5000   tie/no    11        976 k       1.12 M       156
+//   digraph  5000   toggle   <0.24      5.8 k       1.62 M       159
+//   digraph  5000   tie/no    1.5       515 k       718 k        160
+//   graph    20000  toggle   <0.042     1.1 k       1.09 M       56
+//   graph    20000  tie/no    0.58      249 k       284 k        70
+//   digraph  20000  toggle   <0.020     0.5 k       558 k        199
+//   digraph  20000  tie/no    0.13      212 k       296 k        199
+// At 100,000 nodes a run of the tie/no-tie proposal takes some 4 x 10^8 proposals, beyond what
+// the machine's load allowed; the scale demonstration (bench/scale) measures that size.
 //
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
