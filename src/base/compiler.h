@@ -22,9 +22,13 @@
 namespace vexa {
 
 // Asks for the cache line at `address` ahead of a scan that will read it. Only a hint: it
-// never faults and changes no result.
+// never faults and changes no result. On x86 it is written as an instruction the compiler must
+// keep: GCC drops __builtin_prefetch calls whose address comes from loads inside a function that
+// does nothing else (a store's prefetch_dyad, say), which silently removes the whole hint.
 inline void prefetch(const void* address) {
-#if defined(__GNUC__) || defined(__clang__)
+#if (defined(__GNUC__) || defined(__clang__)) && (defined(__x86_64__) || defined(__i386__))
+    __asm__ volatile("prefetcht0 %0" : : "m"(*static_cast<const char*>(address)));
+#elif defined(__GNUC__) || defined(__clang__)
     __builtin_prefetch(address);
 #elif defined(_MSC_VER) && (defined(_M_X64) || defined(_M_IX86))
     _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);

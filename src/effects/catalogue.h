@@ -51,6 +51,11 @@ Term<Store> term_of(const EffectRow<Store>& row, size_t index, int32_t slot, flo
     if (row.about.alternating()) {
         term.lambda = lambda == 0.0f ? row.about.lambda_default : lambda;
         term.weights = weight_table(term.lambda);
+        for (int m = -1; m <= weight_table_cap; ++m) {
+            term.gains[static_cast<size_t>(m + 1)] =
+                static_cast<double>(term.lambda) *
+                (static_cast<double>(weight(term, m)) - static_cast<double>(weight(term, m + 1)));
+        }
     }
     return term;
 }

@@ -32,6 +32,12 @@ using WeightTable = std::array<float, weight_table_cap + 1>;
 // (1 - 1/lambda)^m for m = 1..100 computed in double and stored in single precision; entry 0 is 1.
 WeightTable weight_table(float lambda);
 
+// Entry m + 1: lambda (w(m) - w(m + 1)) for m = -1 .. cap, what one more configuration adds to
+// a term lambda (1 - w(L)) whose count L moves from m to m + 1 (0 from the cap on, where the
+// weights stop changing). Kept beside the weights so that a change statistic adding many such
+// steps reads one entry per step instead of two weights and a product.
+using GainTable = std::array<double, weight_table_cap + 2>;
+
 // Per-chain scratch: what the combiner prepares once per proposal for the terms that read it,
 // and what the totals pass counts once for all terms. Sized by the terms, never by a store.
 struct Workspace {
@@ -80,6 +86,7 @@ struct Term {
     int8_t clique_order = 0;  // copied from the row
     float lambda = 0.0f;      // the run's lambda (its default when the run file gave 0)
     WeightTable weights{};
+    GainTable gains{};
     ChangeFn<Store> change = nullptr;
     TotalFn<Store> total = nullptr;
     // Attribute and covariate terms: the attribute's values, one per node (a covariate: n x n,
@@ -95,6 +102,14 @@ inline float weight(const Term<Store>& term, int m) {
     if (m < 0) return 0.0f;
     if (m > weight_table_cap) m = weight_table_cap;
     return term.weights[static_cast<size_t>(m)];
+}
+
+// lambda (w(m) - w(m + 1)), from the gain table: bit for bit the product computed from the weights.
+template <class Store>
+inline double gain(const Term<Store>& term, int m) {
+    if (m < -1) return 0.0;
+    if (m > weight_table_cap) m = weight_table_cap;
+    return term.gains[static_cast<size_t>(m + 1)];
 }
 
 }  // namespace vexa

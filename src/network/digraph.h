@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "base/compiler.h"
 #include "base/large_allocator.h"
 #include "base/matrix_text.h"
 #include "network/network_kind.h"
@@ -147,6 +148,22 @@ inline void update_after_toggle(Digraph& digraph, int i, int j, int added) {
     update_two_paths(digraph, i, j, added);
 }
 inline int64_t tie_count(const Digraph& digraph) { return digraph.arc_count; }
+// Asks ahead for what a proposal on (i, j) reads first: the adjacency words of both
+// directions, the neighbour lists of both ends and the pair counts of (i, j) and (j, i). A
+// sampler calls it for the next proposal while the current one waits for its own reads.
+inline void prefetch_dyad(const Digraph& d, int i, int j) {
+    prefetch(d.out_row(i) + (j >> 6));
+    prefetch(d.out_row(j) + (i >> 6));
+    prefetch(d.out_lists.row(i));
+    prefetch(d.out_lists.row(j));
+    prefetch(d.in_lists.row(i));
+    prefetch(d.in_lists.row(j));
+    const size_t ij = Digraph::offset(i, d.node_count) + static_cast<size_t>(j);
+    prefetch(d.two_paths.data() + ij);
+    prefetch(d.common_receivers.data() + ij);
+    prefetch(d.common_senders.data() + ij);
+    prefetch(d.paths_row(j) + i);
+}
 
 // The combiner's hooks: a digraph's effects share no counts that a totals pass or a proposal
 // would prepare, so both do nothing.

@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/compiler.h"
 #include "base/large_allocator.h"
 #include "base/matrix_text.h"
 #include "network/network_kind.h"
@@ -129,6 +130,14 @@ inline void update_after_toggle(Graph& graph, int i, int j, int added) {
     update_shared_partners(graph, i, j, added);
 }
 inline int64_t tie_count(const Graph& graph) { return graph.edge_count; }
+// Asks ahead for what a proposal on {i, j} reads first: the adjacency word, both neighbour
+// lists and the pair's shared-partner count.
+inline void prefetch_dyad(const Graph& graph, int i, int j) {
+    prefetch(graph.row(i) + (j >> 6));
+    prefetch(graph.neighbour_row(i));
+    prefetch(graph.neighbour_row(j));
+    prefetch(graph.partners_row(i) + j);
+}
 
 // Calls fn(u, v) once for every edge, u < v, from the neighbour lists.
 template <typename Fn>

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/compiler.h"
+
 namespace vexa {
 
 // Counts kept per pair for the pairs whose count is not 0: an open-addressing hash table
@@ -38,7 +40,7 @@ public:
     }
     // Asks for the home slot of a pair ahead of reading it.
     void prefetch(uint64_t key) const {
-        if (!slots_.empty()) __builtin_prefetch(&slots_[home(key)]);
+        if (!slots_.empty()) vexa::prefetch(&slots_[home(key)]);
     }
     // Adds delta to the pair's count and returns the new count; a pair reaching 0 leaves.
     int32_t add(uint64_t key, int32_t delta);

@@ -105,6 +105,12 @@ inline void update_after_toggle(SparseDigraph& digraph, int i, int j, int added)
     update_two_paths(digraph, i, j, added);
 }
 inline int64_t tie_count(const SparseDigraph& digraph) { return digraph.arc_count; }
+// Asks ahead for the table slots of the pair counts a proposal on (i, j) reads first.
+inline void prefetch_dyad(const SparseDigraph& digraph, int i, int j) {
+    digraph.prefetch_paths(i, j);
+    digraph.prefetch_receivers(i, j);
+    digraph.prefetch_senders(i, j);
+}
 
 inline void prepare_totals(const SparseDigraph&, Workspace&) {}
 inline void prepare_change(const SparseDigraph&, Workspace&, int, int) {}

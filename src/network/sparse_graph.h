@@ -22,6 +22,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/compiler.h"
 #include "base/matrix_text.h"
 #include "network/network_kind.h"
 #include "network/pair_table.h"
@@ -122,6 +123,12 @@ inline void update_after_toggle(SparseGraph& graph, int i, int j, int added) {
     update_shared_partners(graph, i, j, added);
 }
 inline int64_t tie_count(const SparseGraph& graph) { return graph.edge_count; }
+// Asks ahead for the partner filters of both ends and the table slot of the pair.
+inline void prefetch_dyad(const SparseGraph& graph, int i, int j) {
+    prefetch(graph.filter_of(i));
+    prefetch(graph.filter_of(j));
+    graph.shared_partners.prefetch(PairTable::key(i, j));
+}
 
 // Calls fn(u, v) once for every edge, u < v, from the neighbour lists (as the dense store).
 template <typename Fn>

@@ -44,6 +44,34 @@ struct Rng {
     double unit() { return next() / 32767.0; }
 };
 
+// Draws nodes of an n-node network exactly as Rng::node(n) does, taking the remainder by two
+// multiplications instead of a division: a sampler step draws two to four nodes, and a
+// division costs as much as the rest of a cheap step. (x mod n = the high half of
+// ((ceil(2^64 / n) x) mod 2^64) n, exact for every 32-bit x and n.)
+struct NodeDraw {
+    uint32_t n = 1;
+    uint64_t magic = 0;
+
+    static NodeDraw of(int nodes) {
+        NodeDraw draw;
+        draw.n = static_cast<uint32_t>(nodes);
+        draw.magic = UINT64_MAX / draw.n + 1;
+        return draw;
+    }
+    uint32_t remainder(uint32_t x) const {
+#if defined(__SIZEOF_INT128__)
+        __extension__ using Wide = unsigned __int128;
+        return static_cast<uint32_t>((static_cast<Wide>(magic * x) * n) >> 64);
+#else
+        return x % n;
+#endif
+    }
+    int operator()(Rng& rng) const {
+        const int draw = n <= 32768u ? rng.next() : rng.wide();
+        return static_cast<int>(remainder(static_cast<uint32_t>(draw)));
+    }
+};
+
 // Every place that seeds the generator asks this. The k-th seeding of a run takes its seed from
 // a hash of (base, k): the base is the run's fixed seed, or the clock read once when the run
 // first seeds. Reseeds of one run, and runs of different bases, thus draw different streams;

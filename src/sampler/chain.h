@@ -42,6 +42,7 @@ struct Chain {
     const std::vector<Term<Store>>* terms = nullptr;
     SamplerSettings settings;
     Rng* rng = nullptr;
+    NodeDraw draw_node;              // node draws of the store's size
     std::vector<double> statistics;  // the current value of every statistic, by slot
     Workspace workspace;
     // Change statistics of a proposal, one entry per statistic, allocated once.
@@ -92,6 +93,7 @@ Chain<Store> make_chain(Store& store, const std::vector<Term<Store>>& terms,
     chain.terms = &terms;
     chain.settings = settings;
     chain.rng = &rng;
+    chain.draw_node = NodeDraw::of(store.node_count);
     const auto count = static_cast<size_t>(statistic_count);
     chain.statistics.assign(count, 0.0);
     chain.change_vector.assign(count, 0.0);

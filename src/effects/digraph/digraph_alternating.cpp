@@ -38,11 +38,6 @@ template <class D>
 inline double lambda_of(const Term<D>& term) {
     return static_cast<double>(term.lambda);
 }
-// What one more configuration adds to a term lambda (1 - w(L)) of the total.
-template <class D>
-inline double gain(const Term<D>& term, int before) {
-    return lambda_of(term) * (w(term, before) - w(term, before + 1));
-}
 
 // Af(d) = w(0) + ... + w(d-1): the alternating star of degree d (lambda (1 - q^d) with exact
 // weights). O(min(d, cap)).

@@ -29,8 +29,8 @@ void fill_clique_changes(const SparseGraph& graph, Workspace& workspace, int i, 
 void prepare_totals(const SparseGraph& graph, Workspace& workspace);
 inline void prepare_change(const SparseGraph& graph, Workspace& workspace, int i, int j) {
     // The partner filters of both ends, which most terms read first.
-    __builtin_prefetch(graph.filter_of(i));
-    __builtin_prefetch(graph.filter_of(j));
+    prefetch(graph.filter_of(i));
+    prefetch(graph.filter_of(j));
     graph.shared_partners.prefetch(PairTable::key(i, j));
     if (workspace.clique_depth >= 1) fill_clique_changes(graph, workspace, i, j);
 }
