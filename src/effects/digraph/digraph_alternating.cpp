@@ -363,17 +363,9 @@ double total_alternating_two_path(const D& d, const Term<D>& term, const Workspa
     return sum;
 }
 
-#define VEXA_INSTANTIATE_FOR(name, D)                                                            \
-    template double change_##name<D>(const D&, const Term<D>&, const Workspace&, int, int, int); \
-    template double total_##name<D>(const D&, const Term<D>&, const Workspace&);
-#define VEXA_INSTANTIATE(name)          \
-    VEXA_INSTANTIATE_FOR(name, Digraph) \
-    VEXA_INSTANTIATE_FOR(name, SparseDigraph)
-VEXA_INSTANTIATE(alternating_star)
-VEXA_INSTANTIATE(mixed_alternating_star)
-VEXA_INSTANTIATE(alternating_triangle)
-VEXA_INSTANTIATE(alternating_two_path)
-#undef VEXA_INSTANTIATE
-#undef VEXA_INSTANTIATE_FOR
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(alternating_star)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(mixed_alternating_star)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(alternating_triangle)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(alternating_two_path)
 
 }  // namespace vexa

@@ -386,22 +386,14 @@ double total_isolates(const D& d, const Term<D>&, const Workspace&) {
     return static_cast<double>(sum);
 }
 
-#define VEXA_INSTANTIATE_FOR(name, D)                                                            \
-    template double change_##name<D>(const D&, const Term<D>&, const Workspace&, int, int, int); \
-    template double total_##name<D>(const D&, const Term<D>&, const Workspace&);
-#define VEXA_INSTANTIATE(name)          \
-    VEXA_INSTANTIATE_FOR(name, Digraph) \
-    VEXA_INSTANTIATE_FOR(name, SparseDigraph)
-VEXA_INSTANTIATE(arc)
-VEXA_INSTANTIATE(reciprocity)
-VEXA_INSTANTIATE(in_star)
-VEXA_INSTANTIATE(out_star)
-VEXA_INSTANTIATE(mixed_star)
-VEXA_INSTANTIATE(triad)
-VEXA_INSTANTIATE(sink)
-VEXA_INSTANTIATE(source)
-VEXA_INSTANTIATE(isolates)
-#undef VEXA_INSTANTIATE
-#undef VEXA_INSTANTIATE_FOR
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(arc)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(reciprocity)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(in_star)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(out_star)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(mixed_star)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(triad)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(sink)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(source)
+VEXA_INSTANTIATE_DIGRAPH_FAMILY(isolates)
 
 }  // namespace vexa

@@ -1,9 +1,9 @@
 #pragma once
 // The total and change functions of the digraph structural effects, one pair per family, as
-// templates over the store type (instantiated for Digraph). The catalogue rows point at them;
-// a family's function switches on the row's variant: the order of a k-star, the number of a
-// triad configuration, in or out for the alternating stars, and the two-path kinds of the
-// alternating triangles and two-paths (two_path_t, _c, _d, _u of digraph_catalogue.h).
+// templates over the store type (instantiated for Digraph and SparseDigraph). The catalogue rows
+// point at them; a family's function switches on the row's variant: the order of a k-star, the
+// number of a triad configuration, in or out for the alternating stars, and the two-path kinds of
+// the alternating triangles and two-paths (two_path_t, _c, _d, _u of digraph_catalogue.h).
 //
 // Change functions follow the convention of term.h: the increase of the statistic when arc
 // i->j is added, evaluated with the arc absent from the adjacency, the degrees and the
@@ -44,5 +44,13 @@ VEXA_DIGRAPH_FAMILY(alternating_triangle)    // variant: two-path kinds summed
 VEXA_DIGRAPH_FAMILY(alternating_two_path)    // variant: two-path kinds summed
 
 #undef VEXA_DIGRAPH_FAMILY
+
+// Instantiates a family's two functions for both digraph stores, in the file that defines them.
+#define VEXA_INSTANTIATE_DIGRAPH_FAMILY_FOR(name, D)                                             \
+    template double change_##name<D>(const D&, const Term<D>&, const Workspace&, int, int, int); \
+    template double total_##name<D>(const D&, const Term<D>&, const Workspace&);
+#define VEXA_INSTANTIATE_DIGRAPH_FAMILY(name)          \
+    VEXA_INSTANTIATE_DIGRAPH_FAMILY_FOR(name, Digraph) \
+    VEXA_INSTANTIATE_DIGRAPH_FAMILY_FOR(name, SparseDigraph)
 
 }  // namespace vexa
