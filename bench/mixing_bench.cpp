@@ -17,18 +17,19 @@
 // The large sizes run only when the filter names MixingLarge; otherwise they say so and stop.
 // Up to 5,000 nodes the chains run on the dense stores, beyond on the sparse ones.
 //
-// Measured (Release, processor seconds on a 2-core machine shared with builds; ESS from 400
+// Measured (Release, processor seconds on a 2-core machine, the other core busy; ESS from 400
 // draws at n = 1,000 and 200 beyond, so within some 30 %; beyond 1,000 the toggle's figure is
-// an upper bound, see thinning()):
+// an upper bound, see thinning()). Up to 5,000 nodes after the toggle began loading the next
+// proposal's store entries ahead; the 20,000-node rows are from before that:
 //   kind     n      variant  ess/s    accepted/s  proposals/s  peak MB
-//   graph    1000   toggle    6.7       86 k        4.05 M       13
-//   graph    1000   tie/no    110       2.34 M      2.69 M       13
-//   digraph  1000   toggle    1.4       63 k        3.11 M       15
-//   digraph  1000   tie/no    15        1.11 M      1.56 M       15
-//   graph    5000   toggle   <0.66      8.6 k       2.09 M       156
-//   graph    5000   tie/no    11        976 k       1.12 M       156
-//   digraph  5000   toggle   <0.24      5.8 k       1.62 M       159
-//   digraph  5000   tie/no    1.5       515 k       718 k        160
+//   graph    1000   toggle    14        182 k       8.53 M       13
+//   graph    1000   tie/no    148       3.17 M      3.63 M       13
+//   digraph  1000   toggle    2.6       118 k       5.87 M       15
+//   digraph  1000   tie/no    18        1.35 M      1.89 M       15
+//   graph    5000   toggle   <0.91      11.8 k      2.89 M       154
+//   graph    5000   tie/no    10        876 k       1.00 M       154
+//   digraph  5000   toggle   <0.41      9.8 k       2.71 M       159
+//   digraph  5000   tie/no    1.6       537 k       748 k        160
 //   graph    20000  toggle   <0.042     1.1 k       1.09 M       56
 //   graph    20000  tie/no    0.58      249 k       284 k        70
 //   digraph  20000  toggle   <0.020     0.5 k       558 k        199
