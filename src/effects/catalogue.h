@@ -51,8 +51,9 @@ Term<Store> term_of(const EffectRow<Store>& row, size_t index, int32_t slot, flo
     if (row.about.alternating()) {
         term.lambda = lambda == 0.0f ? row.about.lambda_default : lambda;
         term.weights = weight_table(term.lambda);
-        for (int m = -1; m <= weight_table_cap; ++m) {
-            term.gains[static_cast<size_t>(m + 1)] =
+        for (size_t k = 0; k < term.gains.size(); ++k) {
+            const int m = static_cast<int>(k) - 1;  // entry k holds the step from m to m + 1
+            term.gains[k] =
                 static_cast<double>(term.lambda) *
                 (static_cast<double>(weight(term, m)) - static_cast<double>(weight(term, m + 1)));
         }

@@ -108,8 +108,8 @@ inline float weight(const Term<Store>& term, int m) {
 template <class Store>
 inline double gain(const Term<Store>& term, int m) {
     if (m < -1) return 0.0;
-    if (m > weight_table_cap) m = weight_table_cap;
-    return term.gains[static_cast<size_t>(m + 1)];
+    const int entry = m > weight_table_cap ? weight_table_cap + 1 : m + 1;
+    return term.gains[static_cast<size_t>(entry)];
 }
 
 }  // namespace vexa
