@@ -60,7 +60,7 @@ void BM_DigraphProposals(benchmark::State& state) {
     Rng rng;
     rng.seed(7);
     SamplerSettings settings;
-    settings.variant = static_cast<int32_t>(state.range(1));
+    settings.proposal = proposal_of(static_cast<int32_t>(state.range(1)), NetworkKind::digraph);
     vexa::Chain<Digraph> chain = make_chain(s.store, s.terms, 4, settings, rng);
     for (int k = 0; k < 50 * n; ++k) step(chain, s.parameters.data());  // settle
     const double start_degree = mean_degree(s.store);

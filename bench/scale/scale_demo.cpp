@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
     settings.subphase_count = argc > 4 ? std::atoi(argv[4]) : 5;
     settings.phase3_steps = argc > 5 ? std::atoi(argv[5]) : 500;
     SamplerSettings sampler;
-    sampler.variant = argc > 6 ? std::atoi(argv[6]) : tie_no_tie_variant;
+    sampler.proposal = proposal_of(argc > 6 ? std::atoi(argv[6]) : 3, NetworkKind::graph);
     settings.multiplication_factor = argc > 7 ? std::atoi(argv[7]) : 2;
     const bool start_simulated = argc > 8 && std::strcmp(argv[8], "simulated") == 0;
 

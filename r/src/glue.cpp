@@ -247,7 +247,7 @@ void set_options(vexa::RunOptions& options, SEXP seed, bool check, int sampler) 
         options.seed = static_cast<uint32_t>(Rcpp::as<double>(seed));
     }
     options.confirm = check;
-    options.sampler_variant = sampler;
+    options.sampler_code = sampler;
 }
 
 }  // namespace
@@ -258,15 +258,17 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     vexa::RunSettings& s = r.settings;
     const List settings = request["settings"];
     s.run_file = Rcpp::as<std::string>(request["what"]);
-    s.task = whole(request, "task", 0);
-    s.network_kind = whole(request, "kind", 1);
+    if (!vexa::task_of(whole(request, "task", 0), s.task))
+        return List::create(Named("error") = std::string("vexa: unknown task"));
+    if (!vexa::network_kind_of(whole(request, "kind", 1), s.network_kind))
+        return List::create(Named("error") = std::string("vexa: unknown network kind"));
     s.node_count = whole(request, "n", 0);
     s.network_name = Rcpp::as<std::string>(request["name"]);
     s.output_directory = Rcpp::as<std::string>(request["output_dir"]);
     s.initial_density = static_cast<float>(number(request, "density", 0.0));
-    s.sampler_variant = whole(settings, "sampler", 0);
+    s.proposal = vexa::proposal_of(whole(settings, "sampler", 0), s.network_kind);
     if (!Rf_isNull(settings["degree_cap"])) {
-        s.degree_cap_given = 1;
+        s.degree_cap_given = true;
         s.degree_cap = whole(settings, "degree_cap", 9999);
     }
     s.subphase_count = whole(settings, "subphases", 5);
@@ -313,9 +315,9 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
 
     BarState bar;
     bar.update = progress;
-    bar.estimation = s.task == 2;
-    bar.units = s.task == 2 ? std::max(1, s.estimation_runs) * (s.subphase_count + 2.0)
-                            : std::max(1.0, s.iterations);
+    bar.estimation = s.task == vexa::Task::estimation;
+    bar.units = bar.estimation ? std::max(1, s.estimation_runs) * (s.subphase_count + 2.0)
+                               : std::max(1.0, s.iterations);
     r.progress.context = &bar;
     r.progress.write = bar_write;
 

@@ -170,7 +170,7 @@ std::string guarded(Body&& body) noexcept {
 Model request_model(const TaskRequest& request) {
     const RunSettings& s = request.settings;
     const int32_t n = s.node_count;
-    Model model = empty_model(s.network_kind == 2 ? NetworkKind::digraph : NetworkKind::graph);
+    Model model = empty_model(s.network_kind);
     model.structural_given = true;
 
     Attributes attributes;
@@ -286,18 +286,18 @@ TaskResult run_request(const TaskRequest& request) noexcept {
         context.settings = request.settings;
         RunSettings& s = context.settings;
         if (s.run_file.empty()) s.run_file = "the request";
-        if (request.options.sampler_variant >= 0)
-            s.sampler_variant = request.options.sampler_variant;
+        if (request.options.sampler_code >= 0)
+            s.proposal = proposal_of(request.options.sampler_code, s.network_kind);
         context.console = console.get();
         context.progress = request.progress;
         context.confirm = request.options.confirm;
         context.seeds.fixed = request.options.fixed_seed;
         context.seeds.base = request.options.seed;
-        if (s.task < 1 || s.task > 3 || (s.network_kind != 1 && s.network_kind != 2)) {
+        if (s.task == Task::bayesian_goodness_of_fit) {
             throw SettingError(format_message(
-                "vexa: %s asks for task %d on network kind %d; a request runs tasks 1 to 3 on "
-                "kinds 1 (graph) and 2 (digraph)",
-                s.run_file.c_str(), s.task, s.network_kind));
+                "vexa: %s asks for a Bayesian goodness of fit; a request runs a simulation, an "
+                "estimation or a goodness of fit",
+                s.run_file.c_str()));
         }
         if (s.node_count < 1) {
             throw SettingError(
@@ -306,12 +306,12 @@ TaskResult run_request(const TaskRequest& request) noexcept {
                                s.run_file.c_str(), s.node_count));
         }
         const size_t cells = static_cast<size_t>(s.node_count) * static_cast<size_t>(s.node_count);
-        if (s.task != 1 && request.adjacency.size() != cells) {
+        if (s.task != Task::simulation && request.adjacency.size() != cells) {
             throw InputFileError(format_message(
                 "vexa: %s: the network has %zu values for %d x %d pairs", s.run_file.c_str(),
                 request.adjacency.size(), s.node_count, s.node_count));
         }
-        if (s.task != 2) {
+        if (s.task != Task::estimation) {
             if (s.sample_count < 1) {
                 throw SettingError(format_message(
                     "vexa: %s (sample_count): at least 1 network must be kept, found %d",
@@ -329,7 +329,7 @@ TaskResult run_request(const TaskRequest& request) noexcept {
         result.results.adjacency = request.adjacency;
         result.results.keep_networks = request.keep_networks;
         context.embedding = &result.results;
-        if (s.network_kind == 2) {
+        if (s.network_kind == NetworkKind::digraph) {
             run_digraph_task(context);
         } else {
             run_graph_task(context);

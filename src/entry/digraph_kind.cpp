@@ -86,15 +86,15 @@ DigraphTraits<D>::SampleFiles::SampleFiles(const D& digraph, const RunSettings& 
     const auto open = [](const std::string& path) {
         return std::make_unique<OutFile>(path, OpenMode::truncate);
     };
-    if (s.degree_distribution_output == 1) {
+    if (s.outputs.degree_distribution) {
         degree = open(names.degree_distribution);
         write_in_out_degree_header(*degree, digraph);
     }
-    if (s.geodesic_output == 1) {
+    if (s.outputs.geodesic) {
         geodesic = open(names.geodesic_distribution);
         write_directed_geodesic_header(*geodesic, digraph);
     }
-    if (s.cluster_giant_output == 1) {
+    if (s.outputs.cluster_giant) {
         cluster = open(names.cluster_giant);
         write_digraph_clustering_header(*cluster);
     }
@@ -137,8 +137,7 @@ template struct DigraphTraits<Digraph>;
 template struct DigraphTraits<SparseDigraph>;
 
 void run_digraph_task(RunContext& context) {
-    if (sparse_store_chosen(static_cast<StoreChoice>(context.store), context.settings.node_count,
-                            NetworkKind::digraph)) {
+    if (sparse_store_chosen(context.store, context.settings.node_count, NetworkKind::digraph)) {
         run_task<SparseDigraph>(context);
     } else {
         run_task<Digraph>(context);

@@ -78,29 +78,29 @@ GraphTraits<G>::SampleFiles::SampleFiles(const G& graph, const RunSettings& s,
     const auto open = [](const std::string& path) {
         return std::make_unique<OutFile>(path, OpenMode::truncate);
     };
-    if (s.degree_distribution_output == 1) {
+    if (s.outputs.degree_distribution) {
         degree = open(names.degree_distribution);
         write_degree_header(*degree, graph);
     }
-    if (s.geodesic_output == 1) {
+    if (s.outputs.geodesic) {
         geodesic = open(names.geodesic_distribution);
         write_geodesic_header(*geodesic, graph);
         quartiles = open(names.geodesic_quartiles);
         write_quartile_header(*quartiles);
     }
-    if (s.cluster_giant_output == 1) {
+    if (s.outputs.cluster_giant) {
         cluster = open(names.cluster_giant);
         write_cluster_giant_header(*cluster);
     }
-    if (s.triangle_distribution_output == 1) {
+    if (s.outputs.triangle_distribution) {
         triangle = open(names.triangle_distribution);
         write_triangle_header(*triangle, graph);
     }
-    if (s.twopath_distribution_output == 1) {
+    if (s.outputs.twopath_distribution) {
         twopath = open(names.twopath_distribution);
         write_two_path_header(*twopath, graph);
     }
-    if (s.et0nt_distribution_output == 1) {
+    if (s.outputs.et0nt_distribution) {
         et0nt = open(names.et0nt_distribution);
         write_edge_triangle_header(*et0nt, graph);
     }
@@ -150,7 +150,7 @@ bool sparse_store_chosen(StoreChoice choice, int node_count, NetworkKind kind) {
 }
 
 void run_graph_task(RunContext& context) {
-    if (sparse_store_chosen(static_cast<StoreChoice>(context.store), context.settings.node_count)) {
+    if (sparse_store_chosen(context.store, context.settings.node_count)) {
         run_task<SparseGraph>(context);
     } else {
         run_task<Graph>(context);

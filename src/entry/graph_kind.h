@@ -72,10 +72,7 @@ struct KindTraits<Graph> : GraphTraits<Graph> {};
 template <>
 struct KindTraits<SparseGraph> : GraphTraits<SparseGraph> {};
 
-// Which store a run takes, for graphs and digraphs alike: the dense one unless its n x n
-// arrays would not fit comfortably (above 20,000 nodes, or more than half the machine's
-// memory), or as asked.
-enum class StoreChoice : int32_t { automatic = 0, dense = 1, sparse = 2 };
+// Whether a run on a network of this size takes the sparse store (see StoreChoice).
 bool sparse_store_chosen(StoreChoice choice, int node_count, NetworkKind kind = NetworkKind::graph);
 
 // Runs the task of the context's run file on a graph.

@@ -15,35 +15,25 @@ namespace {
 // the most), and the three geodesic quartiles.
 constexpr double measures_per_sample = 13.0 + 3.0;
 
-const char* task_name(int32_t task) {
-    switch (task) {
-        case 1: return "simulation";
-        case 2: return "estimation";
-        case 3: return "goodness of fit";
-        default: return "run";
-    }
-}
-
 }  // namespace
 
 MemoryPlan task_memory(const RunSettings& s, NetworkKind kind, int parameters) {
     const int n = s.node_count;
     MemoryPlan plan;
     plan.store_bytes = kind == NetworkKind::digraph ? digraph_store_bytes(n) : graph_store_bytes(n);
-    plan.stores = s.task == 1 ? 1 : 2;
+    plan.stores = s.task == Task::simulation ? 1 : 2;
     const double nodes = n;
     const double p = std::max(parameters, 1);
-    if (s.constraint_given == 1)
-        plan.other_bytes += nodes * std::floor((nodes + 63.0) / 64.0) * 8.0;
+    if (s.constraint_given) plan.other_bytes += nodes * std::floor((nodes + 63.0) / 64.0) * 8.0;
     // Per-node scratch of the descriptive measures and the chain.
     plan.other_bytes += 64.0 * nodes;
     double samples = 0.0;
-    if (s.task == 3 && s.thinning_interval >= 1.0)
+    if (s.task == Task::goodness_of_fit && s.thinning_interval >= 1.0)
         samples = std::floor(s.iterations / s.thinning_interval);
-    if (s.task == 2) {
+    if (s.task == Task::estimation) {
         // Phase 3 keeps its draws; a goodness of fit after it keeps its 1,000 samples.
         plan.other_bytes += 2.0 * s.phase3_steps * p * 8.0;
-        if (s.gof_after_estimation == 1) samples = 1000.0;
+        if (s.gof_after_estimation) samples = 1000.0;
     }
     plan.other_bytes += samples * (p + measures_per_sample + 1.0) * 8.0;
     return plan;

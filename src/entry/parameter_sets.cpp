@@ -97,11 +97,11 @@ void draw_parameter_sets(const std::string& run_file, int count, const std::stri
                          const RunOptions& options) {
     FILE* console = options.console != nullptr ? options.console : stdout;
     const RunFile file = read_run_file(run_file, console);
-    if (!file.task_known || file.settings.task != 2) {
+    if (file.settings.task != Task::estimation) {
         throw SettingError(format_message(
-            "vexa: run file '%s' is not an estimation (task %d); parameter sets are drawn around "
-            "the estimates of an estimation, so give its run file",
-            run_file.c_str(), file.settings.task));
+            "vexa: run file '%s' is not an estimation (it runs a %s); parameter sets are drawn "
+            "around the estimates of an estimation, so give its run file",
+            run_file.c_str(), task_name(file.settings.task)));
     }
     const int p = file.model.parameter_count();
     if (p == 0) {

@@ -10,11 +10,30 @@
 
 #include "base/progress.h"
 #include "model/model.h"
+#include "network/network_kind.h"
 #include "numeric/rng.h"
+#include "report/output_names.h"
+#include "sampler/chain.h"
 
 namespace vexa {
 
 struct Embedding;
+
+// What a run does.
+enum class Task : int32_t {
+    simulation,
+    estimation,
+    goodness_of_fit,
+    bayesian_goodness_of_fit,  // goodness of fit over a file of parameter sets
+};
+
+// "simulation", "estimation", "goodness of fit", "Bayesian goodness of fit".
+const char* task_name(Task task);
+
+// The task a run file's code selects (1 to 4); false for any other code.
+bool task_of(int32_t code, Task& task);
+// The network kind a run file's code selects (1 graph, 2 digraph); false for any other code.
+bool network_kind_of(int32_t code, NetworkKind& kind);
 
 // Every setting of the run file, with the defaults that apply when a row is optional.
 struct RunSettings {
@@ -23,89 +42,50 @@ struct RunSettings {
     // Head, every task.
     std::string network_name;
     std::string output_directory;
-    int32_t sampler_variant = 0;  // 1: the edge-preserving step in simulation and goodness of fit
-    int32_t task = 0;             // 1 simulation, 2 estimation, 3 goodness of fit, 4 Bayesian
-    int32_t network_kind = 0;     // 1 graph, 2 digraph
+    Proposal proposal = Proposal::toggle;
+    Task task = Task::simulation;
+    NetworkKind network_kind = NetworkKind::graph;
 
     int32_t node_count = 0;
-    float initial_density = 0.0f;  // task 1
-    std::string network_file;      // tasks 2 to 4
-    int32_t degree_cap_given = 0;
+    float initial_density = 0.0f;  // simulation
+    std::string network_file;      // every task but simulation
+    bool degree_cap_given = false;
     int32_t degree_cap = 9999;
     int32_t degree_cap_line = 0;  // where the run file gives the cap, for messages
-    int32_t constraint_given = 0;
+    bool constraint_given = false;
     std::string constraint_file;
-    std::string parameter_sets_file;  // task 4
+    std::string parameter_sets_file;  // Bayesian goodness of fit
 
-    // The seven output flags of tasks 1, 3 and 4; each is on when exactly 1.
-    int32_t pajek_output = 0;
-    int32_t degree_distribution_output = 0;
-    int32_t geodesic_output = 0;
-    int32_t cluster_giant_output = 0;
-    int32_t triangle_distribution_output = 0;
-    int32_t twopath_distribution_output = 0;
-    int32_t et0nt_distribution_output = 0;
+    // The per-sample files of simulation and both goodness-of-fit tasks.
+    SampleOutputs outputs;
 
     double burn_in = 0.0;
-    double iterations = 0.0;         // tasks 1 and 3
-    int32_t sample_count = 0;        // as read: networks to keep (task 4: parameter sets to use)
-    double thinning_interval = 0.0;  // tasks 1 and 3: trunc(iterations / sample_count)
+    double iterations = 0.0;         // simulation and goodness of fit
+    int32_t sample_count = 0;        // networks to keep (Bayesian: parameter sets to use)
+    double thinning_interval = 0.0;  // simulation and goodness of fit: trunc(iterations / count)
 
-    // Estimation, task 2.
+    // Estimation.
     int32_t subphase_count = 5;
     float start_a_value = 0.1f;
     int32_t multiplication_factor = 2;
     int32_t phase3_steps = 500;
     int32_t estimation_runs = 1;
-    int32_t gof_after_estimation = 0;
+    bool gof_after_estimation = false;
 };
 
-// The twenty output names, formed right after the head of the run file, whether or not the
-// task writes them: directory, separator, suffix word, '_', network name, extension.
-struct OutputNames {
-    std::string start_statistics;
-    std::string end_statistics;
-    std::string parameter;
-    std::string sample_statistics;  // a prefix: writers append the sample number and ".txt"
-    std::string accept;
-    std::string simulation;
-    std::string estimation;
-    std::string gof;
-    std::string sim;  // the SPSS syntax file, ".sps"
-    std::string degree_distribution;
-    std::string cluster_giant;
-    std::string geodesic_distribution;
-    std::string geodesic_quartiles;
-    std::string pajek;  // ".paj"
-    std::string covariance;
-    std::string logodds;
-    std::string change_statistics;
-    std::string triangle_distribution;
-    std::string twopath_distribution;
-    std::string et0nt_distribution;
-    std::string convergence;  // the verdict on each estimation run
-};
-
-// '/' on POSIX systems, '\' on Windows: the files land inside the output directory.
-#ifdef _WIN32
-inline constexpr char path_separator = '\\';
-#else
-inline constexpr char path_separator = '/';
-#endif
-
-// Forms every name from the directory and the network name. An empty directory means the
-// working directory.
-OutputNames form_output_names(const std::string& directory, const std::string& network_name);
+// Which store a run takes, for graphs and digraphs alike: the dense one unless its n x n
+// arrays would not fit comfortably (above 20,000 nodes, or more than half the machine's
+// memory), or as asked.
+enum class StoreChoice : int32_t { automatic, dense, sparse };
 
 // How a run is started: by the entries, the command line or a test.
 struct RunOptions {
     bool fixed_seed = false;  // every seeding of the run derives from `seed` (else from the clock)
     uint32_t seed = 0;
     bool confirm = false;  // after a converged estimation, check the estimate with a long chain
-    int32_t sampler_variant = -1;  // when 0 or more, overrides the run file's sampler variant
-    // The network store (graphs and digraphs): 0 chosen by the network's size, 1 the dense
-    // store, 2 the sparse store.
-    int32_t store = 0;
+    // A sampler code (as a run file gives it) that overrides the run file's; -1: none.
+    int32_t sampler_code = -1;
+    StoreChoice store = StoreChoice::automatic;
     FILE* console = stdout;              // progress and messages
     const Progress* progress = nullptr;  // what computations say; null: the console
 };
@@ -122,8 +102,7 @@ struct RunContext {
     bool confirm = false;    // check a converged estimate with a long chain
     // A host's in-memory network and the results it takes back; null for a run from files.
     Embedding* embedding = nullptr;
-    // The network store: StoreChoice (automatic, dense, sparse) as RunOptions::store.
-    int32_t store = 0;
+    StoreChoice store = StoreChoice::automatic;
 };
 
 }  // namespace vexa

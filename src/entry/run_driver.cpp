@@ -25,18 +25,12 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     RunFile file = read_run_file(run_file, context.console);
     context.settings = std::move(file.settings);
     context.settings.run_file = run_file;
-    if (options.sampler_variant >= 0) context.settings.sampler_variant = options.sampler_variant;
+    if (options.sampler_code >= 0)
+        context.settings.proposal =
+            proposal_of(options.sampler_code, context.settings.network_kind);
     context.model = std::move(file.model);
     context.names = std::move(file.names);
-    const RunSettings& settings = context.settings;
-    if (!file.task_known) {
-        // Refused like any other impossible setting, so that callers see a failed run.
-        throw SettingError(format_message(
-            "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
-            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run",
-            run_file.c_str(), settings.task, settings.network_kind));
-    }
-    if (settings.network_kind == 2) {
+    if (context.settings.network_kind == NetworkKind::digraph) {
         run_digraph_task(context);
     } else {
         run_graph_task(context);

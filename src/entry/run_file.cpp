@@ -371,14 +371,18 @@ void read_covariate_section(Reader& reader, Model& model, int32_t node_count) {
     read_attribute_entries(reader, model, AttributeKind::covariate, "covariate");
 }
 
+// A flag row: on when the value is exactly 1.
+bool flag_row(Reader& reader, const char* setting) { return int_row(reader, setting) == 1; }
+
 void read_output_flags(Reader& reader, RunSettings& settings) {
-    settings.pajek_output = int_row(reader, "pajek_output");
-    settings.degree_distribution_output = int_row(reader, "degree_distribution_output");
-    settings.geodesic_output = int_row(reader, "geodesic_output");
-    settings.cluster_giant_output = int_row(reader, "cluster_giant_output");
-    settings.triangle_distribution_output = int_row(reader, "triangle_distribution_output");
-    settings.twopath_distribution_output = int_row(reader, "twopath_distribution_output");
-    settings.et0nt_distribution_output = int_row(reader, "et0nt_distribution_output");
+    SampleOutputs& o = settings.outputs;
+    o.pajek = flag_row(reader, "pajek_output");
+    o.degree_distribution = flag_row(reader, "degree_distribution_output");
+    o.geodesic = flag_row(reader, "geodesic_output");
+    o.cluster_giant = flag_row(reader, "cluster_giant_output");
+    o.triangle_distribution = flag_row(reader, "triangle_distribution_output");
+    o.twopath_distribution = flag_row(reader, "twopath_distribution_output");
+    o.et0nt_distribution = flag_row(reader, "et0nt_distribution_output");
 }
 
 // The estimation rows, each refused when no estimation could be run with it.
@@ -400,22 +404,22 @@ void read_estimation_rows(Reader& reader, RunSettings& settings) {
                          "phase 3 needs at least 2 draws for standard errors and t-ratios");
     settings.estimation_runs =
         int_row_at_least(reader, "estimation_runs", 1, "at least 1 estimation run is needed");
-    settings.gof_after_estimation = int_row(reader, "gof_after_estimation");
+    settings.gof_after_estimation = flag_row(reader, "gof_after_estimation");
 }
 
 // Everything after the head; its layout depends on the task.
 void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
-    const int32_t task = settings.task;
+    const Task task = settings.task;
     int32_t line = 0;
     settings.node_count =
         int_row_at_least(reader, "node_count", 1, "the network needs at least 1 node");
-    if (task == 1) {
+    if (task == Task::simulation) {
         settings.initial_density = float_row(reader, "initial_density");
     } else {
         settings.network_file = line_row(reader, "network_file");
     }
-    settings.degree_cap_given = int_row(reader, "degree_cap_given");
-    if (settings.degree_cap_given == 1) {
+    settings.degree_cap_given = flag_row(reader, "degree_cap_given");
+    if (settings.degree_cap_given) {
         settings.degree_cap = int_row_at_least(reader, "degree_cap", 0, "the cap must be 0 or more",
                                                &settings.degree_cap_line);
     }
@@ -424,19 +428,19 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     read_attribute_block(reader, model, settings.node_count);
     read_covariate_section(reader, model, settings.node_count);
 
-    if (task == 4) settings.parameter_sets_file = line_row(reader, "parameter_sets_file");
-    settings.constraint_given = int_row(reader, "constraint_given");
-    if (settings.constraint_given == 1)
-        settings.constraint_file = line_row(reader, "constraint_file");
+    if (task == Task::bayesian_goodness_of_fit)
+        settings.parameter_sets_file = line_row(reader, "parameter_sets_file");
+    settings.constraint_given = flag_row(reader, "constraint_given");
+    if (settings.constraint_given) settings.constraint_file = line_row(reader, "constraint_file");
 
-    if (task == 2) {
+    if (task == Task::estimation) {
         read_estimation_rows(reader, settings);
         return;
     }
     read_output_flags(reader, settings);
     settings.burn_in =
         double_row_at_least(reader, "burn_in", 0.0, "the burn-in must be 0 or more steps");
-    if (task == 4) {
+    if (task == Task::bayesian_goodness_of_fit) {
         settings.sample_count =
             int_row_at_least(reader, "sample_count", 1, "at least 1 parameter set must be used");
         return;
@@ -471,17 +475,18 @@ RunFile read_run_file(const std::string& path, FILE* console) {
     settings.network_name = line_row(reader, "network_name");
     settings.output_directory = line_row(reader, "output_directory");
     file.names = form_output_names(settings.output_directory, settings.network_name);
-    settings.sampler_variant = int_row(reader, "sampler_variant");
-    settings.task = int_row(reader, "task");
-    settings.network_kind = read_int(reader, "network_kind");
-
-    file.task_known = settings.task >= 1 && settings.task <= 4 &&
-                      (settings.network_kind == 1 || settings.network_kind == 2);
-    file.model =
-        empty_model(settings.network_kind == 2 ? NetworkKind::digraph : NetworkKind::graph);
+    const int32_t sampler_code = int_row(reader, "sampler_variant");
+    const int32_t task_code = int_row(reader, "task");
+    const int32_t kind_code = read_int(reader, "network_kind");
+    if (!task_of(task_code, settings.task) || !network_kind_of(kind_code, settings.network_kind)) {
+        throw SettingError(format_message(
+            "vexa: run file '%s' asks for task %d on network kind %d; vexa runs tasks 1 to "
+            "4 on kinds 1 (graph) and 2 (digraph), so nothing was run",
+            path.c_str(), task_code, kind_code));
+    }
+    settings.proposal = proposal_of(sampler_code, settings.network_kind);
+    file.model = empty_model(settings.network_kind);
     size_all_sections(file.model);
-    if (!file.task_known) return file;  // the driver reports the unknown pair
-
     read_task_rows(reader, settings, file.model);
     return file;
 }

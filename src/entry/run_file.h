@@ -13,13 +13,13 @@ struct RunFile {
     RunSettings settings;
     Model model;
     OutputNames names;
-    bool task_known = false;  // task 1..4 with network kind 1 or 2: the rest was read
 };
 
 // Reads the whole run file. Console lines of the attribute sections go to `console`.
 // Throws RunFileError naming the file, the setting and its line when the file cannot be
 // opened, ends early, or holds a value that does not parse, and SettingError for a value
-// that cannot be carried out (sample_count below 1 in tasks 1 and 3, say).
+// that cannot be carried out (an unknown task or network kind, sample_count below 1 in a
+// simulation, say).
 RunFile read_run_file(const std::string& path, FILE* console);
 
 }  // namespace vexa

@@ -119,7 +119,7 @@ int32_t capped_degree(const Store& store, int v) {
 // start outside the networks the cap allows.
 template <class Store>
 void check_degree_cap(const RunSettings& s, const Store& observed) {
-    if (s.degree_cap_given != 1) return;
+    if (!s.degree_cap_given) return;
     int top = 0;
     for (int v = 1; v < observed.node_count; ++v)
         if (capped_degree(observed, v) > capped_degree(observed, top)) top = v;
@@ -186,7 +186,7 @@ void simulate(RunContext& context, TaskSetup<Store>& setup, const std::vector<do
             }
             files.write_rows(setup.observed, scratch, nullptr);
             write_accept_row(accept, i, interval_accepted / plan.interval);
-            if (s.pajek_output == 1)
+            if (s.outputs.pajek)
                 Traits::write_sample_network(setup.observed, i, names, s.network_name);
         });
     write_accepted_total(accept, Store::kind, accepted);
@@ -270,8 +270,7 @@ void goodness_of_fit(RunContext& context, TaskSetup<Store>& setup,
                 sample.measures[m].push_back(measures.values[m]);
             sample.quartiles.push_back(measures.quartiles);
             files.write_rows(working, scratch, &measures);
-            if (s.pajek_output == 1)
-                Traits::write_sample_network(working, i, names, s.network_name);
+            if (s.outputs.pajek) Traits::write_sample_network(working, i, names, s.network_name);
         });
     statistics.close();
     files.close();
@@ -382,7 +381,7 @@ void bayesian_goodness_of_fit(RunContext& context, TaskSetup<Store>& setup) {
                 sample.measures[m].push_back(measures.values[m]);
             sample.quartiles.push_back(measures.quartiles);
             files.write_rows(working, scratch, &measures);
-            if (s.pajek_output == 1)
+            if (s.outputs.pajek)
                 Traits::write_sample_network(working, number, names, s.network_name);
             const Bound bound = bound_of(working);
             empty += bound == Bound::empty ? 1 : 0;
@@ -564,7 +563,7 @@ void estimate_model(RunContext& context, TaskSetup<Store>& setup, std::vector<do
         context.embedding->estimates = parameters;
     }
     write_update_files(model, "");
-    if (s.gof_after_estimation == 1 && converged) {
+    if (s.gof_after_estimation && converged) {
         KindTraits<Store>::before_gof_after_estimation(context);
         // The estimation's chain is done with: its store goes before goodness of fit makes its
         // own, so that the run never holds more than the observed network and one copy.
@@ -594,7 +593,7 @@ void run_task(RunContext& context) {
     }
     task_detail::TaskSetup<Store> setup;
     MatrixNotes notes;
-    if (s.task == 1) {
+    if (s.task == Task::simulation) {
         setup.observed = Traits::random_start(context);
     } else if (context.embedding != nullptr && !context.embedding->adjacency.empty()) {
         from_matrix(context.embedding->adjacency, n, setup.observed);
@@ -602,29 +601,30 @@ void run_task(RunContext& context) {
         setup.observed = Traits::read(s.network_file, n, &notes);
     }
     task_detail::say_notes(context, notes, "network", s.network_file);
-    if (s.task != 1) task_detail::check_degree_cap(s, setup.observed);
+    if (s.task != Task::simulation) task_detail::check_degree_cap(s, setup.observed);
     setup.terms = make_terms<Store>(context.model);
     task_detail::write_statistics_file(context.names.start_statistics, context.model,
                                        setup.observed, setup.terms);
-    if (s.constraint_given == 1) {
+    if (s.constraint_given) {
         MatrixNotes constraint_notes;
         setup.mask = std::make_unique<DyadMask>(
             read_dyad_mask(s.constraint_file, n, Store::kind, &constraint_notes));
         task_detail::say_notes(context, constraint_notes, "constraint", s.constraint_file);
     }
-    setup.sampler.variant = s.sampler_variant;
+    setup.sampler.proposal = s.proposal;
     setup.sampler.max_degree = s.degree_cap;
     setup.sampler.mask = setup.mask.get();
     check_proposals_possible(setup.observed, setup.sampler);
 
     switch (s.task) {
-        case 1: task_detail::simulate(context, setup, parameters); break;
-        case 2: task_detail::estimate_model(context, setup, parameters); break;
-        case 3:
+        case Task::simulation: task_detail::simulate(context, setup, parameters); break;
+        case Task::estimation: task_detail::estimate_model(context, setup, parameters); break;
+        case Task::goodness_of_fit:
             task_detail::goodness_of_fit(context, setup, parameters, task_detail::gof_plan(s));
             break;
-        case 4: task_detail::bayesian_goodness_of_fit(context, setup); break;
-        default: break;
+        case Task::bayesian_goodness_of_fit:
+            task_detail::bayesian_goodness_of_fit(context, setup);
+            break;
     }
 }
 

@@ -22,14 +22,25 @@
 
 namespace vexa {
 
-// The proposal that picks a present tie half of the time (the tie/no-tie proposal).
-inline constexpr int32_t tie_no_tie_variant = 3;
+// What a step proposes.
+enum class Proposal : int32_t {
+    toggle,         // one dyad, drawn uniformly, changes
+    swap,           // a tie moves to a non-tie: the number of ties stays
+    receiver_move,  // digraphs: an arc moves to another receiver of its sender (out-degrees stay)
+    tie_no_tie,     // a present tie half of the time, else any dyad: fast on sparse networks
+};
+
+// The proposal a sampler code (of a run file or a command line) selects for a network kind:
+// 1 the swap, 2 on a digraph the receiver move, 3 the tie/no-tie proposal, anything else the
+// toggle (a graph has no receiver move, so its code 2 is the toggle).
+Proposal proposal_of(int32_t code, NetworkKind kind);
+
+// The proposal's name for a kind: "toggle", "edge swap" or "arc swap", "receiver move",
+// "tie/no-tie".
+const char* proposal_name(Proposal proposal, NetworkKind kind);
 
 struct SamplerSettings {
-    // Graphs: 1 the edge-preserving move, 3 the tie/no-tie proposal, anything else the toggle.
-    // Digraphs: 1 the arc-count-preserving swap, 2 the out-degree-preserving receiver move, 3 the
-    // tie/no-tie proposal, anything else the toggle.
-    int32_t variant = 0;
+    Proposal proposal = Proposal::toggle;
     int32_t max_degree = 9999;       // graphs: no tie is added at a node of this degree;
                                      // digraphs: the cap on out-degrees
     int32_t max_in_degree = 9999;    // digraphs: the cap on in-degrees
@@ -69,7 +80,7 @@ uint64_t dyad_key(int i, int j) {
 // Fills the tie list from the store (for the tie/no-tie proposal only).
 template <class Store>
 void list_ties(Chain<Store>& chain) {
-    if (chain.settings.variant != tie_no_tie_variant) return;
+    if (chain.settings.proposal != Proposal::tie_no_tie) return;
     const Store& store = *chain.store;
     const double n = store.node_count;
     const DyadMask* mask = chain.settings.mask;

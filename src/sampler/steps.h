@@ -288,13 +288,17 @@ int receiver_move_step(Chain<Store>& chain, const double* parameters) {
     return 1;
 }
 
-// The step the chain's sampler variant selects.
+// The step of the chain's proposal.
 template <class Store>
 inline int step(Chain<Store>& chain, const double* parameters) {
-    if (chain.settings.variant == 1) return swap_step(chain, parameters);
-    if (chain.settings.variant == tie_no_tie_variant) return tie_no_tie_step(chain, parameters);
-    if constexpr (Store::kind == NetworkKind::digraph) {
-        if (chain.settings.variant == 2) return receiver_move_step(chain, parameters);
+    switch (chain.settings.proposal) {
+        case Proposal::swap: return swap_step(chain, parameters);
+        case Proposal::tie_no_tie: return tie_no_tie_step(chain, parameters);
+        case Proposal::receiver_move:
+            if constexpr (Store::kind == NetworkKind::digraph)
+                return receiver_move_step(chain, parameters);
+            break;
+        case Proposal::toggle: break;
     }
     return toggle_step(chain, parameters);
 }
@@ -358,7 +362,7 @@ void check_proposals_possible(const Store& store, const SamplerSettings& setting
     }
     constexpr bool directed = Store::kind != NetworkKind::graph;
     if constexpr (directed) {
-        if (settings.variant == 2) {
+        if (settings.proposal == Proposal::receiver_move) {
             // A sender with two or more arcs and a receiver it could move one to; moves keep
             // every out-degree, so one check before the chain suffices.
             for (int s = 0; s < n; ++s) {
@@ -375,7 +379,7 @@ void check_proposals_possible(const Store& store, const SamplerSettings& setting
                 "more arcs and has a receiver it could move one to");
         }
     }
-    if (settings.variant != 1) return;
+    if (settings.proposal != Proposal::swap) return;
     // The count-preserving move needs an allowed tie and an allowed non-tie; moves within
     // the allowed dyads keep both numbers, so one check before the chain suffices.
     long long allowed_ties = 0;

@@ -20,15 +20,15 @@ namespace {
 // of 100 draws, with the squared Monte Carlo error of each mean (variance over effective size).
 template <class Store>
 void long_run_means(const std::vector<Term<Store>>& terms, const std::vector<double>& theta,
-                    int variant, double thin, std::vector<double>& means,
+                    Proposal proposal, double thin, std::vector<double>& means,
                     std::vector<double>& errors) {
     const int p = static_cast<int>(theta.size()), draws = 2000;
     Store store =
         testing::KindFixture<Store>::build(typename testing::KindFixture<Store>::Matrix(30));
     Rng rng;
-    rng.seed(static_cast<uint32_t>(61 + variant));
+    rng.seed(61 + static_cast<uint32_t>(proposal));
     SamplerSettings settings;
-    settings.variant = variant;
+    settings.proposal = proposal;
     Chain<Store> chain = make_chain(store, terms, p, settings, rng);
     run_steps(chain, theta.data(), 100.0 * thin);
     Matrix recorded = make_matrix(draws, p);
@@ -55,8 +55,8 @@ void expect_same_long_run_means(const std::vector<int>& rows, const std::vector<
                                 double thin) {
     const std::vector<Term<Store>> terms = make_terms<Store>(testing::model_of(Store::kind, rows));
     std::vector<double> toggle, toggle_errors, tie_no_tie, tie_no_tie_errors;
-    long_run_means(terms, theta, 0, thin, toggle, toggle_errors);
-    long_run_means(terms, theta, tie_no_tie_variant, thin, tie_no_tie, tie_no_tie_errors);
+    long_run_means(terms, theta, Proposal::toggle, thin, toggle, toggle_errors);
+    long_run_means(terms, theta, Proposal::tie_no_tie, thin, tie_no_tie, tie_no_tie_errors);
     for (size_t s = 0; s < theta.size(); ++s) {
         const double error = std::sqrt(toggle_errors[s] + tie_no_tie_errors[s]);
         EXPECT_LT(std::fabs(toggle[s] - tie_no_tie[s]), 4.0 * error)

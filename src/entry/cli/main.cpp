@@ -75,7 +75,7 @@ int run_command_line(int argc, char** argv) {
                 std::fprintf(stderr, "vexa: --sampler needs 0, 1, 2 or 3\n");
                 return 2;
             }
-            options.sampler_variant = static_cast<int32_t>(variant);
+            options.sampler_code = static_cast<int32_t>(variant);
             ++k;
             continue;
         }
@@ -96,9 +96,9 @@ int run_command_line(int argc, char** argv) {
         if (std::strcmp(arg, "--store") == 0) {
             const char* store = k + 1 < argc ? argv[k + 1] : "";
             if (std::strcmp(store, "dense") == 0) {
-                options.store = 1;
+                options.store = vexa::StoreChoice::dense;
             } else if (std::strcmp(store, "sparse") == 0) {
-                options.store = 2;
+                options.store = vexa::StoreChoice::sparse;
             } else {
                 std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
                 return 2;

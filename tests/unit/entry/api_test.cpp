@@ -89,8 +89,8 @@ TEST(Api, BadRequestsEndWithOneLine) {
     TaskRequest base;
     base.settings.network_name = "bad";
     base.settings.output_directory = scratch_directory("api_bad");
-    base.settings.task = 2;
-    base.settings.network_kind = 1;
+    base.settings.task = Task::estimation;
+    base.settings.network_kind = NetworkKind::graph;
     base.settings.node_count = 3;
     base.adjacency.assign(9, 0.0);
     const AttributeColumn sex{"sex", AttributeKind::binary, {0, 1, 2}, {}};

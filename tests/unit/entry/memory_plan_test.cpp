@@ -52,15 +52,15 @@ TEST(MemoryPlan, TasksCountTheirStoresAndAreRefusedWhenTheyDoNotFit) {
     RunSettings s;
     s.run_file = "big.txt";
     s.node_count = 10000;
-    s.task = 1;
+    s.task = Task::simulation;
     EXPECT_EQ(task_memory(s, NetworkKind::graph, 3).stores, 1);
-    s.task = 3;
+    s.task = Task::goodness_of_fit;
     s.iterations = 1000;
     s.thinning_interval = 1;
     const MemoryPlan gof = task_memory(s, NetworkKind::graph, 3);
     EXPECT_EQ(gof.stores, 2);
     EXPECT_GE(gof.other_bytes, 1000.0 * 3 * 8);  // the kept statistics
-    s.task = 2;
+    s.task = Task::estimation;
     const MemoryPlan estimation = task_memory(s, NetworkKind::digraph, 3);
     EXPECT_EQ(estimation.stores, 2);
     EXPECT_EQ(estimation.store_bytes, digraph_store_bytes(10000));

@@ -43,7 +43,7 @@ std::string outcome(const std::string& path) {
     } catch (const VexaError& e) {
         return e.what();
     }
-    return (file.task_known ? "known " : "unknown ") + file.names.gof;
+    return "known " + file.names.gof;
 }
 
 // The largest clique size an included effect reads.
@@ -66,18 +66,20 @@ std::string dump(const RunFile& f, const Strings& picks) {
     const Model& m = f.model;
     char line[2048];
     std::snprintf(line, sizeof line,
-                  "[%s] %d %d n%d v%d cap%d [%s] [%s] %d%d%d%d%d%d%d burn%g samples%d thin%g "
+                  "[%s] %s %s n%d v:%s cap%d [%s] [%s] %d%d%d%d%d%d%d burn%g samples%d thin%g "
                   "clique%d p%d g%d%d "
                   "d%g est%d/%g/%d/%d/%d/%d [%s] ",
-                  s.network_name.c_str(), s.task, s.network_kind, s.node_count, s.sampler_variant,
-                  s.degree_cap, s.network_file.c_str(), s.constraint_file.c_str(), s.pajek_output,
-                  s.degree_distribution_output, s.geodesic_output, s.cluster_giant_output,
-                  s.triangle_distribution_output, s.twopath_distribution_output,
-                  s.et0nt_distribution_output, s.burn_in, s.sample_count, s.thinning_interval,
-                  clique_order_of(m), m.parameter_count(), m.structural_given, m.attributes_given,
-                  double(s.initial_density), s.subphase_count, double(s.start_a_value),
-                  s.multiplication_factor, s.phase3_steps, s.estimation_runs,
-                  s.gof_after_estimation, s.parameter_sets_file.c_str());
+                  s.network_name.c_str(), task_name(s.task),
+                  s.network_kind == NetworkKind::digraph ? "digraph" : "graph", s.node_count,
+                  proposal_name(s.proposal, s.network_kind), s.degree_cap, s.network_file.c_str(),
+                  s.constraint_file.c_str(), s.outputs.pajek, s.outputs.degree_distribution,
+                  s.outputs.geodesic, s.outputs.cluster_giant, s.outputs.triangle_distribution,
+                  s.outputs.twopath_distribution, s.outputs.et0nt_distribution, s.burn_in,
+                  s.sample_count, s.thinning_interval, clique_order_of(m), m.parameter_count(),
+                  m.structural_given, m.attributes_given, double(s.initial_density),
+                  s.subphase_count, double(s.start_a_value), s.multiplication_factor,
+                  s.phase3_steps, s.estimation_runs, s.gof_after_estimation,
+                  s.parameter_sets_file.c_str());
     std::ostringstream out(line, std::ios::ate);
     for (const AttributeSection& a : m.attributes) out << joined(a.names, ",");
     out << '\n';
@@ -115,7 +117,8 @@ TEST(RunFile, EveryTaskAndKindReadsToTheRightValuesAndPacksThem) {
         // the larger order wins. Thinning is trunc(iterations / samples).
         {"graph_simulation.txt",
          {"edge", "2-star", "4-clique", "6-clique", "AS", "AS2", "AT", "AT2", "A2P", "AET"},
-         "[  sim run one] 1 1 n30 v1 cap6 [] [] 1010010 burn10000 samples300 thin333 clique6 p6 "
+         "[  sim run one] simulation graph n30 v:edge swap cap6 [] [] 1010010 burn10000 samples300 "
+         "thin333 clique6 p6 "
          "g10 d0.125 "
          "est5/0.1/2/500/1/0 [] \nedge 0 -4 0; 2-star -1 0.3 0; 4-clique 1 0.2 0; 6-clique 2 -0.1 "
          "0; "
@@ -128,7 +131,8 @@ TEST(RunFile, EveryTaskAndKindReadsToTheRightValuesAndPacksThem) {
         // edge, T2.
         {"graph_estimation.txt",
          {"7-clique", "AC"},
-         "[flomarriage] 2 1 n16 v0 cap9999 [flomarriage.txt] [constraint file.txt] 0000000 burn0 "
+         "[flomarriage] estimation graph n16 v:toggle cap9999 [flomarriage.txt] [constraint "
+         "file.txt] 0000000 burn0 "
          "samples0 thin0 "
          "clique8 p11 g11 d0 est7/0.05/3/1000/2/1 [] wealthy,northern,seats,distance,\n7-clique -1 "
          "0.9 0; "
@@ -139,21 +143,24 @@ TEST(RunFile, EveryTaskAndKindReadsToTheRightValuesAndPacksThem) {
         // Sections with flag 0: the attribute block's three empty sub-blocks follow at once.
         {"graph_gof.txt",
          {},
-         "[flomarriage gof] 3 1 n16 v2 cap5 [flomarriage.txt] [fixed.txt] 0101101 burn500.5 "
+         "[flomarriage gof] goodness of fit graph n16 v:toggle cap5 [flomarriage.txt] [fixed.txt] "
+         "0101101 burn500.5 "
          "samples7 thin714 "
          "clique0 p0 g01 d0 est5/0.1/2/500/1/0 [] \n\n"},
         // No iterations row: the number of parameter sets is kept. A left-out clique does not
         // count.
         {"graph_bayes.txt",
          {"4-clique", "5-clique"},
-         "[flomarriage] 4 1 n16 v0 cap9999 [flomarriage.txt] [] 0000000 burn2000 samples50 thin0 "
+         "[flomarriage] Bayesian goodness of fit graph n16 v:toggle cap9999 [flomarriage.txt] [] "
+         "0000000 burn2000 samples50 thin0 "
          "clique5 p3 g11 "
          "d0 est5/0.1/2/500/1/0 [posterior sets.txt] family,\n4-clique -1 0.5 0; 5-clique 1 0.5 0; "
          "2:0.0=-1:0.4, 2:1.0=2:-0.6, \n-2 0.5 -0.6 "},
         // The 42 entries land on their catalogue rows, whatever the catalogue's own order.
         {"digraph_simulation.txt",
          {"Transitive-Triad", "isolates", "AinS2", "AinAoutS", "AT-T", "A2P-TDU"},
-         "[samplike sim] 1 2 n18 v0 cap4 [] [] 1111111 burn1000 samples3 thin6666 clique0 p7 g10 "
+         "[samplike sim] simulation digraph n18 v:toggle cap4 [] [] 1111111 burn1000 samples3 "
+         "thin6666 clique0 p7 g10 "
          "d0.3 "
          "est5/0.1/2/500/1/0 [] friendship,\nTransitive-Triad 2 0.3 0; isolates -1 1 0; AinS2 -1 0 "
          "2; "
@@ -161,7 +168,8 @@ TEST(RunFile, EveryTaskAndKindReadsToTheRightValuesAndPacksThem) {
          "-0.05 0.9 "},
         {"digraph_estimation.txt",
          {"AT-T"},
-         "[samplike] 2 2 n18 v0 cap9999 [samplike.txt] [samplike constraint.txt] 0000000 burn0 "
+         "[samplike] estimation digraph n18 v:toggle cap9999 [samplike.txt] [samplike "
+         "constraint.txt] 0000000 burn0 "
          "samples0 thin0 "
          "clique0 p8 g11 d0 est5/0.1/2/500/1/0 [] loyal,age,tenure,group,\nAT-T 2 0.5 2; "
          "0:2.0=3:0.2, "
@@ -172,7 +180,8 @@ TEST(RunFile, EveryTaskAndKindReadsToTheRightValuesAndPacksThem) {
         // no sub-blocks follow.
         {"digraph_gof.txt",
          {"in2star"},
-         "[samplike] 3 2 n18 v1 cap9 [samplike.txt] [] 0010000 burn100 samples1000 thin1 clique0 "
+         "[samplike] goodness of fit digraph n18 v:arc swap cap9 [samplike.txt] [] 0010000 burn100 "
+         "samples1000 thin1 clique0 "
          "p2 g10 d0 "
          "est5/0.1/2/500/1/0 [] \nin2star -1 0.7 0; \n-1 1.5 "},
     };
@@ -272,12 +281,15 @@ TEST(RunFile, BadInputEndsTheRunWithOneClearLine) {
               "vexa: continuous attribute file 'graph_continuous.txt', line 3 (node 2), column 1: "
               "'rich' is not a number or NA");
 
-    // An unknown task or kind: the names are formed and nothing after the head is read.
+    // An unknown task or kind is refused, naming both codes, before anything after the head
+    // is read.
     for (const std::string pair : {"5 1", "0 2", "2 3"}) {
         write_text("r.txt", "name\nnet\n\ndirectory\n\n\nvariant\n0\n\ntask\n" + pair +
                                 "\n\nnot a run file\n");
-        EXPECT_EQ(outcome("r.txt"), "unknown gof_net.txt")
-            << pair;  // an empty directory: the working one
+        EXPECT_EQ(outcome("r.txt"), "vexa: run file 'r.txt' asks for task " + pair.substr(0, 1) +
+                                        " on network kind " + pair.substr(2) +
+                                        "; vexa runs tasks 1 to 4 on kinds 1 (graph) and 2 "
+                                        "(digraph), so nothing was run");
     }
 }
 

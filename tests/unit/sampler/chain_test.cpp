@@ -1,5 +1,5 @@
 // The samplers of both network kinds: the acceptance rule at its edges; a rejected move leaves
-// the store and the statistics exactly as they were; long chains of every variant keep their
+// the store and the statistics exactly as they were; long chains of every proposal keep their
 // statistics equal to a recount, keep what their moves preserve and never touch the heap; the
 // degree caps and the mask are honoured; proposals that could never be found are refused.
 
@@ -81,21 +81,21 @@ TEST(Sampler, AcceptanceRuleAtItsEdges) {
     }
 }
 
-// Runs `steps` steps of each variant from the same start; on every rejected step the store,
+// Runs `steps` steps of each proposal from the same start; on every rejected step the store,
 // the statistics and the tie list must be exactly as before it.
 template <class Store>
 void expect_rejections_change_nothing(
     const std::vector<int>& rows, int n, int ties,
-    const std::vector<std::pair<int, std::vector<double>>>& runs) {
+    const std::vector<std::pair<Proposal, std::vector<double>>>& runs) {
     const std::vector<Term<Store>> terms = make_terms<Store>(testing::model_of(Store::kind, rows));
-    for (const auto& [variant, theta] : runs) {
-        SCOPED_TRACE(std::string(Store::kind == NetworkKind::graph ? "graph" : "digraph") +
-                     ", variant " + std::to_string(variant));
+    for (const auto& [proposal, theta] : runs) {
+        SCOPED_TRACE(std::string(Store::kind == NetworkKind::graph ? "graph" : "digraph") + ", " +
+                     proposal_name(proposal, Store::kind));
         Store store = testing::random_store<Store>(n, ties, 5);
         Rng rng;
         rng.seed(17);
         Chain<Store> chain = make_chain(store, terms, static_cast<int32_t>(rows.size()),
-                                        SamplerSettings{.variant = variant}, rng);
+                                        SamplerSettings{.proposal = proposal}, rng);
         int rejected = 0;
         for (int s = 0; s < 400; ++s) {
             const Store before = store;
@@ -120,14 +120,18 @@ TEST(Sampler, RejectedStepsLeaveTheStoreAndStatisticsExactlyAsTheyWere) {
     const std::vector<double> ties{8, 0, 0, 0, 0}, no_triangles{0, 0, -9, 0, 0};
     expect_rejections_change_nothing<Graph>(
         {int(G::edge), int(G::star2), int(G::triangle), int(G::at), int(G::a2p)}, 25, 60,
-        {{0, ties}, {1, no_triangles}, {tie_no_tie_variant, ties}});
-    expect_rejections_change_nothing<Digraph>(
-        {int(DigraphEffect::arc), int(DigraphEffect::t9)}, 15, 60,
-        {{0, {8, 0}}, {1, {0, -8}}, {2, {0, -8}}, {tie_no_tie_variant, {8, 0}}});
+        {{Proposal::toggle, ties}, {Proposal::swap, no_triangles}, {Proposal::tie_no_tie, ties}});
+    expect_rejections_change_nothing<Digraph>({int(DigraphEffect::arc), int(DigraphEffect::t9)}, 15,
+                                              60,
+                                              {{Proposal::toggle, {8, 0}},
+                                               {Proposal::swap, {0, -8}},
+                                               {Proposal::receiver_move, {0, -8}},
+                                               {Proposal::tie_no_tie, {8, 0}}});
 }
 
 struct LongChain {
-    int variant, n, ties;
+    Proposal proposal;
+    int n, ties;
     double first, others;  // the parameter of the first effect; the rest alternate +-others
     int steps, accepted;   // steps to run, fewest accepted
 };
@@ -136,8 +140,8 @@ struct LongChain {
 // recount at the end, nothing is allocated on the way, and each move keeps what it preserves.
 template <class Store>
 void run_long_chain(const LongChain& c, uint32_t seed) {
-    SCOPED_TRACE(std::string(Store::kind == NetworkKind::graph ? "graph" : "digraph") +
-                 ", variant " + std::to_string(c.variant));
+    SCOPED_TRACE(std::string(Store::kind == NetworkKind::graph ? "graph" : "digraph") + ", " +
+                 proposal_name(c.proposal, Store::kind));
     const CatalogueView& catalogue = structural_catalogue(Store::kind);
     std::vector<int> rows;
     for (int r = 0; r < static_cast<int>(catalogue.rows.size()); ++r) {
@@ -155,7 +159,7 @@ void run_long_chain(const LongChain& c, uint32_t seed) {
     const Store start = store;
     Rng rng;
     rng.seed(seed + 10);
-    Chain<Store> chain = make_chain(store, terms, p, SamplerSettings{.variant = c.variant}, rng);
+    Chain<Store> chain = make_chain(store, terms, p, SamplerSettings{.proposal = c.proposal}, rng);
     check_proposals_possible(store, chain.settings);
     int accepted = 0;
 #if VEXA_COUNT_ALLOCATIONS
@@ -164,7 +168,7 @@ void run_long_chain(const LongChain& c, uint32_t seed) {
     for (int s = 0; s < c.steps; ++s) accepted += step(chain, theta.data());
 #if VEXA_COUNT_ALLOCATIONS
     // The tie list grows by doubling while the chain reaches new numbers of ties.
-    EXPECT_LE(allocation_count.load() - allocations, c.variant == tie_no_tie_variant ? 2 : 0);
+    EXPECT_LE(allocation_count.load() - allocations, c.proposal == Proposal::tie_no_tie ? 2 : 0);
 #endif
     EXPECT_GT(accepted, c.accepted) << tie_count(store) << " ties";
     EXPECT_EQ(check_bookkeeping(store), "");
@@ -174,12 +178,14 @@ void run_long_chain(const LongChain& c, uint32_t seed) {
         EXPECT_NEAR(chain.statistics[k], fresh[k], 1e-6 * (1.0 + std::fabs(fresh[k])))
             << row_name(Store::kind, term.row);
     }
-    EXPECT_TRUE(c.variant != 1 || tie_count(store) == tie_count(start)) << "the swap kept no count";
+    EXPECT_TRUE(c.proposal != Proposal::swap || tie_count(store) == tie_count(start))
+        << "the swap kept no count";
     if constexpr (Store::kind == NetworkKind::digraph) {
-        EXPECT_TRUE(c.variant != 2 || store.out_degree_values == start.out_degree_values)
+        EXPECT_TRUE(c.proposal != Proposal::receiver_move ||
+                    store.out_degree_values == start.out_degree_values)
             << "the receiver move changed an out-degree";
     }
-    if (c.variant == tie_no_tie_variant) {
+    if (c.proposal == Proposal::tie_no_tie) {
         // As many listed as there are ties, and the index finds every one: the list is the ties.
         size_t found = 0;
         for (int i = 0; i < c.n; ++i) {
@@ -198,18 +204,21 @@ TEST(Sampler, LongChainsKeepEveryStatisticEqualToARecountAndNeverAllocate) {
     // The graph toggles weigh the edge alone and fill a sparse start to a density of 0.62, so
     // that degrees outgrow the room the store first gave their neighbour lists; small parameters
     // of alternating sign keep the other moves going.
-    run_long_chain<Graph>({0, 40, 40, 0.5, 0.0, 20000, 1000}, 1);
-    run_long_chain<Graph>({1, 40, 240, 0.0, 0.002, 20000, 1000}, 2);
-    run_long_chain<Graph>({tie_no_tie_variant, 40, 240, 0.0, 0.002, 20000, 1000}, 3);
-    for (const int variant : {0, 1, 2, tie_no_tie_variant})
-        run_long_chain<Digraph>({variant, 25, 90, 0.2, 0.003, 6000, 300}, 4 + variant);
+    run_long_chain<Graph>({Proposal::toggle, 40, 40, 0.5, 0.0, 20000, 1000}, 1);
+    run_long_chain<Graph>({Proposal::swap, 40, 240, 0.0, 0.002, 20000, 1000}, 2);
+    run_long_chain<Graph>({Proposal::tie_no_tie, 40, 240, 0.0, 0.002, 20000, 1000}, 3);
+    for (const Proposal proposal :
+         {Proposal::toggle, Proposal::swap, Proposal::receiver_move, Proposal::tie_no_tie}) {
+        run_long_chain<Digraph>({proposal, 25, 90, 0.2, 0.003, 6000, 300},
+                                4 + static_cast<uint32_t>(proposal));
+    }
 }
 
-// Only the dyads the mask allows ever change, under every variant; the ties outside it stay.
+// Only the dyads the mask allows ever change, under every proposal; the ties outside it stay.
 template <class Store>
 void expect_mask_honoured(const std::vector<std::pair<int, int>>& allowed,
                           const std::vector<std::pair<int, int>>& fixed,
-                          const std::vector<int>& variants) {
+                          const std::vector<Proposal>& proposals) {
     DyadMask mask = make_dyad_mask(8, Store::kind);
     for (const auto& [i, j] : allowed) allow_dyad(mask, Store::kind, i, j);
     Store start = testing::random_store<Store>(8, 0, 1);
@@ -218,19 +227,19 @@ void expect_mask_honoured(const std::vector<std::pair<int, int>>& allowed,
     const std::vector<Term<Store>> none;
     Rng rng;
     rng.seed(4);
-    for (const int variant : variants) {
+    for (const Proposal proposal : proposals) {
         Store store = start;
-        const SamplerSettings settings{.variant = variant, .mask = &mask};
+        const SamplerSettings settings{.proposal = proposal, .mask = &mask};
         check_proposals_possible(store, settings);
         Chain<Store> chain = make_chain(store, none, 0, settings, rng);
         int changed = 0;
         for (int s = 0; s < 500; ++s) changed += step(chain, nullptr);
-        EXPECT_GT(changed, 100) << "variant " << variant;
+        EXPECT_GT(changed, 100) << proposal_name(proposal, Store::kind);
         for (int i = 0; i < 8; ++i) {
             for (int j = 0; j < 8; ++j) {
                 if (i == j || mask.allows(i, j)) continue;
                 EXPECT_EQ(has_tie(store, i, j), has_tie(start, i, j))
-                    << "variant " << variant << ": " << i << "," << j;
+                    << proposal_name(proposal, Store::kind) << ": " << i << "," << j;
             }
         }
     }
@@ -270,9 +279,10 @@ TEST(Sampler, DegreeCapsAndTheMaskAreHonoured) {
     // The graph mask allows the 4-cycle 0-1-2-3; the digraph mask 0->1, 0->2 and 1->2 (not
     // their reverses), so that sender 0 may move its arc.
     expect_mask_honoured<Graph>({{0, 1}, {1, 2}, {2, 3}, {3, 0}}, {{5, 6}},
-                                {0, 1, tie_no_tie_variant});
-    expect_mask_honoured<Digraph>({{0, 1}, {0, 2}, {1, 2}}, {{5, 6}, {0, 3}},
-                                  {0, 1, 2, tie_no_tie_variant});
+                                {Proposal::toggle, Proposal::swap, Proposal::tie_no_tie});
+    expect_mask_honoured<Digraph>(
+        {{0, 1}, {0, 2}, {1, 2}}, {{5, 6}, {0, 3}},
+        {Proposal::toggle, Proposal::swap, Proposal::receiver_move, Proposal::tie_no_tie});
 }
 
 TEST(Sampler, StepCountsAndImpossibleProposals) {
@@ -290,8 +300,8 @@ TEST(Sampler, StepCountsAndImpossibleProposals) {
     // Fewer than two ties: the count-preserving step declines at once.
     Graph one = testing::KindFixture<Graph>::build(testing::random_matrix(5, 0.0, 1));
     testing::toggle(one, 0, 1);
-    EXPECT_NO_THROW(check_proposals_possible(one, SamplerSettings{.variant = 1}));
-    Chain<Graph> swaps = make_chain(one, none, 0, SamplerSettings{.variant = 1}, rng);
+    EXPECT_NO_THROW(check_proposals_possible(one, SamplerSettings{.proposal = Proposal::swap}));
+    Chain<Graph> swaps = make_chain(one, none, 0, SamplerSettings{.proposal = Proposal::swap}, rng);
     EXPECT_EQ(swap_step(swaps, nullptr), 0);
 
     // Refused before the chain runs: no node pair, a mask without allowed dyads, a
@@ -308,14 +318,18 @@ TEST(Sampler, StepCountsAndImpossibleProposals) {
     for (int v = 0; v < 6; ++v) testing::toggle(cycle, v, (v + 1) % 6);
     EXPECT_THROW(check_proposals_possible(create_graph(1), {}), SettingError);
     EXPECT_THROW(check_proposals_possible(complete, {.mask = &empty}), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete, {.variant = 1}), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete, {.variant = 1, .mask = &tied}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, {.proposal = Proposal::swap}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete, {.proposal = Proposal::swap, .mask = &tied}),
+                 SettingError);
     EXPECT_THROW(check_proposals_possible(complete_arcs, {.mask = &no_arcs}), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete_arcs, {.variant = 1}), SettingError);
-    EXPECT_THROW(check_proposals_possible(complete_arcs, {.variant = 2}), SettingError);
-    EXPECT_THROW(check_proposals_possible(cycle, {.variant = 2}), SettingError);
+    EXPECT_THROW(check_proposals_possible(complete_arcs, {.proposal = Proposal::swap}),
+                 SettingError);
+    EXPECT_THROW(check_proposals_possible(complete_arcs, {.proposal = Proposal::receiver_move}),
+                 SettingError);
+    EXPECT_THROW(check_proposals_possible(cycle, {.proposal = Proposal::receiver_move}),
+                 SettingError);
     testing::toggle(cycle, 0, 3);
-    EXPECT_NO_THROW(check_proposals_possible(cycle, {.variant = 2}));
+    EXPECT_NO_THROW(check_proposals_possible(cycle, {.proposal = Proposal::receiver_move}));
     EXPECT_NO_THROW(check_proposals_possible(complete, {}));
     EXPECT_NO_THROW(check_proposals_possible(complete_arcs, {}));
 }

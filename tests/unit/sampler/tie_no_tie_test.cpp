@@ -54,12 +54,12 @@ void expect_exact_distribution(int n, const std::vector<int>& rows,
         total += std::exp(score);
     }
     for (double& p : exact) p /= total;
-    for (const int variant : {0, tie_no_tie_variant}) {
+    for (const Proposal proposal : {Proposal::toggle, Proposal::tie_no_tie}) {
         Store store = Fixture::build(typename Fixture::Matrix(n));
         Rng rng;
-        rng.seed(static_cast<uint32_t>(11 + variant));
+        rng.seed(11 + static_cast<uint32_t>(proposal));
         Chain<Store> chain = make_chain(store, terms, static_cast<int32_t>(theta.size()),
-                                        SamplerSettings{.variant = variant}, rng);
+                                        SamplerSettings{.proposal = proposal}, rng);
         const int samples = 40000;
         std::vector<double> observed(exact.size(), 0.0);
         for (int s = 0; s < samples; ++s) {
@@ -75,7 +75,7 @@ void expect_exact_distribution(int n, const std::vector<int>& rows,
             ++bins;
         }
         ASSERT_GT(bins, 5);
-        EXPECT_LT(chi_square, chi_square_limit(bins - 1)) << "variant " << variant;
+        EXPECT_LT(chi_square, chi_square_limit(bins - 1)) << proposal_name(proposal, Store::kind);
         EXPECT_EQ(chain.statistics[0], tie_count(store));
     }
 }

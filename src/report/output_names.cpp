@@ -1,4 +1,4 @@
-#include "entry/run_context.h"
+#include "report/output_names.h"
 
 namespace vexa {
 

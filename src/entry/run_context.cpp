@@ -1,0 +1,33 @@
+#include "entry/run_context.h"
+
+namespace vexa {
+
+const char* task_name(Task task) {
+    switch (task) {
+        case Task::simulation: return "simulation";
+        case Task::estimation: return "estimation";
+        case Task::goodness_of_fit: return "goodness of fit";
+        case Task::bayesian_goodness_of_fit: return "Bayesian goodness of fit";
+    }
+    return "run";
+}
+
+bool task_of(int32_t code, Task& task) {
+    switch (code) {
+        case 1: task = Task::simulation; return true;
+        case 2: task = Task::estimation; return true;
+        case 3: task = Task::goodness_of_fit; return true;
+        case 4: task = Task::bayesian_goodness_of_fit; return true;
+        default: return false;
+    }
+}
+
+bool network_kind_of(int32_t code, NetworkKind& kind) {
+    switch (code) {
+        case 1: kind = NetworkKind::graph; return true;
+        case 2: kind = NetworkKind::digraph; return true;
+        default: return false;
+    }
+}
+
+}  // namespace vexa
