@@ -14,7 +14,7 @@
 #include "effects/digraph/digraph_catalogue.h"
 #include "network/digraph.h"
 #include "numeric/rng.h"
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 
 namespace {
 

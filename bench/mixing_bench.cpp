@@ -56,7 +56,7 @@
 #include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
 #include "numeric/matrix.h"
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 
 namespace {
 

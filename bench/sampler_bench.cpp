@@ -13,7 +13,7 @@
 #include "entry/run_driver.h"
 #include "model/terms.h"
 #include "network/graph.h"
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 
 namespace {
 

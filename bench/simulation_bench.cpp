@@ -12,7 +12,7 @@
 #include "model/terms.h"
 #include "network/graph.h"
 #include "report/descriptive_files.h"
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 
 namespace {
 

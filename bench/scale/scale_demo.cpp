@@ -24,13 +24,13 @@
 #include <ctime>
 #include <vector>
 
-#include "base/progress.h"
 #include "effects/graph/graph_catalogue.h"
+#include "entry/console.h"
 #include "estimation/estimation.h"
 #include "model/terms.h"
 #include "network/sparse_graph.h"
 #include "numeric/matrix.h"
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 
 namespace {
 
@@ -116,8 +116,10 @@ int main(int argc, char** argv) {
     Matrix D = make_matrix(4, 4, 0.0);
     start = Clock::now();
     const double estimation_cpu = cpu_seconds();
+    Console console;
+    console.text = console_progress(stdout);
     const EstimationRun run =
-        estimate(estimation_chain, parameters, D, settings, seeds, console_progress(stdout));
+        estimate(estimation_chain, parameters, D, settings, seeds, console_observer(console));
     std::printf("estimation: %.1f s (%.1f s of processor time), %s\n", seconds_since(start),
                 cpu_seconds() - estimation_cpu, run.degenerate ? "degenerate" : "finished");
     if (!run.degenerate) {

@@ -36,7 +36,10 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
   number_setting(burn_in, "burn_in")
   number_setting(iterations, "iterations", 1)
   whole_setting(samples, "samples", 1)
-  if (!(sampler %in% 0:3)) fail("setting 'sampler' must be 0, 1, 2 or 3")
+  if (length(sampler) != 1L || !(sampler %in% c(0:3, proposals))) {
+    fail("setting 'sampler' must be one of ", paste(dQuote(proposals, FALSE), collapse = ", "),
+         " or a number from 0 to 3")
+  }
   if (!is.null(degree_cap)) whole_setting(degree_cap, "degree_cap", 0)
   if (!is.logical(check) || length(check) != 1L || is.na(check)) {
     fail("setting 'check' must be TRUE or FALSE")
@@ -48,7 +51,8 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
                  multiplication_factor = multiplication_factor, phase3_steps = phase3_steps,
                  burn_in = burn_in, iterations = iterations, samples = samples,
                  sampler = sampler, degree_cap = degree_cap, check = check,
-                 progress = isTRUE(progress), output_dir = output_dir),
+                 progress = if (is.function(progress)) progress else isTRUE(progress),
+                 output_dir = output_dir),
             class = "vexa_settings")
 }
 
@@ -192,29 +196,42 @@ check_seed <- function(seed) {
   as.numeric(seed)
 }
 
+# The proposals of the sampler by name; a number (as a run file gives it) names one of them,
+# 2 being the receiver move on a digraph and the toggle on a graph.
+proposals <- c("toggle", "swap", "receiver_move", "tie_no_tie")
+
+proposal_name <- function(sampler, directed) {
+  if (is.character(sampler)) return(sampler)
+  c("toggle", "swap", if (directed) "receiver_move" else "toggle", "tie_no_tie")[sampler + 1L]
+}
+
+# The directory the reports go to when the settings ask for them (NULL: no file is written).
 output_directory <- function(settings) {
-  dir <- settings$output_dir %||% file.path(tempdir(), "vexa")
+  dir <- settings$output_dir
+  if (is.null(dir)) return(NULL)
   if (!dir.exists(dir) && !dir.create(dir, recursive = TRUE, showWarnings = FALSE)) {
     fail("cannot create the output directory '", dir, "'")
   }
   normalizePath(dir, mustWork = TRUE)
 }
 
-# Runs one task request in the engine, with a progress bar when asked, and raises the engine's
-# one line as an error.
+# Runs one task request in the engine, with a progress bar (moved by the engine's events) when
+# asked, and raises the engine's one line as an error. The results come back in memory; the
+# reports are written only when the settings name an output directory.
 run_task <- function(request, settings, seed) {
   if (!inherits(settings, "vexa_settings")) fail("settings must come from vexa_settings()")
   request$settings <- unclass(settings)
+  request$settings$sampler <- proposal_name(settings$sampler, request$directed)
   request$output_dir <- output_directory(settings)
+  request$settings$output_dir <- request$output_dir
   update <- NULL
-  if (isTRUE(settings$progress)) {
+  if (is.function(settings$progress)) {
+    update <- settings$progress
+  } else if (isTRUE(settings$progress)) {
     bar <- txtProgressBar(min = 0, max = 1, style = 3)
     on.exit(close(bar), add = TRUE)
     update <- function(share) setTxtProgressBar(bar, share)
   }
-  # The update files land in the working directory: keep them beside the reports.
-  old <- setwd(request$output_dir)
-  on.exit(setwd(old), add = TRUE)
   result <- .vexa_task(request, check_seed(seed), update)
   if (nzchar(result$error)) stop(vexa_error(result$error))
   if (!is.null(update)) update(1)
@@ -224,7 +241,7 @@ run_task <- function(request, settings, seed) {
 task_request <- function(task, network, effects, values, attributes, covariates,
                          name, keep_networks = FALSE, density = 0) {
   adjacency <- if (is.null(network$matrix)) NULL else as.numeric(t(network$matrix))
-  list(what = paste0("vexa_", name), task = task, kind = if (network$directed) 2L else 1L,
+  list(what = paste0("vexa_", name), task = task, directed = network$directed,
        n = network$n, name = name, adjacency = adjacency, density = density,
        effects = list(name = effects$name, value = values, lambda = effects$lambda),
        attributes = parse_attributes(attributes, network$n),
@@ -244,7 +261,8 @@ vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
   network <- as_network(net, directed)
   model <- parse_effects(effects)
   values <- effect_values(start, model, "starting values")
-  request <- task_request(2L, network, model, values, attributes, covariates, "estimate")
+  request <- task_request("estimation", network, model, values, attributes, covariates,
+                          "estimate")
   result <- run_task(request, settings, seed)
   labels <- result$labels
   runs <- result$runs
@@ -269,7 +287,7 @@ vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
     trace = trace, runs = runs, observed = named(last$observed),
     effects = model, attributes = attributes, covariates = covariates,
     network = network, seed = seed, settings = settings,
-    output_dir = request$output_dir %||% output_directory(settings), console = result$console,
+    output_dir = output_directory(settings), console = result$console,
     call = match.call())
   class(fit) <- "vexa_fit"
   fit
@@ -358,8 +376,9 @@ vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NUL
   if (density > 1) fail("setting 'density' must lie between 0 and 1")
   observed <- network$matrix
   network$matrix <- NULL
-  request <- task_request(1L, network, source$effects, source$values, source$attributes,
-                          source$covariates, "simulate", isTRUE(networks), density)
+  request <- task_request("simulation", network, source$effects, source$values,
+                          source$attributes, source$covariates, "simulate", isTRUE(networks),
+                          density)
   result <- run_task(request, settings, seed)
   statistics <- as.data.frame(result$sample_statistics)
   names(statistics) <- result$labels
@@ -371,7 +390,7 @@ vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NUL
   structure(list(statistics = statistics, networks = sampled, accepted = result$accepted,
                  parameters = setNames(source$values, result$labels),
                  directed = network$directed, n = network$n,
-                 output_dir = request$output_dir), class = "vexa_simulation")
+                 output_dir = output_directory(settings)), class = "vexa_simulation")
 }
 
 print.vexa_simulation <- function(x, ...) {
@@ -387,7 +406,7 @@ vexa_gof <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
                      directed = NULL) {
   source <- model_source(x, effects, parameters, attributes, covariates, directed)
   if (is.null(source$network$matrix)) fail("goodness of fit needs the observed network")
-  request <- task_request(3L, source$network, source$effects, source$values,
+  request <- task_request("gof", source$network, source$effects, source$values,
                           source$attributes, source$covariates, "gof")
   result <- run_task(request, settings, seed)
   g <- result$gof
@@ -414,7 +433,7 @@ vexa_gof <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
     degree = g$degree, in_degree = if (directed) g$in_degree else NULL,
     geodesics = g$geodesics, triads = if (directed) g$triads else NULL,
     parameters = setNames(source$values, result$labels), directed = directed,
-    n = source$network$n, output_dir = request$output_dir), class = "vexa_gof")
+    n = source$network$n, output_dir = output_directory(settings)), class = "vexa_gof")
 }
 
 print.vexa_gof <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {

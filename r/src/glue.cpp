@@ -15,7 +15,7 @@
 #include "base/errors.h"
 #include "entry/api.h"
 #include "estimation/diagnostics.h"
-#include "simulation/goodness_of_fit.h"
+#include "simulation/gof_task.h"
 
 namespace {
 
@@ -25,15 +25,16 @@ using Rcpp::NumericMatrix;
 using Rcpp::NumericVector;
 
 // The progress of a run on an R progress bar: the R function `update` takes the share done.
-// Estimation moves it at each phase (phase 1, each sub-phase of phase 2, phase 3, for every
-// run); simulation and goodness of fit at each kept sample.
+// The engine's events move it: an estimation by the steps of each run's phases (runs count
+// equally), a simulation or goodness of fit by the steps of its burn-in and its sampling.
 struct BarState {
     SEXP update = R_NilValue;
     bool estimation = false;
-    double units = 1.0;  // estimation: runs x (sub-phases + 2); sampling: proposals
-    double done = 0.0;
+    double runs = 1.0;        // estimation: the runs allowed
+    double run = 0.0;         // estimation: the run under way, from 1
+    double burn_in = 0.0;     // sampling tasks: steps of the burn-in
+    double proposals = 0.0;   // sampling tasks: steps of the sampling
     double shown = -1.0;
-    bool interrupted = false;
 };
 
 void check_interrupt_once(void*) { R_CheckUserInterrupt(); }
@@ -41,27 +42,42 @@ void check_interrupt_once(void*) { R_CheckUserInterrupt(); }
 // Whether the user asked R to stop, without letting R jump out of the engine's frames.
 bool interrupt_pending() { return R_ToplevelExec(check_interrupt_once, nullptr) == FALSE; }
 
-void bar_write(void* context, const char* text) {
-    BarState& bar = *static_cast<BarState*>(context);
-    if (interrupt_pending()) {
-        bar.interrupted = true;
-        throw vexa::VexaError("vexa: the run was interrupted");
-    }
-    if (bar.estimation) {
-        if (std::strstr(text, "phase 1:") != nullptr || std::strstr(text, "sub-phase") != nullptr ||
-            std::strstr(text, "phase 3:") != nullptr) {
-            bar.done += 1.0;
-        }
-    } else {
-        char* end = nullptr;
-        const double sample = std::strtod(text, &end);
-        if (end != text && *end == '\t') bar.done = sample;
-    }
-    const double share = std::min(1.0, bar.done / bar.units);
+void stop_if_interrupted() {
+    if (interrupt_pending()) throw vexa::VexaError("vexa: the run was interrupted");
+}
+
+void show(BarState& bar, double share) {
+    share = std::min(1.0, std::max(0.0, share));
     if (bar.update == R_NilValue || share - bar.shown < 0.005) return;
     bar.shown = share;
     Rcpp::Function update(bar.update);
     update(share);
+}
+
+void bar_steps(BarState& bar, const vexa::StepsDone& e) {
+    stop_if_interrupted();
+    const double part = e.total > 0.0 ? e.done / e.total : 0.0;
+    if (bar.estimation) {
+        if (e.stage == vexa::Stage::phase1 || e.stage == vexa::Stage::phase2 ||
+            e.stage == vexa::Stage::phase3)
+            show(bar, (bar.run - 1.0 + part) / bar.runs);
+        return;
+    }
+    const double total = std::max(1.0, bar.burn_in + bar.proposals);
+    if (e.stage == vexa::Stage::burn_in) show(bar, part * bar.burn_in / total);
+    if (e.stage == vexa::Stage::sampling) show(bar, (bar.burn_in + part * bar.proposals) / total);
+}
+
+// The observer that moves the bar and lets the user interrupt the run.
+vexa::Observer bar_observer(BarState& bar) {
+    vexa::Observer observer;
+    observer.steps_done = [&bar](const vexa::StepsDone& e) { bar_steps(bar, e); };
+    observer.sample_drawn = [](const vexa::SampleDrawn&) { stop_if_interrupted(); };
+    observer.run_started = [&bar](const vexa::RunStarted& e) {
+        stop_if_interrupted();
+        bar.run = e.run;
+    };
+    return observer;
 }
 
 double number(const List& list, const char* name, double fallback) {
@@ -124,7 +140,7 @@ List profile_list(const vexa::NetworkProfile& p) {
         Named("geodesics") = counts_of(p.geodesics), Named("triads") = counts_of(p.triads));
 }
 
-List estimation_runs(const vexa::Embedding& e, int p) {
+List estimation_runs(const vexa::EstimationRecord& e, int p) {
     List runs(e.runs.size());
     for (size_t k = 0; k < e.runs.size(); ++k) {
         const vexa::EstimationRun& run = e.runs[k];
@@ -156,9 +172,10 @@ List estimation_runs(const vexa::Embedding& e, int p) {
     return runs;
 }
 
-List goodness_of_fit(const vexa::Embedding& e) {
-    if (!e.gof_done) return List();
-    const vexa::GofSample& g = e.gof;
+List goodness_of_fit(const vexa::TaskResult& result) {
+    if (!result.records.gof) return List();
+    const vexa::GofRecord& e = *result.records.gof;
+    const vexa::GofSample& g = e.sample;
     NumericMatrix statistics(static_cast<int>(g.numbers.size()),
                              static_cast<int>(g.statistics.size()));
     for (size_t k = 0; k < g.statistics.size(); ++k) {
@@ -223,7 +240,7 @@ List goodness_of_fit(const vexa::Embedding& e) {
     List out = List::create(
         Named("sample_numbers") = vector_of(g.numbers),
         Named("observed") = vector_of(e.observed_statistics), Named("statistics") = statistics,
-        Named("measure_names") = Rcpp::wrap(e.measure_names),
+        Named("measure_names") = Rcpp::wrap(result.measure_names),
         Named("observed_measures") = vector_of(e.observed_measures.values),
         Named("measures") = measures,
         Named("observed_quartiles") = NumericVector::create(oq.g25, oq.g50, oq.g75),
@@ -231,14 +248,22 @@ List goodness_of_fit(const vexa::Embedding& e) {
         Named("mahalanobis") = e.distance.observed_distance,
         Named("mahalanobis_closer") = e.distance.closer_percent,
         Named("mahalanobis_sample") = vector_of(e.distance.sample_forms),
-        Named("observed_profile") = profile_list(e.observed_profile),
-        Named("degree") = profile_rows(e.sample_profiles, degree),
-        Named("in_degree") = profile_rows(e.sample_profiles, in_degree),
-        Named("geodesics") = profile_rows(e.sample_profiles, geodesics),
-        Named("triads") = profile_rows(e.sample_profiles, triads));
+        Named("observed_profile") = profile_list(result.observed_profile),
+        Named("degree") = profile_rows(result.sample_profiles, degree),
+        Named("in_degree") = profile_rows(result.sample_profiles, in_degree),
+        Named("geodesics") = profile_rows(result.sample_profiles, geodesics),
+        Named("triads") = profile_rows(result.sample_profiles, triads));
     out["comparisons"] = comparisons;
     out["quartile_table"] = quartile_table;
     return out;
+}
+
+// The proposal the R side names (vexa_settings turns the numbers a user may give into names).
+vexa::Proposal proposal_named(const std::string& name) {
+    if (name == "swap") return vexa::Proposal::swap;
+    if (name == "receiver_move") return vexa::Proposal::receiver_move;
+    if (name == "tie_no_tie") return vexa::Proposal::tie_no_tie;
+    return vexa::Proposal::toggle;
 }
 
 void set_options(vexa::RunOptions& options, SEXP seed, bool check, int sampler) {
@@ -258,15 +283,20 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     vexa::RunSettings& s = r.settings;
     const List settings = request["settings"];
     s.run_file = Rcpp::as<std::string>(request["what"]);
-    if (!vexa::task_of(whole(request, "task", 0), s.task))
-        return List::create(Named("error") = std::string("vexa: unknown task"));
-    if (!vexa::network_kind_of(whole(request, "kind", 1), s.network_kind))
-        return List::create(Named("error") = std::string("vexa: unknown network kind"));
+    const std::string task = Rcpp::as<std::string>(request["task"]);
+    s.task = task == "simulation"  ? vexa::Task::simulation
+             : task == "estimation" ? vexa::Task::estimation
+                                    : vexa::Task::goodness_of_fit;
+    s.network_kind =
+        Rcpp::as<bool>(request["directed"]) ? vexa::NetworkKind::digraph : vexa::NetworkKind::graph;
     s.node_count = whole(request, "n", 0);
     s.network_name = Rcpp::as<std::string>(request["name"]);
-    s.output_directory = Rcpp::as<std::string>(request["output_dir"]);
+    if (settings.containsElementNamed("output_dir") && !Rf_isNull(settings["output_dir"])) {
+        s.output_directory = Rcpp::as<std::string>(settings["output_dir"]);
+        r.write_files = true;
+    }
     s.initial_density = static_cast<float>(number(request, "density", 0.0));
-    s.proposal = vexa::proposal_of(whole(settings, "sampler", 0), s.network_kind);
+    s.proposal = proposal_named(Rcpp::as<std::string>(settings["sampler"]));
     if (!Rf_isNull(settings["degree_cap"])) {
         s.degree_cap_given = true;
         s.degree_cap = whole(settings, "degree_cap", 9999);
@@ -316,13 +346,13 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     BarState bar;
     bar.update = progress;
     bar.estimation = s.task == vexa::Task::estimation;
-    bar.units = bar.estimation ? std::max(1, s.estimation_runs) * (s.subphase_count + 2.0)
-                               : std::max(1.0, s.iterations);
-    r.progress.context = &bar;
-    r.progress.write = bar_write;
+    bar.runs = std::max(1, s.estimation_runs);
+    bar.burn_in = s.burn_in;
+    bar.proposals = s.iterations;
+    r.observer = bar_observer(bar);
 
     const vexa::TaskResult result = vexa::run_request(r);
-    const vexa::Embedding& e = result.results;
+    const vexa::TaskRecords& records = result.records;
     const int p = static_cast<int>(result.labels.size());
     Rcpp::CharacterVector labels(p), gof_labels(p), columns(p);
     for (const vexa::ParameterLabel& label : result.labels) {
@@ -333,26 +363,34 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
         gof_labels[static_cast<R_xlen_t>(k)] = result.gof_labels[k];
         columns[static_cast<R_xlen_t>(k)] = result.sample_columns[k];
     }
-    List networks(e.networks.size());
+    List networks(result.networks.size());
     const int n = s.node_count;
-    for (size_t k = 0; k < e.networks.size(); ++k) {
+    for (size_t k = 0; k < result.networks.size(); ++k) {
         Rcpp::IntegerMatrix m(n, n);
         for (int i = 0; i < n; ++i) {
             for (int j = 0; j < n; ++j)
-                m(i, j) = e.networks[k][static_cast<size_t>(i) * static_cast<size_t>(n) +
-                                        static_cast<size_t>(j)];
+                m(i, j) = result.networks[k][static_cast<size_t>(i) * static_cast<size_t>(n) +
+                                             static_cast<size_t>(j)];
         }
         networks[static_cast<R_xlen_t>(k)] = m;
     }
-    List out = List::create(
-        Named("error") = result.error, Named("console") = result.console, Named("labels") = labels,
-        Named("gof_labels") = gof_labels, Named("columns") = columns,
-        Named("runs") = estimation_runs(e, p), Named("converged") = e.converged,
-        Named("confirmed") = e.confirmed, Named("estimates") = vector_of(e.estimates),
-        Named("sample_numbers") = vector_of(e.sample_numbers),
-        Named("sample_statistics") = matrix_of_rows(e.sample_statistics, static_cast<size_t>(p)),
-        Named("networks") = networks, Named("accepted") = e.accepted);
-    out["gof"] = goodness_of_fit(e);
+    List out = List::create(Named("error") = result.error, Named("console") = result.console,
+                            Named("labels") = labels, Named("gof_labels") = gof_labels,
+                            Named("columns") = columns, Named("networks") = networks);
+    if (records.estimation) {
+        const vexa::EstimationRecord& e = *records.estimation;
+        out["runs"] = estimation_runs(e, p);
+        out["converged"] = e.converged;
+        out["confirmed"] = e.confirmation ? (e.confirmation->confirmed ? 1 : 0) : -1;
+        out["estimates"] = vector_of(e.estimates);
+    }
+    if (records.simulation) {
+        const vexa::SimulationRecord& sim = *records.simulation;
+        out["sample_numbers"] = vector_of(sim.sample_numbers);
+        out["sample_statistics"] = matrix_of_rows(sim.sample_statistics, static_cast<size_t>(p));
+        out["accepted"] = sim.accepted;
+    }
+    out["gof"] = goodness_of_fit(result);
     return out;
 }
 
@@ -360,12 +398,11 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
 List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler) {
     vexa::RunOptions options;
     set_options(options, seed, check, sampler);
-    // Says nothing, but lets the user interrupt the run.
+    // Moves no bar, but lets the user interrupt the run.
     BarState bar;
-    vexa::Progress progress;
-    progress.context = &bar;
-    progress.write = bar_write;
-    const vexa::FileRunResult result = vexa::run_file_request(run_file, options, progress);
+    const vexa::Observer interrupts = bar_observer(bar);
+    options.observer = &interrupts;
+    const vexa::FileRunResult result = vexa::run_file_request(run_file, options);
     return List::create(Named("error") = result.error, Named("console") = result.console,
                         Named("output_dir") = result.output_directory,
                         Named("name") = result.network_name);

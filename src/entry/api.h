@@ -1,14 +1,14 @@
 #pragma once
 // Running a task from an in-memory description, for hosts that hold their networks and
 // attributes as data (the R package): no run file, no network or attribute file, and the
-// results handed back as the tasks computed them. The reports are still written to the
-// description's output directory, exactly as a run from files writes them.
+// results handed back as the records the tasks computed, with the run's events told to the
+// host as they happen. No file is written unless the request asks for the reports; then they
+// go to the request's output directory (update files too), exactly as a run file's would.
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "base/progress.h"
 #include "effects/catalogue.h"
 #include "entry/embedding.h"
 #include "entry/run_context.h"
@@ -47,8 +47,9 @@ struct TaskRequest {
     std::string covariate_name;
     std::vector<double> covariate;  // n x n, row by row
     RunOptions options;             // seed, confirmation, sampler override
-    Progress progress;              // nothing said when it has no writer
+    Observer observer;              // the host's listener: a progress bar, an interrupt check
     bool keep_networks = false;     // keep the sampled networks of a simulation
+    bool write_files = false;       // write the reports into settings.output_directory
 };
 
 struct TaskResult {
@@ -57,7 +58,13 @@ struct TaskResult {
     std::vector<ParameterLabel> labels;  // summary labels, in parameter-vector order
     std::vector<std::string> gof_labels;
     std::vector<std::string> sample_columns;
-    Embedding results;
+    std::vector<std::string> measure_names;  // of the goodness of fit's descriptive measures
+    TaskRecords records;
+    // A simulation's sampled networks (n x n, row by row), when the request kept them.
+    std::vector<std::vector<uint8_t>> networks;
+    // A goodness of fit: the observed network's distributions and each sample's.
+    NetworkProfile observed_profile;
+    std::vector<NetworkProfile> sample_profiles;
 };
 
 // The model a request describes, slots given in the order a run file would give them.
@@ -76,7 +83,6 @@ struct FileRunResult {
     std::string output_directory;
     std::string network_name;
 };
-FileRunResult run_file_request(const std::string& run_file, const RunOptions& options,
-                               const Progress& progress) noexcept;
+FileRunResult run_file_request(const std::string& run_file, const RunOptions& options) noexcept;
 
 }  // namespace vexa

@@ -6,18 +6,22 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "base/progress.h"
+#include "estimation/estimate_model.h"
 #include "model/model.h"
 #include "network/network_kind.h"
 #include "numeric/rng.h"
 #include "report/output_names.h"
 #include "sampler/chain.h"
+#include "sampler/observer.h"
+#include "simulation/gof_task.h"
+#include "simulation/simulate.h"
 
 namespace vexa {
-
-struct Embedding;
 
 // What a run does.
 enum class Task : int32_t {
@@ -87,7 +91,14 @@ struct RunOptions {
     int32_t sampler_code = -1;
     StoreChoice store = StoreChoice::automatic;
     FILE* console = stdout;              // progress and messages
-    const Progress* progress = nullptr;  // what computations say; null: the console
+    const Observer* observer = nullptr;  // a host's listener to the task's events, if any
+};
+
+// What a task computed, for a host that takes its results in memory.
+struct TaskRecords {
+    std::optional<SimulationRecord> simulation;
+    std::optional<EstimationRecord> estimation;
+    std::optional<GofRecord> gof;  // a goodness of fit, alone or after an estimation
 };
 
 struct RunContext {
@@ -98,11 +109,16 @@ struct RunContext {
     SeedSource seeds;
     FILE* console = stdout;  // the run's messages
     BarTerminal bars;        // where progress bars go (standard error when it is a terminal)
-    Progress progress;       // what the computations say while they run
     bool confirm = false;    // check a converged estimate with a long chain
-    // A host's in-memory network and the results it takes back; null for a run from files.
-    Embedding* embedding = nullptr;
     StoreChoice store = StoreChoice::automatic;
+    // A host's in-memory network, n x n row by row, in place of the network file; null: the
+    // file.
+    const std::vector<double>* adjacency = nullptr;
+    const Observer* observer = nullptr;  // a host's listener, beside the console
+    TaskRecords* records = nullptr;      // where a host takes the records; null: nowhere
+    bool write_files = true;             // write the reports (a host may not want them)
+    // Where the update files go: "" the working directory, as a front end expects.
+    std::string update_directory;
 };
 
 }  // namespace vexa

@@ -15,9 +15,7 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
     context.console = options.console != nullptr ? options.console : stdout;
     context.bars = bar_terminal_for(context.console);
-    context.progress = options.progress != nullptr
-                           ? *options.progress
-                           : console_progress(context.console, &context.bars);
+    context.observer = options.observer;
     context.confirm = options.confirm;
     context.store = options.store;
     context.seeds.fixed = options.fixed_seed;

@@ -43,7 +43,7 @@ inline bool confirms(const ConvergenceCheck& check) {
 template <class Store>
 Confirmation confirm_estimate(Chain<Store>& chain, const std::vector<double>& theta,
                               double steps_per_draw, const Matrix& draws, int32_t factor,
-                              SeedSource& seeds, const Progress& progress) {
+                              SeedSource& seeds, const Observer& observer) {
     Confirmation c;
     const std::vector<double> observed(
         chain.statistics.begin(),
@@ -58,14 +58,15 @@ Confirmation confirm_estimate(Chain<Store>& chain, const std::vector<double>& th
     c.thinning = std::ceil(2.0 * tau) * std::max(std::ceil(steps_per_draw), 1.0);
     c.burn_in = 20.0 * c.thinning;
     c.draws = confirmation_draws;
-    progress.say(
-        "  long-chain check: %d draws, one every %.0f steps, after %.0f steps of burn-in\n",
-        c.draws, c.thinning, c.burn_in);
-    run_burn_in(chain, theta.data(), c.burn_in, seeds, progress, "long-chain check, burn-in");
+    run_burn_in(chain, theta.data(), seeds, observer,
+                StageStarted{.stage = Stage::check_burn_in,
+                             .draws = c.draws,
+                             .steps_per_draw = c.thinning,
+                             .steps = c.burn_in});
     Matrix sample = make_matrix(c.draws, static_cast<int>(theta.size()), 0.0);
-    ProgressBar bar(progress, "long-chain check", c.draws * std::ceil(c.thinning));
+    StepCount count{&observer, Stage::check, c.draws * std::ceil(c.thinning)};
     for (int i = 0; i < c.draws; ++i) {
-        run_steps_watched(chain, theta.data(), c.thinning, bar);
+        run_steps_counted(chain, theta.data(), c.thinning, count);
         for (size_t k = 0; k < theta.size(); ++k)
             sample[i][static_cast<int>(k)] = chain.statistics[k];
     }

@@ -11,10 +11,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "base/progress.h"
 #include "numeric/matrix.h"
 #include "numeric/rng.h"
-#include "sampler/steps.h"
+#include "sampler/observer.h"
+#include "sampler/runs.h"
 
 namespace vexa {
 
@@ -34,6 +34,9 @@ enum class Degeneracy {
     fixed_statistic,  // a statistic did not vary over the phase-3 draws
     far_statistic,    // the phase-3 draws of a statistic sat far from its observed value
 };
+
+// What a degenerate run found, in a few words ("a parameter ran away").
+const char* degeneracy_text(Degeneracy why);
 
 // Phase-3 draws whose mean lies further than this many standard deviations from the observed
 // statistic come from a model that cannot reproduce the observed network.
@@ -94,12 +97,12 @@ bool at_extreme(const Store& store, double observed_ties) {
 template <class Store>
 Matrix draw_statistics(Chain<Store>& chain, const std::vector<double>& theta, int draws, double K,
                        std::vector<double>& mean, double observed_ties, bool& extreme,
-                       ProgressBar& bar) {
+                       StepCount& steps) {
     const size_t count = theta.size();
     Matrix rows = make_matrix(std::max(draws, 0), static_cast<int>(count), 0.0);
     std::fill(mean.begin(), mean.end(), 0.0);
     for (int i = 0; i < draws; ++i) {
-        run_steps_watched(chain, theta.data(), K, bar);
+        run_steps_counted(chain, theta.data(), K, steps);
         extreme = extreme || at_extreme(*chain.store, observed_ties);
         for (size_t k = 0; k < count; ++k) {
             mean[k] += chain.statistics[k];
@@ -123,7 +126,7 @@ void accumulate_covariance(Matrix& D, Matrix& draws, const std::vector<double>& 
 template <class Store>
 EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& D,
                        const EstimationSettings& settings, SeedSource& seeds,
-                       const Progress& progress) {
+                       const Observer& observer) {
     using estimation_detail::accumulate_covariance;
     using estimation_detail::draw_statistics;
     EstimationRun run;
@@ -142,35 +145,34 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     const double d = density(*chain.store);
     const double observed_ties = static_cast<double>(tie_count(*chain.store));
     bool extreme = false;
-    const auto stop = [&](Degeneracy why, const char* what) {
+    const auto stop = [&](Degeneracy why) {
         run.degenerate = true;
         run.degeneracy = why;
-        progress.say("  degenerate model: %s\n", what);
         return run;
     };
     const double K = n * d * settings.multiplication_factor * (1.0 - d) * n;
     const int N1 = 3 * p + 7;
     run.phase1_draws = N1;
     run.steps_per_draw = K;
-    progress.say("  phase 1: %d draws of %.0f steps\n", N1, std::ceil(K));
-    // The bar counts steps; phase 2's sub-phases are counted at their longest until they end.
+    // Steps are counted over the whole run; phase 2's sub-phases are counted at their longest
+    // until they end.
     const auto subphase_longest = [&](int k) {
         const double n_max = std::pow(2.0, 4.0 * k / 3.0) * (p + 7) + 200.0;
         return n_max > 0.0 ? std::ceil(n_max) : 0.0;
     };
     double planned_draws = N1 + 1.1 * settings.phase3_steps;
     for (int k = 0; k < settings.subphase_count; ++k) planned_draws += subphase_longest(k);
-    ProgressBar bar(progress, "estimation", planned_draws * std::ceil(K));
+    StepCount steps{&observer, Stage::phase1, planned_draws * std::ceil(K)};
+    observer.tell(StageStarted{
+        .stage = Stage::phase1, .draws = N1, .steps_per_draw = K, .steps = N1 * std::ceil(K)});
 
-    Matrix draws = draw_statistics(chain, theta, N1, K, mean, observed_ties, extreme, bar);
+    Matrix draws = draw_statistics(chain, theta, N1, K, mean, observed_ties, extreme, steps);
     run.phase1_means = mean;
     accumulate_covariance(D, draws, mean, variance);
     if (invert_in_place(D) == 0) {
-        return stop(Degeneracy::singular, "the statistics do not vary under these parameters");
+        return stop(Degeneracy::singular);
     }
-    if (extreme)
-        return stop(Degeneracy::extreme_network,
-                    "the chain reached the empty or the complete network");
+    if (extreme) return stop(Degeneracy::extreme_network);
     run.after_phase1 = theta;
     run.stage = 2;
     // The phase-1 inverse approximates the covariance of the estimates: its diagonal gives the
@@ -186,7 +188,8 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
         if (k == 1) a = a + a;  // sub-phases 0 and 1 both run with the starting gain
         Subphase subphase;
         subphase.gain = a;
-        progress.say("  phase 2, sub-phase %d (gain %g)\n", k, static_cast<double>(a));
+        steps.stage = Stage::phase2;
+        observer.tell(StageStarted{.stage = Stage::phase2, .subphase = k, .gain = a});
         const double n_min = std::pow(2.0, 4.0 * k / 3.0) * (p + 7);
         const double n_max = n_min + 200.0;
         int i = 0;
@@ -198,7 +201,7 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
                     if (all_crossed) break;
                 }
                 for (size_t l = 0; l < count; ++l) previous[l] = chain.statistics[l];
-                run_steps_watched(chain, theta.data(), K, bar);
+                run_steps_counted(chain, theta.data(), K, steps);
                 const double* z = chain.statistics.data();
                 for (int j = 0; j < p; ++j) {
                     for (int l = 0; l < p; ++l) {
@@ -221,14 +224,11 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
                     subphase.steps = i;
                     subphase.parameters = theta;
                     run.subphases.push_back(std::move(subphase));
-                    if (runaway < 0) {
-                        return stop(Degeneracy::extreme_network,
-                                    "the chain reached the empty or the complete network");
-                    }
+                    if (runaway < 0) return stop(Degeneracy::extreme_network);
                     run.culprit = runaway;
                     run.culprit_from = phase2_start[static_cast<size_t>(runaway)];
                     run.culprit_to = theta[static_cast<size_t>(runaway)];
-                    return stop(Degeneracy::runaway, "a parameter ran away");
+                    return stop(Degeneracy::runaway);
                 }
                 if (i >= n_max) break;
             }
@@ -243,7 +243,7 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
         subphase.parameters = theta;
         run.subphases.push_back(std::move(subphase));
         planned_draws -= subphase_longest(k) - i;
-        bar.set_total(planned_draws * std::ceil(K));
+        steps.total = planned_draws * std::ceil(K);
         a = a * 0.5f;
     }
     run.after_phase2 = theta;
@@ -252,15 +252,15 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     // Phase 3.
     const int N3 = settings.phase3_steps;
     run.phase3_draws = N3;
-    progress.say("  phase 3: %d draws of %.0f steps\n", N3, std::ceil(K));
+    steps.stage = Stage::phase3;
+    observer.tell(StageStarted{
+        .stage = Stage::phase3, .draws = N3, .steps_per_draw = K, .steps = N3 * std::ceil(K)});
     seeds.reseed(*chain.rng);
-    run_steps_watched(chain, theta.data(), N3 * 0.1 * K, bar);
-    Matrix final_draws = draw_statistics(chain, theta, N3, K, mean, observed_ties, extreme, bar);
+    run_steps_counted(chain, theta.data(), N3 * 0.1 * K, steps);
+    Matrix final_draws = draw_statistics(chain, theta, N3, K, mean, observed_ties, extreme, steps);
     run.phase3_means = mean;
     run.phase3_draws_matrix = final_draws;
-    if (extreme)
-        return stop(Degeneracy::extreme_network,
-                    "the chain reached the empty or the complete network");
+    if (extreme) return stop(Degeneracy::extreme_network);
     for (int k = 0; k < p && N3 > 1; ++k) {
         const size_t kk = static_cast<size_t>(k);
         double spread = 0.0;
@@ -271,12 +271,11 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
         run.culprit_from = observed[kk];
         if (!(sd > 0.0)) {
             run.culprit_to = final_draws[0][k];
-            return stop(Degeneracy::fixed_statistic, "a statistic did not vary in phase 3");
+            return stop(Degeneracy::fixed_statistic);
         }
         if (std::fabs(mean[kk] - observed[kk]) > far_limit * sd) {
             run.culprit_to = mean[kk];
-            return stop(Degeneracy::far_statistic,
-                        "a statistic stayed far from its observed value");
+            return stop(Degeneracy::far_statistic);
         }
         run.culprit = -1;
     }

@@ -1,6 +1,7 @@
 #include "report/simulation_report.h"
 
 #include "base/text_file.h"
+#include "report/statistics_report.h"
 
 namespace vexa {
 
@@ -66,6 +67,40 @@ void write_accept_heading(FILE* out, NetworkKind kind) {
 
 void write_accept_row(FILE* out, double sample, double rate) {
     print(out, "%8.0f\t%8.4f\n", sample, rate);
+}
+
+void write_sample_statistics_file(const std::string& path,
+                                  const std::vector<ParameterLabel>& columns,
+                                  const std::vector<double>& numbers,
+                                  const std::vector<std::vector<double>>& rows) {
+    OutFile out(path, OpenMode::truncate);
+    write_sample_statistics_header(out, columns);
+    for (size_t r = 0; r < rows.size(); ++r)
+        write_sample_statistics_row(out, numbers[r], rows[r], columns);
+    out.close();
+}
+
+void write_simulation_files(const OutputNames& names, const Model& model, int node_count,
+                            const SimulationRecord& record) {
+    const NetworkKind kind = model.kind;
+    const std::vector<ParameterLabel> labels = parameter_labels(model, LabelStyle::simulation);
+    OutFile report(names.simulation, OpenMode::truncate);
+    write_simulation_heading(report, kind, node_count, labels, record.parameters, record.plan);
+    write_accepted_total(report, kind, record.accepted);
+    report.close();
+    OutFile parameter_file(names.parameter, OpenMode::truncate);
+    write_parameter_lines(parameter_file, labels, record.parameters);
+    parameter_file.close();
+    write_sample_statistics_file(names.sample_statistics + ".txt",
+                                 parameter_labels(model, LabelStyle::sample), record.sample_numbers,
+                                 record.sample_statistics);
+    OutFile accept(names.accept, OpenMode::truncate);
+    write_accept_heading(accept, kind);
+    for (size_t r = 0; r < record.sample_numbers.size(); ++r)
+        write_accept_row(accept, record.sample_numbers[r], record.acceptance_rates[r]);
+    write_accepted_total(accept, kind, record.accepted);
+    accept.close();
+    write_statistics_file(names.end_statistics, model, record.end_statistics);
 }
 
 }  // namespace vexa

@@ -6,9 +6,12 @@
 #include <cstdio>
 #include <vector>
 
+#include "model/model.h"
 #include "model/parameter_labels.h"
 #include "network/network_kind.h"
+#include "report/output_names.h"
 #include "simulation/sampling.h"
+#include "simulation/simulate.h"
 
 namespace vexa {
 
@@ -34,5 +37,16 @@ void write_sample_statistics_row(FILE* out, double sample, const std::vector<dou
 // The acceptance file: its heading, then per sample its proposal and the interval's rate.
 void write_accept_heading(FILE* out, NetworkKind kind);
 void write_accept_row(FILE* out, double sample, double rate);
+
+// The files of a simulation of `node_count` nodes: the report, the parameter file, the sample
+// statistics, the acceptance rates and the end statistics.
+void write_simulation_files(const OutputNames& names, const Model& model, int node_count,
+                            const SimulationRecord& record);
+
+// The sample statistics file: the header, then a row per sample (`rows` by sample, by slot).
+void write_sample_statistics_file(const std::string& path,
+                                  const std::vector<ParameterLabel>& columns,
+                                  const std::vector<double>& numbers,
+                                  const std::vector<std::vector<double>>& rows);
 
 }  // namespace vexa

@@ -17,4 +17,12 @@ void write_statistics_report(FILE* out, const std::vector<ParameterLabel>& label
     }
 }
 
+void write_statistics_file(const std::string& path, const Model& model,
+                           const std::vector<double>& statistics) {
+    OutFile out(path, OpenMode::truncate);
+    write_statistics_report(out, parameter_labels(model, LabelStyle::report, LabelOrder::catalogue),
+                            statistics);
+    out.close();
+}
+
 }  // namespace vexa

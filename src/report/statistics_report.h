@@ -7,6 +7,9 @@
 #include <cstdio>
 #include <vector>
 
+#include <string>
+
+#include "model/model.h"
 #include "model/parameter_labels.h"
 
 namespace vexa {
@@ -14,5 +17,9 @@ namespace vexa {
 // `labels` in report style, structural effects in catalogue order, `statistics` by slot.
 void write_statistics_report(FILE* out, const std::vector<ParameterLabel>& labels,
                              const std::vector<double>& statistics);
+
+// The report of a network's statistics (by slot) under the model, into `path`, truncated first.
+void write_statistics_file(const std::string& path, const Model& model,
+                           const std::vector<double>& statistics);
 
 }  // namespace vexa

@@ -11,6 +11,7 @@
 // statistics in place. A step allocates nothing and recounts nothing.
 
 #include <cstdint>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -141,5 +142,31 @@ void recount_uncarried(Chain<Store>& chain) {
         }
     }
 }
+
+// The model statistics of a network, one per slot.
+template <class Store>
+std::vector<double> statistics_of(const Store& store, const std::vector<Term<Store>>& terms,
+                                  int32_t count) {
+    std::vector<double> statistics(static_cast<size_t>(count), 0.0);
+    Workspace workspace;
+    prepare_workspace(workspace, terms);
+    compute_totals(store, terms, workspace, statistics);
+    return statistics;
+}
+
+// What every chain of a task starts from: the observed network (a simulation's random start),
+// the model's terms and the sampler's settings, with the constraint they point at.
+template <class Store>
+struct ChainSetup {
+    Store observed;
+    std::vector<Term<Store>> terms;
+    std::unique_ptr<DyadMask> mask;
+    SamplerSettings sampler;
+
+    // A chain of `count` statistics on `store` (the observed network or a copy of it).
+    Chain<Store> chain_on(Store& store, int32_t count, Rng& rng) const {
+        return make_chain(store, terms, count, sampler, rng);
+    }
+};
 
 }  // namespace vexa

@@ -1,5 +1,5 @@
 #pragma once
-// The sampler steps of every store type and the driver that runs them.
+// The sampler steps of every store type: one proposal each, accepted or rejected.
 //
 // Random numbers: a node is drawn as draw mod n, a uniform as draw / 32767 (both ends
 // possible). The toggle accepts when u <= p; the graph's edge-preserving move does too, while
@@ -10,7 +10,6 @@
 #include <string>
 
 #include "base/errors.h"
-#include "base/progress.h"
 #include "sampler/chain.h"
 
 namespace vexa {
@@ -301,109 +300,6 @@ inline int step(Chain<Store>& chain, const double* parameters) {
         case Proposal::toggle: break;
     }
     return toggle_step(chain, parameters);
-}
-
-// Runs ceil(steps) steps (none for 0 or less): a counter starts at 0.0 and a step is taken
-// while it is below `steps`. Returns the number of accepted steps.
-template <class Store>
-double run_steps(Chain<Store>& chain, const double* parameters, double steps) {
-    double accepted = 0.0;
-    for (double k = 0.0; k < steps; k += 1.0) accepted += step(chain, parameters);
-    return accepted;
-}
-
-// Reseeds the generator, then runs the steps; returns the number accepted.
-template <class Store>
-double run_sampler(Chain<Store>& chain, const double* parameters, double steps, SeedSource& seeds) {
-    seeds.reseed(*chain.rng);
-    return run_steps(chain, parameters, steps);
-}
-
-// Loops of steps look at their progress bar every so many steps.
-inline constexpr uint32_t progress_tick_mask = 4095;
-
-// Runs the steps of `chain` in pieces, moving `bar` on after each: the same steps as one
-// run_steps call.
-template <class Store>
-void run_steps_watched(Chain<Store>& chain, const double* parameters, double steps,
-                       ProgressBar& bar) {
-    constexpr double piece = 65536.0;
-    double done = 0.0;
-    while (steps - done > piece) {
-        run_steps(chain, parameters, piece);
-        done += piece;
-        bar.advance(piece);
-    }
-    run_steps(chain, parameters, steps - done);
-    bar.advance(steps - done);
-}
-
-// A burn-in: reseeds the generator, then runs the steps with a bar.
-template <class Store>
-void run_burn_in(Chain<Store>& chain, const double* parameters, double steps, SeedSource& seeds,
-                 const Progress& progress, const char* label = "burn-in") {
-    seeds.reseed(*chain.rng);
-    ProgressBar bar(progress, label, steps);
-    run_steps_watched(chain, parameters, steps, bar);
-}
-
-// Throws SettingError when the chain could never find a proposal: fewer than two nodes, a
-// mask that allows no dyad, or a count-preserving move whose allowed dyads are all ties or
-// all non-ties. Call once before running steps.
-template <class Store>
-void check_proposals_possible(const Store& store, const SamplerSettings& settings) {
-    const int n = store.node_count;
-    if (n < 2) {
-        throw SettingError(format_message("vexa: a network of %d node has no dyad to sample", n));
-    }
-    const DyadMask* mask = settings.mask;
-    if (mask != nullptr && mask->allowed_count == 0) {
-        throw SettingError("vexa: the constraint network has no ties, so no dyad may change");
-    }
-    constexpr bool directed = Store::kind != NetworkKind::graph;
-    if constexpr (directed) {
-        if (settings.proposal == Proposal::receiver_move) {
-            // A sender with two or more arcs and a receiver it could move one to; moves keep
-            // every out-degree, so one check before the chain suffices.
-            for (int s = 0; s < n; ++s) {
-                if (store.out_degree(s) < 2) continue;
-                bool tied = false, free = false;
-                for (int r = 0; r < n && !(tied && free); ++r) {
-                    if (r == s || (mask != nullptr && !mask->allows(s, r))) continue;
-                    (has_tie(store, s, r) ? tied : free) = true;
-                }
-                if (tied && free) return;
-            }
-            throw SettingError(
-                "vexa: the out-degree-preserving sampler cannot move an arc: no node sends two or "
-                "more arcs and has a receiver it could move one to");
-        }
-    }
-    if (settings.proposal != Proposal::swap) return;
-    // The count-preserving move needs an allowed tie and an allowed non-tie; moves within
-    // the allowed dyads keep both numbers, so one check before the chain suffices.
-    long long allowed_ties = 0;
-    long long allowed_dyads = 0;
-    if (mask != nullptr) {
-        allowed_dyads = mask->allowed_count;
-        for (int a = 0; a < n; ++a) {
-            const uint64_t* row = mask->row(a);
-            for (int w = 0; w < mask->row_words; ++w) {
-                for (uint64_t bits = row[w]; bits != 0; bits &= bits - 1) {
-                    const int b = w * 64 + std::countr_zero(bits);
-                    if ((directed || b > a) && has_tie(store, a, b)) ++allowed_ties;
-                }
-            }
-        }
-    } else {
-        allowed_dyads = static_cast<long long>(n) * (n - 1) / (directed ? 1 : 2);
-        allowed_ties = tie_count(store);
-    }
-    if (tie_count(store) >= 2 && (allowed_ties == 0 || allowed_ties == allowed_dyads)) {
-        throw SettingError(
-            "vexa: the edge-preserving sampler cannot move a tie: every dyad it may change is "
-            "already a tie, or none is");
-    }
 }
 
 }  // namespace vexa

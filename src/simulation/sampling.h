@@ -7,8 +7,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "base/progress.h"
-#include "sampler/steps.h"
+#include "sampler/observer.h"
+#include "sampler/runs.h"
 
 namespace vexa {
 
@@ -20,32 +20,31 @@ struct SamplingPlan {
 // The number of samples the plan keeps (0 for an interval below 1 or not whole).
 double planned_samples(const SamplingPlan& plan);
 
-// Runs T proposals, calling on_sample(i, accepted_since_last) at the sampling points, printing
-// each sampling point and the acceptances at the end. Returns the total accepted at sampling
-// points.
+// Runs T proposals, calling on_sample(i, accepted_since_last) at the sampling points, and
+// telling the observer how far it got and, at the end, how many samples it took. Returns the
+// total accepted at sampling points.
 template <class Store, class OnSample>
 double run_proposals(Chain<Store>& chain, const double* parameters, const SamplingPlan& plan,
-                     const Progress& progress, OnSample&& on_sample) {
+                     const Observer& observer, OnSample&& on_sample) {
     double accepted_interval = 0.0;
     double accepted_total = 0.0;
     double next_sample = plan.interval;
-    bool printed = false;
-    ProgressBar bar(progress, "sampling", plan.proposals);
+    double samples = 0.0;
+    observer.tell(StageStarted{.stage = Stage::sampling, .steps = plan.proposals});
+    StepCount count{&observer, Stage::sampling, plan.proposals};
     uint32_t tick = 0;
     for (double i = 1.0; i < plan.proposals + 1.0; i += 1.0) {
         accepted_interval += step(chain, parameters);
-        if ((++tick & progress_tick_mask) == 0) bar.update(i);
+        if ((++tick & progress_tick_mask) == 0) count.reach(i);
         if (i == next_sample) {
-            progress.say("%.0f\t", i);
-            printed = true;
             on_sample(i, accepted_interval);
+            samples += 1.0;
             accepted_total += accepted_interval;
             accepted_interval = 0.0;
             next_sample += plan.interval;
         }
     }
-    if (printed) progress.say("\n");
-    progress.say("Accepted %.0f changes.\n", accepted_total);
+    observer.tell(SamplingEnded{Stage::sampling, samples, accepted_total});
     return accepted_total;
 }
 

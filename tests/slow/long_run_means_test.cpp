@@ -10,7 +10,7 @@
 
 #include "estimation/diagnostics.h"
 #include "numeric/matrix.h"
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 #include "support/kinds.h"
 
 namespace vexa {

@@ -13,7 +13,7 @@
 #include "effects/graph/graph_catalogue.h"
 #include "model/terms.h"
 #include "report/network_file.h"
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 

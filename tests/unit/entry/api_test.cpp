@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <sstream>
 
 #include "entry/run_file.h"
 #include "model/parameter_vector.h"
@@ -113,8 +115,72 @@ TEST(Api, BadRequestsEndWithOneLine) {
         request.adjacency.assign(c.cells, 0.0);
         EXPECT_NE(run_request(request).error.find(c.says), std::string::npos) << c.says;
     }
-    EXPECT_EQ(run_file_request("no/such/run.txt", RunOptions{}, Progress{}).error,
+    EXPECT_EQ(run_file_request("no/such/run.txt", RunOptions{}).error,
               "vexa: cannot open run file 'no/such/run.txt'");
+}
+
+// The n x n values of a matrix file, row by row.
+std::vector<double> file_matrix(const std::string& path, int n) {
+    std::istringstream in(read_text(path));
+    std::vector<double> values(static_cast<size_t>(n) * static_cast<size_t>(n), 0.0);
+    for (double& value : values) in >> value;
+    return values;
+}
+
+// Each task of a request hands its records back in memory and writes nothing; the host's
+// observer hears every sample the record keeps, in order, and steps that only go forward.
+TEST(Api, RequestsReturnRecordsAndWriteNothing) {
+    const std::string directory = scratch_directory("api_records");
+    const RunFile file = [&] {
+        const WorkingDirectory in(data_path("../golden/cases/est_gof_after"));
+        return read_run_file("run.txt", nullptr);
+    }();
+    for (const Task task : {Task::estimation, Task::simulation, Task::goodness_of_fit}) {
+        SCOPED_TRACE(task_name(task));
+        TaskRequest request = request_like(file);
+        request.settings.task = task;
+        request.settings.output_directory = directory;
+        request.settings.burn_in = 2000;
+        request.settings.iterations = 20000;
+        request.settings.sample_count = 40;
+        request.settings.estimation_runs = 2;
+        request.adjacency = file_matrix(data_path("flomarriage.txt"), 16);
+        request.options.fixed_seed = true;
+        request.options.seed = 3;
+        std::vector<double> drawn;
+        StepsDone last{};
+        bool backwards = false;
+        request.observer.sample_drawn = [&](const SampleDrawn& e) { drawn.push_back(e.number); };
+        // Within a stage (an estimation run's phases count as one stretch) steps only add up.
+        const auto stretch = [](Stage s) {
+            return s == Stage::phase2 || s == Stage::phase3 ? Stage::phase1 : s;
+        };
+        request.observer.steps_done = [&](const StepsDone& e) {
+            backwards =
+                backwards || (stretch(e.stage) == stretch(last.stage) && e.done < last.done);
+            last = e;
+        };
+        request.observer.run_started = [&](const RunStarted&) { last = {}; };
+        const TaskResult result = run_request(request);
+        ASSERT_EQ(result.error, "");
+        EXPECT_FALSE(backwards);
+        const TaskRecords& r = result.records;
+        if (task == Task::estimation) {
+            ASSERT_TRUE(r.estimation.has_value());
+            EXPECT_EQ(r.estimation->runs.size(), r.estimation->checks.size());
+            EXPECT_EQ(r.estimation->estimates.size(), result.labels.size());
+        } else if (task == Task::simulation) {
+            ASSERT_TRUE(r.simulation.has_value());
+            EXPECT_EQ(drawn, r.simulation->sample_numbers);
+            EXPECT_EQ(drawn.size(), 40u);
+        } else {
+            ASSERT_TRUE(r.gof.has_value());
+            EXPECT_EQ(drawn, r.gof->sample.numbers);
+            EXPECT_EQ(result.sample_profiles.size(), drawn.size());
+            EXPECT_EQ(result.observed_profile.degree.size(), 16u);
+        }
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(directory)) << "a request wrote a file";
 }
 
 }  // namespace

@@ -3,7 +3,8 @@
 // statistics equal to a recount, keep what their moves preserve and never touch the heap; the
 // degree caps and the mask are honoured; proposals that could never be found are refused.
 
-#include "sampler/steps.h"
+#include "sampler/feasibility.h"
+#include "sampler/runs.h"
 
 #include <gtest/gtest.h>
 

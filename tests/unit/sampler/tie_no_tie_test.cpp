@@ -9,7 +9,7 @@
 #include <cmath>
 #include <vector>
 
-#include "sampler/steps.h"
+#include "sampler/runs.h"
 #include "support/kinds.h"
 
 namespace vexa {

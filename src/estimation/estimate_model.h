@@ -1,0 +1,81 @@
+#pragma once
+// An estimation: stochastic approximation runs, each continuing from the parameters the one
+// before left, until one converges or the runs allowed are spent; then, on request, the
+// long-chain check of a converged estimate. Returns every run's record and verdict and the
+// estimates; tells the observer as each run starts and ends, so that its report can be read
+// while the next run computes.
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "estimation/confirmation.h"
+#include "estimation/diagnostics.h"
+#include "estimation/estimation.h"
+#include "sampler/observer.h"
+
+namespace vexa {
+
+struct EstimationRecord {
+    EstimationSettings settings;
+    int32_t runs_allowed = 1;
+    std::vector<EstimationRun> runs;
+    std::vector<ConvergenceCheck> checks;  // the verdict on each run
+    bool converged = false;                // the last run converged
+    // The parameters the runs ended with: the estimates of the last run, or the starting values
+    // again when it was degenerate.
+    std::vector<double> estimates;
+    std::optional<Confirmation> confirmation;  // the long-chain check, when it ran
+    std::vector<double> end_statistics;        // of the last run's final network
+};
+
+// The verdict on a run: its t-ratios and effective sample sizes decide, not the quoted flag.
+ConvergenceCheck verdict_on(const EstimationRun& run, int32_t multiplication_factor);
+
+// Estimates from `start` (the parameters of the run file's included effects, by slot) on
+// chains from `setup.observed`.
+template <class Store>
+EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vector<double>& start,
+                                const EstimationSettings& settings, int32_t runs, bool confirm,
+                                Rng& rng, SeedSource& seeds, const Observer& observer) {
+    EstimationRecord record;
+    record.settings = settings;
+    record.runs_allowed = runs;
+    const auto p = static_cast<int32_t>(start.size());
+    std::vector<double> parameters = start;
+    Store working = setup.observed;
+    Chain<Store> chain = setup.chain_on(working, p, rng);
+    Matrix D = make_matrix(p, p, 0.0);
+    for (int32_t run = 1; run <= runs && !record.converged; ++run) {
+        // A run after the first starts from a clean D, even after a degenerate run left it
+        // partly reduced.
+        if (run > 1) D = make_matrix(p, p, 0.0);
+        observer.tell(RunStarted{run, runs});
+        EstimationRun result = estimate(chain, parameters, D, settings, seeds, observer);
+        const ConvergenceCheck check = verdict_on(result, settings.multiplication_factor);
+        record.converged = check.verdict == Verdict::converged;
+        if (run == runs || record.converged)
+            record.end_statistics = statistics_of(working, setup.terms, p);
+        working = setup.observed;
+        recount(chain);
+        // A runaway parameter is no place to start the next run from.
+        if (result.degenerate) parameters = start;
+        record.runs.push_back(std::move(result));
+        record.checks.push_back(check);
+        observer.tell(RunEnded{run, record.runs.back(), record.checks.back()});
+    }
+    if (record.runs.empty()) record.end_statistics = statistics_of(working, setup.terms, p);
+    if (record.converged && confirm) {
+        Store fresh = setup.observed;
+        Chain<Store> fresh_chain = setup.chain_on(fresh, p, rng);
+        const EstimationRun& last = record.runs.back();
+        record.confirmation =
+            confirm_estimate(fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
+                             settings.multiplication_factor, seeds, observer);
+        observer.tell(CheckEnded{*record.confirmation});
+    }
+    record.estimates = std::move(parameters);
+    return record;
+}
+
+}  // namespace vexa
