@@ -22,14 +22,29 @@ files, and a failed check prints a unified diff of each differing file.
   goldens.py --vexa vexa.exe --runner scripts/wine-run.sh --windows --check
                                            a Windows build under Wine, against the same records
 
-A Windows run must give the same bytes as the recorded POSIX run, with two differences aside:
-its output names join directory and file with a backslash (which the SPSS syntax files quote),
-and its console ends lines with CR LF.
+A Windows run is held to the recorded POSIX run with two differences aside: its output names
+join directory and file with a backslash (which the SPSS syntax files quote), and its console
+ends lines with CR LF.
+
+Numbers are compared exactly, byte for byte, unless --tolerant is given; a Windows run
+(--windows) is always tolerant, since another compiler and C runtime may round a last digit
+the other way. In the tolerant mode a file whose bytes differ is compared line by line: the
+files must have as many lines, and each pair of lines, split into tokens at tabs and blanks,
+as many tokens. A token that is not a number must be the same. A number (optional sign,
+digits with an optional decimal point, optional exponent; bare, or after a label ending in a
+colon as in parameter:-1.609438, or before a percent sign as in 12.80%, where label and sign
+must be the same) may differ from the recorded one by at most one unit in the recorded
+token's last printed digit: 0.1234 admits 0.1233 to 0.1235, 47 admits 46 to 48, 1.5e-05
+admits 1.4e-05 to 1.6e-05. The exit status is always exact. The Linux runs stay exact: the
+engine is built without contraction of floating-point operations and without fast-math, so
+the same platform gives the same bytes.
 """
 import argparse
 import concurrent.futures
+import decimal
 import difflib
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -49,6 +64,9 @@ STATUS = "exit-status.txt"
 DIFF_LINES_PER_FILE = 40
 DIFF_LINES_IN_ALL = 400
 DIFF_LINE_WIDTH = 240
+# A number token of the tolerant mode: label, number, percent sign.
+NUMBER = re.compile(r"([^:]*:)?([+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?)(%?)")
+TOKEN_SEPARATOR = re.compile(r"[ \t]+")
 
 
 def cases():
@@ -148,28 +166,97 @@ def write_expected(name, outputs):
 
 
 def lines_of(data):
+    """The lines of a file, each with its newline but a last one without."""
     # Outputs are UTF-8 text; a stray byte shows as a replacement character, not a crash.
-    return data.decode("utf-8", errors="replace").split("\n")
+    lines = [line + "\n" for line in data.decode("utf-8", errors="replace").split("\n")]
+    lines[-1] = lines[-1][:-1]
+    return lines if lines[-1] else lines[:-1]
 
 
 def show(line):
     return line if len(line) <= DIFF_LINE_WIDTH else line[:DIFF_LINE_WIDTH] + " [...]"
 
 
-def differences(name, file, expected, actual):
-    """The diff lines between a recorded file and the run's, or [] when they agree."""
+def within_last_digit(recorded, value):
+    """Whether the number value is within one unit in the last printed digit of recorded."""
+    recorded, value = decimal.Decimal(recorded), decimal.Decimal(value)
+    _, digits, exponent = recorded.as_tuple()
+    unit = decimal.Decimal((0, (1,), exponent))
+    # Exact: the bounds have the recorded number's digits and one more.
+    with decimal.localcontext() as context:
+        context.prec = len(digits) + 2
+        return recorded - unit <= value <= recorded + unit
+
+
+def tokens(line):
+    return [token for token in TOKEN_SEPARATOR.split(line) if token]
+
+
+def agree_within_last_digit(recorded, line):
+    if recorded == line:
+        return True
+    if recorded.endswith("\n") != line.endswith("\n"):
+        return False
+    expected, actual = tokens(recorded.rstrip("\n")), tokens(line.rstrip("\n"))
+    if len(expected) != len(actual):
+        return False
+    for want, got in zip(expected, actual):
+        if want == got:
+            continue
+        number, other = NUMBER.fullmatch(want), NUMBER.fullmatch(got)
+        if not number or not other or number.group(1, 3) != other.group(1, 3):
+            return False
+        if not within_last_digit(number.group(2), other.group(2)):
+            return False
+    return True
+
+
+def as_recorded_within_last_digit(recorded, written):
+    """The written lines with each one that agrees with its recorded line within the last digit
+    replaced by that line. Lines pair up by position when the files have as many lines, else
+    within each block of as many lines that the diff replaces."""
+    def settle(wanted, got):
+        return [want if agree_within_last_digit(want, line) else line
+                for want, line in zip(wanted, got)]
+
+    if len(recorded) == len(written):
+        return settle(recorded, written)
+    settled = []
+    matcher = difflib.SequenceMatcher(None, recorded, written, autojunk=False)
+    for tag, first, last, start, end in matcher.get_opcodes():
+        if tag == "replace" and last - first == end - start:
+            settled.extend(settle(recorded[first:last], written[start:end]))
+        else:
+            settled.extend(written[start:end])
+    return settled
+
+
+def differences(name, file, expected, actual, tolerant):
+    """The diff lines between a recorded file and the run's, or [] when they agree. In the
+    tolerant mode a line that agrees with its recorded line within the last digit counts as
+    that line, so the diff shows only the lines that fail."""
     if expected == actual:
         return []
-    diff = [show(line.rstrip("\n")) for line in difflib.unified_diff(
-        lines_of(expected), lines_of(actual), "expected/%s/%s" % (name, file),
-        "this run's %s" % file, n=2, lineterm="")]
+    recorded, written = lines_of(expected), lines_of(actual)
+    if tolerant:
+        written = as_recorded_within_last_digit(recorded, written)
+        if written == recorded:
+            return []
+    diff = []
+    for line in difflib.unified_diff(recorded, written, "expected/%s/%s" % (name, file),
+                                     "this run's %s" % file, n=2, lineterm=""):
+        if line.endswith("\n"):
+            line = line[:-1]
+        elif len(diff) >= 2 and not line.startswith("@@"):
+            line += "   [no newline at the end of the file]"
+        diff.append(show(line))
     if not diff:
         # The decoded text agrees although the bytes do not (an invalid byte changed).
         diff = ["(the files differ in bytes that are not UTF-8 text)"]
     return diff
 
 
-def compare(name, expected, outputs, failures, report):
+def compare(name, expected, outputs, failures, report, tolerant):
     """Adds a failure for each file that differs, is new or was not written, and the diffs of
     the differing ones to report (a list of lines, capped in length)."""
     for file in sorted(set(expected) | set(outputs)):
@@ -178,7 +265,8 @@ def compare(name, expected, outputs, failures, report):
         elif file not in expected:
             failures.append("%s: %s is new (%d bytes)" % (name, file, len(outputs[file])))
         else:
-            diff = differences(name, file, expected[file], outputs[file])
+            diff = differences(name, file, expected[file], outputs[file],
+                               tolerant and file != STATUS)
             if not diff:
                 continue
             failures.append("%s: %s differs" % (name, file))
@@ -207,7 +295,10 @@ def main():
                         help="run every case on this store")
     parser.add_argument("--runner", help="the program that runs VEXA (Wine for a Windows build)")
     parser.add_argument("--windows", action="store_true",
-                        help="VEXA is a Windows build: compare as a POSIX run would write")
+                        help="VEXA is a Windows build: compare as a POSIX run would write, "
+                        "numbers within the last digit (--tolerant)")
+    parser.add_argument("--tolerant", action="store_true",
+                        help="numbers may differ by one unit in their last printed digit")
     parser.add_argument("--jobs", type=int, default=1, help="cases to run at once")
     args = parser.parse_args()
     if args.update and args.store:
@@ -253,7 +344,7 @@ def main():
         if expected is None:
             failures.append("%s: no recorded outputs (run with --update on purpose)" % name)
             continue
-        compare(name, expected, outputs, failures, report)
+        compare(name, expected, outputs, failures, report, args.tolerant or args.windows)
         print("%s: %s" % (name, "ok" if not any(f.startswith(name + ":") for f in failures)
                           else "DIFFERS"))
     if args.update and len(chosen) == len(every) and os.path.isdir(EXPECTED):
