@@ -1,0 +1,30 @@
+GET DATA  /TYPE = TXT
+/FILE = 'out/sample_statistics_samplike_simulation.txt'
+/DELCASE = LINE
+/DELIMITERS = "	"
+/ARRANGEMENT = DELIMITED
+/FIRSTCASE = 2
+/IMPORTCASE = ALL
+/VARIABLES =
+id F5.0
+arc F8.0
+recip F8.0
+tktri F8.4
+CACHE.
+EXECUTE.
+
+GRAPH
+/Histogram=arc.
+GRAPH
+/SCATTERPLOT(BIVAR)=id WITH arc
+/MISSING=LISTWISE.
+GRAPH
+/Histogram=recip.
+GRAPH
+/SCATTERPLOT(BIVAR)=id WITH recip
+/MISSING=LISTWISE.
+GRAPH
+/Histogram=tktri.
+GRAPH
+/SCATTERPLOT(BIVAR)=id WITH tktri
+/MISSING=LISTWISE.
