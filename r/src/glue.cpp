@@ -30,10 +30,10 @@ using Rcpp::NumericVector;
 struct BarState {
     SEXP update = R_NilValue;
     bool estimation = false;
-    double runs = 1.0;        // estimation: the runs allowed
-    double run = 0.0;         // estimation: the run under way, from 1
-    double burn_in = 0.0;     // sampling tasks: steps of the burn-in
-    double proposals = 0.0;   // sampling tasks: steps of the sampling
+    double runs = 1.0;       // estimation: the runs allowed
+    double run = 0.0;        // estimation: the run under way, from 1
+    double burn_in = 0.0;    // sampling tasks: steps of the burn-in
+    double proposals = 0.0;  // sampling tasks: steps of the sampling
     double shown = -1.0;
 };
 
@@ -284,7 +284,7 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     const List settings = request["settings"];
     s.run_file = Rcpp::as<std::string>(request["what"]);
     const std::string task = Rcpp::as<std::string>(request["task"]);
-    s.task = task == "simulation"  ? vexa::Task::simulation
+    s.task = task == "simulation"   ? vexa::Task::simulation
              : task == "estimation" ? vexa::Task::estimation
                                     : vexa::Task::goodness_of_fit;
     s.network_kind =
