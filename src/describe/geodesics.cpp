@@ -1,6 +1,7 @@
 // Geodesics, their distribution and quartiles.
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <type_traits>
@@ -24,13 +25,13 @@ using Lanes = uint64_t[lane_words];
 
 }  // namespace
 
-template <class G>
-void geodesics(const G& graph, DescribeScratch& scratch) {
-    const int n = graph.node_count;
-    const size_t nodes = as_size(n);
+namespace {
 
-    // Neighbour lists: a level then costs one OR per tie, not a scan of every row's words.
-    scratch.offsets.resize(nodes + 1);
+// Neighbour lists: a level then costs one OR per tie, not a scan of every row's words.
+template <class G>
+void list_neighbours(const G& graph, DescribeScratch& scratch) {
+    const int n = graph.node_count;
+    scratch.offsets.resize(as_size(n) + 1);
     scratch.targets.resize(2 * as_size(graph.edge_count));
     int32_t filled = 0;
     for (int v = 0; v < n; ++v) {
@@ -45,14 +46,78 @@ void geodesics(const G& graph, DescribeScratch& scratch) {
             for (const int32_t u : graph.neighbours_of(v)) scratch.targets[as_size(filled++)] = u;
         }
     }
-    scratch.offsets[nodes] = filled;
+    scratch.offsets[as_size(n)] = filled;
+}
+
+// One level of a batch's searches: the nodes that a source reaches first from the frontier.
+// Returns the number of (source, node) pairs that arrived; `grown` is zero when none did.
+int64_t next_level(DescribeScratch& scratch, size_t nodes, const Lanes& batch,
+                   const uint64_t* frontier, uint64_t* arriving, uint64_t& grown) {
     const int32_t* offsets = scratch.offsets.data();
     const int32_t* targets = scratch.targets.data();
-
-    const size_t level_stride = nodes * lane_words;
-    scratch.reached.resize(level_stride);
-    scratch.arrivals.resize(as_size(held_levels) * level_stride);
     uint64_t* reached = scratch.reached.data();
+    int64_t arrived = 0;
+    grown = 0;
+    for (size_t v = 0; v < nodes; ++v) {
+        uint64_t* fresh = arriving + v * lane_words;
+        uint64_t* seen = reached + v * lane_words;
+        uint64_t missing = 0;
+        for (int w = 0; w < lane_words; ++w) missing |= batch[w] & ~seen[w];
+        Lanes from_neighbours = {};
+        if (missing != 0) {  // else every source of the batch is here already
+            for (int32_t k = offsets[v]; k < offsets[v + 1]; ++k) {
+                const uint64_t* from = frontier + as_size(targets[k]) * lane_words;
+                for (int w = 0; w < lane_words; ++w) from_neighbours[w] |= from[w];
+            }
+        }
+        for (int w = 0; w < lane_words; ++w) {
+            const uint64_t found = from_neighbours[w] & ~seen[w];
+            fresh[w] = found;
+            seen[w] |= found;
+            grown |= found;
+            arrived += std::popcount(found);
+        }
+    }
+    return arrived;
+}
+
+// The searches from `width` sources at once, source s being source(base + s); adds the ordered
+// pairs found at each distance to the counts.
+template <class Source>
+void search_batch(DescribeScratch& scratch, size_t nodes, int base, int width,
+                  const Source& source) {
+    const size_t level_stride = nodes * lane_words;
+    uint64_t* reached = scratch.reached.data();
+    std::vector<int64_t>& counts = scratch.geodesic_counts;
+    Lanes batch = {};
+    for (int s = 0; s < width; ++s) batch[s >> 6] |= uint64_t{1} << (s & 63);
+    // Level 0: each source of the batch has reached itself.
+    uint64_t* seeds = scratch.arrivals.data();
+    std::fill(reached, reached + level_stride, 0);
+    std::fill(seeds, seeds + level_stride, 0);
+    for (int s = 0; s < width; ++s) {
+        const size_t at = as_size(source(base + s)) * lane_words + as_size(s >> 6);
+        reached[at] = seeds[at] = uint64_t{1} << (s & 63);
+    }
+    for (int32_t level = 1;; ++level) {
+        const uint64_t* frontier =
+            scratch.arrivals.data() + as_size((level - 1) % held_levels) * level_stride;
+        uint64_t* arriving = scratch.arrivals.data() + as_size(level % held_levels) * level_stride;
+        uint64_t grown = 0;
+        counts[as_size(level)] += next_level(scratch, nodes, batch, frontier, arriving, grown);
+        if (grown == 0) break;
+    }
+}
+
+}  // namespace
+
+template <class G>
+void geodesics(const G& graph, DescribeScratch& scratch) {
+    const int n = graph.node_count;
+    const size_t nodes = as_size(n);
+    list_neighbours(graph, scratch);
+    scratch.reached.resize(nodes * lane_words);
+    scratch.arrivals.resize(as_size(held_levels) * nodes * lane_words);
     // Ordered pairs by distance while searching; halved into unordered pairs at the end.
     std::vector<int64_t>& counts = scratch.geodesic_counts;
     counts.assign(nodes + 1, 0);
@@ -62,49 +127,8 @@ void geodesics(const G& graph, DescribeScratch& scratch) {
     const auto source = [&](int k) {
         return sources == n ? k : static_cast<int>(int64_t{k} * n / sources);
     };
-    for (int base = 0; base < sources; base += batch_sources) {
-        const int width = std::min(batch_sources, sources - base);
-        Lanes batch = {};
-        for (int s = 0; s < width; ++s) batch[s >> 6] |= uint64_t{1} << (s & 63);
-        // Level 0: each source of the batch has reached itself.
-        uint64_t* seeds = scratch.arrivals.data();
-        std::fill(reached, reached + level_stride, 0);
-        std::fill(seeds, seeds + level_stride, 0);
-        for (int s = 0; s < width; ++s) {
-            const size_t at = as_size(source(base + s)) * lane_words + as_size(s >> 6);
-            reached[at] = seeds[at] = uint64_t{1} << (s & 63);
-        }
-        for (int32_t level = 1;; ++level) {
-            const uint64_t* frontier =
-                scratch.arrivals.data() + as_size((level - 1) % held_levels) * level_stride;
-            uint64_t* arriving =
-                scratch.arrivals.data() + as_size(level % held_levels) * level_stride;
-            uint64_t grown = 0;
-            int64_t arrived = 0;
-            for (size_t v = 0; v < nodes; ++v) {
-                uint64_t* fresh = arriving + v * lane_words;
-                uint64_t* seen = reached + v * lane_words;
-                uint64_t missing = 0;
-                for (int w = 0; w < lane_words; ++w) missing |= batch[w] & ~seen[w];
-                Lanes from_neighbours = {};
-                if (missing != 0) {  // else every source of the batch is here already
-                    for (int32_t k = offsets[v]; k < offsets[v + 1]; ++k) {
-                        const uint64_t* from = frontier + as_size(targets[k]) * lane_words;
-                        for (int w = 0; w < lane_words; ++w) from_neighbours[w] |= from[w];
-                    }
-                }
-                for (int w = 0; w < lane_words; ++w) {
-                    const uint64_t found = from_neighbours[w] & ~seen[w];
-                    fresh[w] = found;
-                    seen[w] |= found;
-                    grown |= found;
-                    arrived += std::popcount(found);
-                }
-            }
-            counts[as_size(level)] += arrived;
-            if (grown == 0) break;
-        }
-    }
+    for (int base = 0; base < sources; base += batch_sources)
+        search_batch(scratch, nodes, base, std::min(batch_sources, sources - base), source);
 
     counts[0] = 0;  // the diagonal, written as level 0
     int64_t found_pairs = 0;

@@ -119,6 +119,227 @@ Matrix draw_statistics(Chain<Store>& chain, const std::vector<double>& theta, in
 void accumulate_covariance(Matrix& D, Matrix& draws, const std::vector<double>& mean,
                            std::vector<double>& variance);
 
+// What one run carries from phase to phase.
+template <class Store>
+struct RunState {
+    Chain<Store>& chain;
+    std::vector<double>& theta;
+    Matrix& D;
+    const EstimationSettings& settings;
+    const Observer& observer;
+    EstimationRun run;
+    int p = 0;
+    size_t count = 0;
+    double K = 0.0;  // steps per draw
+    double observed_ties = 0.0;
+    bool extreme = false;
+    double planned_draws = 0.0;
+    StepCount steps;
+    std::vector<double> mean, variance;
+    std::vector<double> phase1_error;  // the phase-1 standard errors
+    std::vector<double> phase2_start;
+    std::vector<double> parameter_sum, previous, crossing;
+
+    RunState(Chain<Store>& chain_, std::vector<double>& theta_, Matrix& D_,
+             const EstimationSettings& settings_, const Observer& observer_)
+        : chain(chain_), theta(theta_), D(D_), settings(settings_), observer(observer_) {}
+
+    // Stops the run as degenerate; returns false, to be passed on.
+    bool stop(Degeneracy why) {
+        run.degenerate = true;
+        run.degeneracy = why;
+        return false;
+    }
+    // Steps are counted over the whole run; phase 2's sub-phases are counted at their longest
+    // until they end.
+    double subphase_longest(int k) const {
+        const double n_max = std::pow(2.0, 4.0 * k / 3.0) * (p + 7) + 200.0;
+        return n_max > 0.0 ? std::ceil(n_max) : 0.0;
+    }
+};
+
+// The run's record at its start and the steps it plans.
+template <class Store>
+void start_run(RunState<Store>& r) {
+    r.count = r.theta.size();
+    r.p = static_cast<int>(r.count);
+    r.mean.assign(r.count, 0.0);
+    r.variance.assign(r.count, 0.0);
+    r.run.observed.assign(r.chain.statistics.begin(),
+                          r.chain.statistics.begin() + static_cast<std::ptrdiff_t>(r.count));
+    r.run.starting = r.theta;
+    r.run.gain = r.settings.start_a_value;
+    const Store& store = *r.chain.store;
+    const double n = store.node_count;
+    const double d = density(store);
+    r.observed_ties = static_cast<double>(tie_count(store));
+    r.K = n * d * r.settings.multiplication_factor * (1.0 - d) * n;
+    r.run.phase1_draws = 3 * r.p + 7;
+    r.run.steps_per_draw = r.K;
+    r.planned_draws = r.run.phase1_draws + 1.1 * r.settings.phase3_steps;
+    for (int k = 0; k < r.settings.subphase_count; ++k) r.planned_draws += r.subphase_longest(k);
+    r.steps = StepCount{&r.observer, Stage::phase1, r.planned_draws * std::ceil(r.K)};
+}
+
+// Phase 1: the covariance of the statistics at the start, inverted into D. False when the run
+// stopped.
+template <class Store>
+bool run_phase1(RunState<Store>& r) {
+    const int N1 = r.run.phase1_draws;
+    r.observer.tell(StageStarted{
+        .stage = Stage::phase1, .draws = N1, .steps_per_draw = r.K, .steps = N1 * std::ceil(r.K)});
+    Matrix draws =
+        draw_statistics(r.chain, r.theta, N1, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
+    r.run.phase1_means = r.mean;
+    accumulate_covariance(r.D, draws, r.mean, r.variance);
+    if (invert_in_place(r.D) == 0) return r.stop(Degeneracy::singular);
+    if (r.extreme) return r.stop(Degeneracy::extreme_network);
+    r.run.after_phase1 = r.theta;
+    r.run.stage = 2;
+    // The phase-1 inverse approximates the covariance of the estimates: its diagonal gives the
+    // standard errors against which a runaway parameter is measured.
+    r.phase1_error.assign(r.count, 0.0);
+    for (size_t j = 0; j < r.count; ++j)
+        r.phase1_error[j] = std::sqrt(std::fabs(r.D[static_cast<int>(j)][static_cast<int>(j)]));
+    r.phase2_start = r.theta;
+    r.parameter_sum.assign(r.count, 0.0);
+    r.previous.assign(r.count, 0.0);
+    r.crossing.assign(r.count, 0.0);
+    return true;
+}
+
+// One iteration of phase 2: a draw, and the parameters moved against its distance from the
+// observed statistics.
+template <class Store>
+void update_parameters(RunState<Store>& r, float a) {
+    for (size_t l = 0; l < r.count; ++l) r.previous[l] = r.chain.statistics[l];
+    run_steps_counted(r.chain, r.theta.data(), r.K, r.steps);
+    const double* z = r.chain.statistics.data();
+    const std::vector<double>& observed = r.run.observed;
+    for (int j = 0; j < r.p; ++j) {
+        for (int l = 0; l < r.p; ++l) {
+            r.theta[static_cast<size_t>(j)] -=
+                (z[l] - observed[static_cast<size_t>(l)]) * a * r.D[l][j];
+        }
+    }
+    for (size_t l = 0; l < r.count; ++l)
+        r.crossing[l] += (z[l] - observed[l]) * (r.previous[l] - observed[l]);
+    for (size_t l = 0; l < r.count; ++l) r.parameter_sum[l] += r.theta[l];
+}
+
+// The first parameter that has run away from where phase 2 started it, or -1.
+template <class Store>
+int32_t runaway_parameter(const RunState<Store>& r) {
+    for (size_t j = 0; j < r.count; ++j) {
+        const double moved = std::fabs(r.theta[j] - r.phase2_start[j]);
+        if (!(moved <= runaway_limit * r.phase1_error[j])) return static_cast<int32_t>(j);
+    }
+    return -1;
+}
+
+// Sub-phase k of phase 2 at gain a: at least n_min iterations, then until every statistic has
+// crossed its observed value, at most n_max. False when the run stopped.
+template <class Store>
+bool run_subphase(RunState<Store>& r, int k, float a) {
+    Subphase subphase;
+    subphase.gain = a;
+    r.steps.stage = Stage::phase2;
+    r.observer.tell(StageStarted{.stage = Stage::phase2, .subphase = k, .gain = a});
+    const double n_min = std::pow(2.0, 4.0 * k / 3.0) * (r.p + 7);
+    const double n_max = n_min + 200.0;
+    int i = 0;
+    while (n_max > 0.0) {
+        if (i > n_min) {
+            bool all_crossed = true;
+            for (const double c : r.crossing) all_crossed = all_crossed && c < 0.0;
+            if (all_crossed) break;
+        }
+        update_parameters(r, a);
+        ++i;
+        const bool collapsed = at_extreme(*r.chain.store, r.observed_ties);
+        const int32_t runaway = runaway_parameter(r);
+        if (collapsed || runaway >= 0) {
+            subphase.steps = i;
+            subphase.parameters = r.theta;
+            r.run.subphases.push_back(std::move(subphase));
+            if (runaway < 0) return r.stop(Degeneracy::extreme_network);
+            r.run.culprit = runaway;
+            r.run.culprit_from = r.phase2_start[static_cast<size_t>(runaway)];
+            r.run.culprit_to = r.theta[static_cast<size_t>(runaway)];
+            return r.stop(Degeneracy::runaway);
+        }
+        if (i >= n_max) break;
+    }
+    for (size_t j = 0; j < r.count; ++j) {
+        // Sub-phase 0 ends with its last iterate, later ones with their average.
+        if (k != 0) r.theta[j] = r.parameter_sum[j] / i;
+        r.parameter_sum[j] = 0.0;
+        r.crossing[j] = 0.0;
+    }
+    subphase.steps = i;
+    subphase.parameters = r.theta;
+    r.run.subphases.push_back(std::move(subphase));
+    r.planned_draws -= r.subphase_longest(k) - i;
+    r.steps.total = r.planned_draws * std::ceil(r.K);
+    return true;
+}
+
+// Phase 3's draws at the estimate, refused when a statistic did not vary or sat far from its
+// observed value. False when the run stopped.
+template <class Store>
+bool run_phase3(RunState<Store>& r, SeedSource& seeds) {
+    const int N3 = r.settings.phase3_steps;
+    r.run.phase3_draws = N3;
+    r.steps.stage = Stage::phase3;
+    r.observer.tell(StageStarted{
+        .stage = Stage::phase3, .draws = N3, .steps_per_draw = r.K, .steps = N3 * std::ceil(r.K)});
+    seeds.reseed(*r.chain.rng);
+    run_steps_counted(r.chain, r.theta.data(), N3 * 0.1 * r.K, r.steps);
+    Matrix final_draws =
+        draw_statistics(r.chain, r.theta, N3, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
+    r.run.phase3_means = r.mean;
+    r.run.phase3_draws_matrix = final_draws;
+    if (r.extreme) return r.stop(Degeneracy::extreme_network);
+    const std::vector<double>& observed = r.run.observed;
+    for (int k = 0; k < r.p && N3 > 1; ++k) {
+        const size_t kk = static_cast<size_t>(k);
+        double spread = 0.0;
+        for (int row = 0; row < N3; ++row)
+            spread += (final_draws[row][k] - r.mean[kk]) * (final_draws[row][k] - r.mean[kk]);
+        const double sd = std::sqrt(spread / (N3 - 1));
+        r.run.culprit = k;
+        r.run.culprit_from = observed[kk];
+        if (!(sd > 0.0)) {
+            r.run.culprit_to = final_draws[0][k];
+            return r.stop(Degeneracy::fixed_statistic);
+        }
+        if (std::fabs(r.mean[kk] - observed[kk]) > far_limit * sd) {
+            r.run.culprit_to = r.mean[kk];
+            return r.stop(Degeneracy::far_statistic);
+        }
+        r.run.culprit = -1;
+    }
+    accumulate_covariance(r.D, final_draws, r.mean, r.variance);
+    invert_in_place(r.D);  // a singular phase-3 matrix is reported through its entries
+    return true;
+}
+
+// The estimates, their standard errors and the t-ratios.
+template <class Store>
+void finish_run(RunState<Store>& r) {
+    EstimationRun& run = r.run;
+    run.converged = true;
+    run.t_ratios.assign(r.count, 0.0);
+    run.standard_errors.assign(r.count, 0.0);
+    for (size_t k = 0; k < r.count; ++k) {
+        run.t_ratios[k] = -(r.mean[k] - run.observed[k]) * std::sqrt(1.0 / r.variance[k]);
+        if (std::fabs(run.t_ratios[k]) >= 0.1) run.converged = false;
+        run.standard_errors[k] = std::sqrt(r.D[static_cast<int>(k)][static_cast<int>(k)]);
+    }
+    run.estimates = r.theta;
+    run.covariance = r.D;
+}
+
 }  // namespace estimation_detail
 
 // One run on the chain (its statistics hold the observed totals), continuing from theta and
@@ -127,172 +348,22 @@ template <class Store>
 EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& D,
                        const EstimationSettings& settings, SeedSource& seeds,
                        const Observer& observer) {
-    using estimation_detail::accumulate_covariance;
-    using estimation_detail::draw_statistics;
-    EstimationRun run;
-    const int p = static_cast<int>(theta.size());
-    const size_t count = theta.size();
+    using namespace estimation_detail;
     seeds.reseed(*chain.rng);
-    std::vector<double> mean(count, 0.0), variance(count, 0.0);
+    RunState<Store> r(chain, theta, D, settings, observer);
+    start_run(r);
+    if (!run_phase1(r)) return std::move(r.run);
     float a = settings.start_a_value;
-    run.observed.assign(chain.statistics.begin(),
-                        chain.statistics.begin() + static_cast<std::ptrdiff_t>(count));
-    const std::vector<double>& observed = run.observed;
-    run.starting = theta;
-    run.gain = a;
-
-    const double n = chain.store->node_count;
-    const double d = density(*chain.store);
-    const double observed_ties = static_cast<double>(tie_count(*chain.store));
-    bool extreme = false;
-    const auto stop = [&](Degeneracy why) {
-        run.degenerate = true;
-        run.degeneracy = why;
-        return run;
-    };
-    const double K = n * d * settings.multiplication_factor * (1.0 - d) * n;
-    const int N1 = 3 * p + 7;
-    run.phase1_draws = N1;
-    run.steps_per_draw = K;
-    // Steps are counted over the whole run; phase 2's sub-phases are counted at their longest
-    // until they end.
-    const auto subphase_longest = [&](int k) {
-        const double n_max = std::pow(2.0, 4.0 * k / 3.0) * (p + 7) + 200.0;
-        return n_max > 0.0 ? std::ceil(n_max) : 0.0;
-    };
-    double planned_draws = N1 + 1.1 * settings.phase3_steps;
-    for (int k = 0; k < settings.subphase_count; ++k) planned_draws += subphase_longest(k);
-    StepCount steps{&observer, Stage::phase1, planned_draws * std::ceil(K)};
-    observer.tell(StageStarted{
-        .stage = Stage::phase1, .draws = N1, .steps_per_draw = K, .steps = N1 * std::ceil(K)});
-
-    Matrix draws = draw_statistics(chain, theta, N1, K, mean, observed_ties, extreme, steps);
-    run.phase1_means = mean;
-    accumulate_covariance(D, draws, mean, variance);
-    if (invert_in_place(D) == 0) {
-        return stop(Degeneracy::singular);
-    }
-    if (extreme) return stop(Degeneracy::extreme_network);
-    run.after_phase1 = theta;
-    run.stage = 2;
-    // The phase-1 inverse approximates the covariance of the estimates: its diagonal gives the
-    // standard errors against which a runaway parameter is measured.
-    std::vector<double> phase1_error(count, 0.0);
-    for (size_t j = 0; j < count; ++j)
-        phase1_error[j] = std::sqrt(std::fabs(D[static_cast<int>(j)][static_cast<int>(j)]));
-    const std::vector<double> phase2_start = theta;
-
-    // Phase 2.
-    std::vector<double> parameter_sum(count, 0.0), previous(count, 0.0), crossing(count, 0.0);
     for (int k = 0; k < settings.subphase_count; ++k) {
         if (k == 1) a = a + a;  // sub-phases 0 and 1 both run with the starting gain
-        Subphase subphase;
-        subphase.gain = a;
-        steps.stage = Stage::phase2;
-        observer.tell(StageStarted{.stage = Stage::phase2, .subphase = k, .gain = a});
-        const double n_min = std::pow(2.0, 4.0 * k / 3.0) * (p + 7);
-        const double n_max = n_min + 200.0;
-        int i = 0;
-        if (n_max > 0.0) {
-            while (true) {
-                if (i > n_min) {
-                    bool all_crossed = true;
-                    for (const double c : crossing) all_crossed = all_crossed && c < 0.0;
-                    if (all_crossed) break;
-                }
-                for (size_t l = 0; l < count; ++l) previous[l] = chain.statistics[l];
-                run_steps_counted(chain, theta.data(), K, steps);
-                const double* z = chain.statistics.data();
-                for (int j = 0; j < p; ++j) {
-                    for (int l = 0; l < p; ++l) {
-                        theta[static_cast<size_t>(j)] -=
-                            (z[l] - observed[static_cast<size_t>(l)]) * a * D[l][j];
-                    }
-                }
-                for (size_t l = 0; l < count; ++l)
-                    crossing[l] += (z[l] - observed[l]) * (previous[l] - observed[l]);
-                for (size_t l = 0; l < count; ++l) parameter_sum[l] += theta[l];
-                ++i;
-                const bool collapsed = estimation_detail::at_extreme(*chain.store, observed_ties);
-                int32_t runaway = -1;
-                for (size_t j = 0; j < count && runaway < 0; ++j) {
-                    const double moved = std::fabs(theta[j] - phase2_start[j]);
-                    if (!(moved <= runaway_limit * phase1_error[j]))
-                        runaway = static_cast<int32_t>(j);
-                }
-                if (collapsed || runaway >= 0) {
-                    subphase.steps = i;
-                    subphase.parameters = theta;
-                    run.subphases.push_back(std::move(subphase));
-                    if (runaway < 0) return stop(Degeneracy::extreme_network);
-                    run.culprit = runaway;
-                    run.culprit_from = phase2_start[static_cast<size_t>(runaway)];
-                    run.culprit_to = theta[static_cast<size_t>(runaway)];
-                    return stop(Degeneracy::runaway);
-                }
-                if (i >= n_max) break;
-            }
-        }
-        for (size_t j = 0; j < count; ++j) {
-            // Sub-phase 0 ends with its last iterate, later ones with their average.
-            if (k != 0) theta[j] = parameter_sum[j] / i;
-            parameter_sum[j] = 0.0;
-            crossing[j] = 0.0;
-        }
-        subphase.steps = i;
-        subphase.parameters = theta;
-        run.subphases.push_back(std::move(subphase));
-        planned_draws -= subphase_longest(k) - i;
-        steps.total = planned_draws * std::ceil(K);
+        if (!run_subphase(r, k, a)) return std::move(r.run);
         a = a * 0.5f;
     }
-    run.after_phase2 = theta;
-    run.stage = 3;
-
-    // Phase 3.
-    const int N3 = settings.phase3_steps;
-    run.phase3_draws = N3;
-    steps.stage = Stage::phase3;
-    observer.tell(StageStarted{
-        .stage = Stage::phase3, .draws = N3, .steps_per_draw = K, .steps = N3 * std::ceil(K)});
-    seeds.reseed(*chain.rng);
-    run_steps_counted(chain, theta.data(), N3 * 0.1 * K, steps);
-    Matrix final_draws = draw_statistics(chain, theta, N3, K, mean, observed_ties, extreme, steps);
-    run.phase3_means = mean;
-    run.phase3_draws_matrix = final_draws;
-    if (extreme) return stop(Degeneracy::extreme_network);
-    for (int k = 0; k < p && N3 > 1; ++k) {
-        const size_t kk = static_cast<size_t>(k);
-        double spread = 0.0;
-        for (int r = 0; r < N3; ++r)
-            spread += (final_draws[r][k] - mean[kk]) * (final_draws[r][k] - mean[kk]);
-        const double sd = std::sqrt(spread / (N3 - 1));
-        run.culprit = k;
-        run.culprit_from = observed[kk];
-        if (!(sd > 0.0)) {
-            run.culprit_to = final_draws[0][k];
-            return stop(Degeneracy::fixed_statistic);
-        }
-        if (std::fabs(mean[kk] - observed[kk]) > far_limit * sd) {
-            run.culprit_to = mean[kk];
-            return stop(Degeneracy::far_statistic);
-        }
-        run.culprit = -1;
-    }
-    accumulate_covariance(D, final_draws, mean, variance);
-    invert_in_place(D);  // a singular phase-3 matrix is reported through its entries
-
-    run.converged = true;
-    run.t_ratios.assign(count, 0.0);
-    run.standard_errors.assign(count, 0.0);
-    for (size_t k = 0; k < count; ++k) {
-        run.t_ratios[k] = -(mean[k] - observed[k]) * std::sqrt(1.0 / variance[k]);
-        if (std::fabs(run.t_ratios[k]) >= 0.1) run.converged = false;
-        run.standard_errors[k] = std::sqrt(D[static_cast<int>(k)][static_cast<int>(k)]);
-    }
-    run.estimates = theta;
-    run.covariance = D;
-    return run;
+    r.run.after_phase2 = theta;
+    r.run.stage = 3;
+    if (!run_phase3(r, seeds)) return std::move(r.run);
+    finish_run(r);
+    return std::move(r.run);
 }
 
 }  // namespace vexa

@@ -152,7 +152,10 @@ SparseGraph random_sparse_graph(int n, int64_t edge_target, Rng& rng, SeedSource
 
 double density(const SparseGraph& g) { return graph_building::density_of(g); }
 
-std::string check_bookkeeping(const SparseGraph& g) {
+namespace {
+
+// The neighbour lists against the degrees, their histogram and the edge count.
+std::string check_lists(const SparseGraph& g) {
     const int n = g.node_count;
     const size_t nodes = as_size(n);
     std::vector<int32_t> degree_histogram(nodes, 0);
@@ -181,6 +184,34 @@ std::string check_bookkeeping(const SparseGraph& g) {
         return format_message("edge count %d, degrees sum to %lld", g.edge_count,
                               static_cast<long long>(degree_sum));
     }
+    return {};
+}
+
+// The triangles at each node (twice over: once from each of its two edges at the node) against
+// the store's, and their histogram.
+std::string check_triangles(const SparseGraph& g, const std::vector<int64_t>& twice) {
+    std::vector<int32_t> triangle_histogram(g.triangle_histogram.size(), 0);
+    for (int a = 0; a < g.node_count; ++a) {
+        const int64_t t = twice[as_size(a)] / 2;
+        if (t != g.triangles[as_size(a)]) {
+            return format_message("triangles at node %d are %d, recount %lld", a,
+                                  g.triangles[as_size(a)], static_cast<long long>(t));
+        }
+        if (static_cast<size_t>(t) >= triangle_histogram.size())
+            return format_message("triangle histogram too short for node %d", a);
+        triangle_histogram[static_cast<size_t>(t)] += 1;
+    }
+    if (triangle_histogram != g.triangle_histogram)
+        return "triangle histogram disagrees with a recount";
+    return {};
+}
+
+}  // namespace
+
+std::string check_bookkeeping(const SparseGraph& g) {
+    if (std::string fault = check_lists(g); !fault.empty()) return fault;
+    const int n = g.node_count;
+    const size_t nodes = as_size(n);
     // Shared partners of a and every c > a, counted over the two-paths a - b - c.
     std::vector<int32_t> count(nodes, 0);
     std::vector<int32_t> touched;
@@ -222,21 +253,7 @@ std::string check_bookkeeping(const SparseGraph& g) {
     if (partner_histogram != g.shared_partner_histogram) {
         return "shared-partner histogram disagrees with a recount";
     }
-    std::vector<int32_t> triangle_histogram(g.triangle_histogram.size(), 0);
-    for (int a = 0; a < n; ++a) {
-        // Each triangle at a was counted once from each of its two edges at a.
-        const int64_t t = triangles[as_size(a)] / 2;
-        if (t != g.triangles[as_size(a)]) {
-            return format_message("triangles at node %d are %d, recount %lld", a,
-                                  g.triangles[as_size(a)], static_cast<long long>(t));
-        }
-        if (static_cast<size_t>(t) >= triangle_histogram.size())
-            return format_message("triangle histogram too short for node %d", a);
-        triangle_histogram[static_cast<size_t>(t)] += 1;
-    }
-    if (triangle_histogram != g.triangle_histogram)
-        return "triangle histogram disagrees with a recount";
-    return {};
+    return check_triangles(g, triangles);
 }
 
 }  // namespace vexa

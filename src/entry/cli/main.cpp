@@ -54,93 +54,106 @@ bool parse_seed(const char* text, unsigned long& seed) {
     return true;
 }
 
-int run_command_line(int argc, char** argv) {
+// What the arguments ask for.
+struct CommandLine {
     vexa::RunOptions options;
     const char* run_file = nullptr;
     long draw_count = -1;
     const char* sets_file = nullptr;
+};
+
+// Takes the option at argv[k] (and its values), moving k past them. Returns -1 when the option
+// was taken, else the exit status to end with (0 after --help or --version, 2 for a mistake).
+int take_option(int argc, char** argv, int& k, CommandLine& line) {
+    const char* arg = argv[k];
+    if (std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-h") == 0) {
+        usage(stdout);
+        return 0;
+    }
+    if (std::strcmp(arg, "--version") == 0) {
+        std::printf("vexa %s\n", VEXA_VERSION);
+        return 0;
+    }
+    if (std::strcmp(arg, "--sampler") == 0) {
+        unsigned long code = 0;
+        if (k + 1 >= argc || !parse_seed(argv[k + 1], code) || code > 3) {
+            std::fprintf(stderr, "vexa: --sampler needs 0, 1, 2 or 3\n");
+            return 2;
+        }
+        line.options.sampler_code = static_cast<int32_t>(code);
+        ++k;
+        return -1;
+    }
+    if (std::strcmp(arg, "--draw-sets") == 0) {
+        unsigned long count = 0;
+        if (k + 2 >= argc || !parse_seed(argv[k + 1], count) || count < 1 || count > 100000000UL) {
+            std::fprintf(stderr,
+                         "vexa: --draw-sets needs a count from 1 to 100000000 and a file name\n");
+            return 2;
+        }
+        line.draw_count = static_cast<long>(count);
+        line.sets_file = argv[k + 2];
+        k += 2;
+        return -1;
+    }
+    if (std::strcmp(arg, "--store") == 0) {
+        const char* store = k + 1 < argc ? argv[k + 1] : "";
+        if (std::strcmp(store, "dense") == 0) {
+            line.options.store = vexa::StoreChoice::dense;
+        } else if (std::strcmp(store, "sparse") == 0) {
+            line.options.store = vexa::StoreChoice::sparse;
+        } else {
+            std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
+            return 2;
+        }
+        ++k;
+        return -1;
+    }
+    if (std::strcmp(arg, "--check") == 0) {
+        line.options.confirm = true;
+        return -1;
+    }
+    if (std::strcmp(arg, "--seed") == 0) {
+        unsigned long seed = 0;
+        if (k + 1 >= argc || !parse_seed(argv[k + 1], seed)) {
+            std::fprintf(stderr, "vexa: --seed needs a whole number from 0 to 4294967295\n");
+            return 2;
+        }
+        line.options.fixed_seed = true;
+        line.options.seed = static_cast<uint32_t>(seed);
+        ++k;
+        return -1;
+    }
+    std::fprintf(stderr, "vexa: unknown option '%s'\n", arg);
+    usage(stderr);
+    return 2;
+}
+
+int run_command_line(int argc, char** argv) {
+    CommandLine line;
     for (int k = 1; k < argc; ++k) {
         const char* arg = argv[k];
-        if (std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-h") == 0) {
-            usage(stdout);
-            return 0;
-        }
-        if (std::strcmp(arg, "--version") == 0) {
-            std::printf("vexa %s\n", VEXA_VERSION);
-            return 0;
-        }
-        if (std::strcmp(arg, "--sampler") == 0) {
-            unsigned long variant = 0;
-            if (k + 1 >= argc || !parse_seed(argv[k + 1], variant) || variant > 3) {
-                std::fprintf(stderr, "vexa: --sampler needs 0, 1, 2 or 3\n");
-                return 2;
-            }
-            options.sampler_code = static_cast<int32_t>(variant);
-            ++k;
-            continue;
-        }
-        if (std::strcmp(arg, "--draw-sets") == 0) {
-            unsigned long count = 0;
-            if (k + 2 >= argc || !parse_seed(argv[k + 1], count) || count < 1 ||
-                count > 100000000UL) {
-                std::fprintf(
-                    stderr,
-                    "vexa: --draw-sets needs a count from 1 to 100000000 and a file name\n");
-                return 2;
-            }
-            draw_count = static_cast<long>(count);
-            sets_file = argv[k + 2];
-            k += 2;
-            continue;
-        }
-        if (std::strcmp(arg, "--store") == 0) {
-            const char* store = k + 1 < argc ? argv[k + 1] : "";
-            if (std::strcmp(store, "dense") == 0) {
-                options.store = vexa::StoreChoice::dense;
-            } else if (std::strcmp(store, "sparse") == 0) {
-                options.store = vexa::StoreChoice::sparse;
-            } else {
-                std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
-                return 2;
-            }
-            ++k;
-            continue;
-        }
-        if (std::strcmp(arg, "--check") == 0) {
-            options.confirm = true;
-            continue;
-        }
-        if (std::strcmp(arg, "--seed") == 0) {
-            unsigned long seed = 0;
-            if (k + 1 >= argc || !parse_seed(argv[k + 1], seed)) {
-                std::fprintf(stderr, "vexa: --seed needs a whole number from 0 to 4294967295\n");
-                return 2;
-            }
-            options.fixed_seed = true;
-            options.seed = static_cast<uint32_t>(seed);
-            ++k;
-            continue;
-        }
         if (arg[0] == '-' && arg[1] != '\0') {
-            std::fprintf(stderr, "vexa: unknown option '%s'\n", arg);
-            usage(stderr);
+            const int status = take_option(argc, argv, k, line);
+            if (status >= 0) return status;
+            continue;
+        }
+        if (line.run_file != nullptr) {
+            std::fprintf(stderr, "vexa: one run file at a time ('%s' and '%s')\n", line.run_file,
+                         arg);
             return 2;
         }
-        if (run_file != nullptr) {
-            std::fprintf(stderr, "vexa: one run file at a time ('%s' and '%s')\n", run_file, arg);
-            return 2;
-        }
-        run_file = arg;
+        line.run_file = arg;
     }
-    if (run_file == nullptr) {
+    if (line.run_file == nullptr) {
         usage(stderr);
         return 2;
     }
-    if (sets_file != nullptr) {
-        return vexa::draw_parameter_sets_entry(run_file, static_cast<int>(draw_count), sets_file,
-                                               options);
+    if (line.sets_file != nullptr) {
+        return vexa::draw_parameter_sets_entry(line.run_file, static_cast<int>(line.draw_count),
+                                               line.sets_file, line.options);
     }
-    return vexa::run_entry(run_file, options);
+    return vexa::run_entry(line.run_file, line.options);
 }
 
 }  // namespace
