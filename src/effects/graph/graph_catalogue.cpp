@@ -5,6 +5,8 @@
 
 #include "effects/graph/graph_alternating.h"
 #include "effects/graph/graph_counts.h"
+#include "effects/graph/graph_edge_triangles.h"
+#include "effects/graph/graph_paths.h"
 
 namespace vexa {
 
