@@ -78,16 +78,6 @@ constexpr std::array<EffectDescription, N> descriptions_of(
     return about;
 }
 
-// Compile-time checks a row table should pass: names unique where they must be.
-constexpr bool same_text(const char* a, const char* b) {
-    if (a == nullptr || b == nullptr) return a == b;
-    while (*a != '\0' && *a == *b) {
-        ++a;
-        ++b;
-    }
-    return *a == *b;
-}
-
 // Every order lists distinct rows of the table.
 template <std::size_t N, std::size_t M>
 constexpr bool valid_order(const std::array<int32_t, M>& order) {
