@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "effects/attribute/attribute_catalogue.h"
 #include "effects/graph/graph_catalogue.h"
 #include "entry/attribute_files.h"
 #include "entry/run_driver.h"
@@ -79,8 +80,10 @@ void BM_SchoolNetworkProposals(benchmark::State& state) {
         section.names = data.names;
         section.data = data.data;
         section.missing = data.missing;
-        section.included.assign(2, std::vector<int32_t>(3, 0));
-        section.included[0][0] = 1;  // Grade, same category
+        const CatalogueView& catalogue =
+            attribute_catalogue(NetworkKind::graph, AttributeKind::categorical);
+        section.included.assign(catalogue.rows.size(), std::vector<int32_t>(3, 0));
+        section.included[static_cast<size_t>(GraphCategoricalEffect::same)][0] = 1;  // Grade
         section.included_count = 1;
         parameters.push_back(2.0);
     }

@@ -5,13 +5,20 @@
 
 namespace vexa {
 
-// Each kind's catalogue defines its view beside its rows.
+// Each kind's catalogues define their views beside their tables.
 const CatalogueView& graph_structural_catalogue();
 const CatalogueView& digraph_structural_catalogue();
+const CatalogueView& graph_attribute_catalogue(AttributeKind which);
+const CatalogueView& digraph_attribute_catalogue(AttributeKind which);
 
 const CatalogueView& structural_catalogue(NetworkKind kind) {
     return kind == NetworkKind::digraph ? digraph_structural_catalogue()
                                         : graph_structural_catalogue();
+}
+
+const CatalogueView& attribute_catalogue(NetworkKind kind, AttributeKind which) {
+    return kind == NetworkKind::digraph ? digraph_attribute_catalogue(which)
+                                        : graph_attribute_catalogue(which);
 }
 
 WeightTable weight_table(float lambda) {

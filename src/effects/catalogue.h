@@ -6,6 +6,9 @@
 // update file) may list them in another order, given as `run_file_order`. An attribute
 // catalogue lists its effects in run-file order; the parameter vector (and every report that
 // labels it) may take them in another order, given as `vector_order`.
+//
+// Each catalogue is written as one table (catalogue_table.h), from which its view and its
+// rows are derived.
 
 #include <cstdint>
 #include <span>
@@ -66,38 +69,6 @@ template <class Store>
 Term<Store> structural_term(int row, int32_t slot, float lambda = 0.0f) {
     return term_of(structural_rows<Store>()[static_cast<size_t>(row)], static_cast<size_t>(row),
                    slot, lambda);
-}
-
-// The descriptions of a row table, computed at compile time, so that the labels and the
-// functions of an effect stand in one row.
-template <class Store, std::size_t N>
-constexpr std::array<EffectDescription, N> descriptions_of(
-    const std::array<EffectRow<Store>, N>& rows) {
-    std::array<EffectDescription, N> about{};
-    for (std::size_t k = 0; k < N; ++k) about[k] = rows[k].about;
-    return about;
-}
-
-// Compile-time checks a row table should pass: names unique where they must be.
-constexpr bool same_text(const char* a, const char* b) {
-    if (a == nullptr || b == nullptr) return a == b;
-    while (*a != '\0' && *a == *b) {
-        ++a;
-        ++b;
-    }
-    return *a == *b;
-}
-
-// Every order lists distinct rows of the table.
-template <std::size_t N, std::size_t M>
-constexpr bool valid_order(const std::array<int32_t, M>& order) {
-    std::array<bool, N> seen{};
-    for (const int32_t k : order) {
-        if (k < 0 || static_cast<std::size_t>(k) >= N || seen[static_cast<std::size_t>(k)])
-            return false;
-        seen[static_cast<std::size_t>(k)] = true;
-    }
-    return true;
 }
 
 }  // namespace vexa

@@ -273,6 +273,7 @@ double brute_force_value(const BruteCounts& c, GraphEffect effect, double lambda
             }
             return lambda * sum;
         }
+        case GraphEffect::count: break;
     }
     return 0.0;
 }

@@ -195,6 +195,7 @@ double digraph_value(const DigraphCounts& c, DigraphEffect effect, double lambda
         case E::a2p_tu: return a2p_t + a2p_u;
         case E::a2p_du: return a2p_d + a2p_u;
         case E::a2p_tdu: return a2p_t + a2p_d + a2p_u;
+        case E::count: break;
     }
     return 0.0;
 }

@@ -1,7 +1,15 @@
 #pragma once
 // The catalogue of digraph structural effects: one row per effect in report order, with every
 // label the engine prints for it, its lambda default, the variant its family's function
-// switches on, and its total and change functions.
+// switches on, and its total and change functions. The run file lists the effects in an order
+// of its own, written beside the table.
+//
+// To add an effect: write its family's change and total functions (digraph_effects.h lists
+// the families) or give an existing family a new variant, then put its enumerator below where
+// it should stand and its row at the same place in the table of digraph_catalogue.cpp, and
+// its name in the run-file order there if the run file lists it. The enumerator is the row's
+// name; the compiler rejects a table that does not follow the enum, labels that clash, and a
+// run-file order that misses a row with a run-file name or lists one twice.
 
 #include <cstdint>
 
@@ -57,8 +65,8 @@ enum class DigraphEffect : int32_t {
     a2p_tu,
     a2p_du,
     a2p_tdu,
+    count  // not an effect: the number of rows
 };
-inline constexpr int digraph_effect_count = 44;
 
 // Variants of the two-path families: each combined effect sums the kinds whose bits it holds.
 // AT-C is the transitive count taken over reversed arcs; it has a bit of its own.

@@ -1,16 +1,19 @@
 #include "effects/graph/graph_catalogue.h"
 
 #include <array>
-#include <cstddef>
 
+#include "effects/catalogue_table.h"
 #include "effects/graph/graph_alternating.h"
 #include "effects/graph/graph_counts.h"
+#include "effects/graph/graph_edge_triangles.h"
+#include "effects/graph/graph_paths.h"
 
 namespace vexa {
 
 namespace {
 
 using namespace graph_terms;
+using E = GraphEffect;
 
 // Labels differ between files on purpose ("4Cycle" in the statistics report, "cycle4" in the
 // run file, "D3" for 3Path in the estimation summary, "triangles" in the goodness-of-fit
@@ -20,82 +23,56 @@ using namespace graph_terms;
 // on 10 m (plus 1 for tied pairs).
 // clang-format off
 template <class G>
-constexpr std::array<EffectRow<G>, graph_effect_count> rows{{
-    //  update          report          column          summary         simulation      gof             sample          spss            fmt       lambda integral clique carried variant
-    {{{"edge",         "edge",         "edge",         "edge",         "edge",         "edge",         "edge",         "edge",         "F8.0"}, 0.0f, true,  0, true,  0},  change_edge<G>, total_edge<G>},
-    {{{"2-star",       "2-star",       "star2",        "2-star",       "2-star",       "2-star",       "star2",        "star2",        "F8.0"}, 0.0f, true,  0, true,  2},  change_star<G>, total_star<G>},
-    {{{"3-star",       "3-star",       "star3",        "3-star",       "3-star",       "3-star",       "star3",        "star3",        "F8.0"}, 0.0f, true,  0, true,  3},  change_star<G>, total_star<G>},
-    {{{"4-star",       "4-star",       "star4",        "4-star",       "4-star",       "4-star",       "star4",        "star4",        "F8.0"}, 0.0f, true,  0, true,  4},  change_star<G>, total_star<G>},
-    {{{"5-star",       "5-star",       "star5",        "5-star",       "5-star",       "5-star",       "star5",        "star5",        "F8.0"}, 0.0f, true,  0, true,  5},  change_star<G>, total_star<G>},
-    {{{"Triangle",     "Triangle",     "tri",          "Triangle",     "Triangle",     "triangles",    "triangle",     "triangle",     "F8.4"}, 0.0f, true,  0, true,  0},  change_triangle<G>, total_triangle<G>},
-    {{{"4-clique",     "4-clique",     "clique4",      "4-clique",     "4-clique",     "4-clique",     "clique4",      "clique4",      "F8.4"}, 0.0f, true,  4, true,  4},  change_clique<G>, total_clique<G>},
-    {{{"5-clique",     "5-clique",     "clique5",      "5-clique",     "5-clique",     "5-clique",     "clique5",      "clique5",      "F8.4"}, 0.0f, true,  5, true,  5},  change_clique<G>, total_clique<G>},
-    {{{"6-clique",     "6-clique",     "clique6",      "6-clique",     "6-clique",     "6-clique",     "clique6",      "clique6",      "F8.4"}, 0.0f, true,  6, true,  6},  change_clique<G>, total_clique<G>},
-    {{{"7-clique",     "7-clique",     "clique7",      "7-clique",     "7-clique",     "7-clique",     "clique7",      "clique7",      "F8.4"}, 0.0f, true,  7, true,  7},  change_clique<G>, total_clique<G>},
-    {{{"Isolates",     "Isolates",     "iso",          "Isolates",     "Isolates",     "Isolates",     "iso",          "iso",          "F8.4"}, 0.0f, true,  0, true,  0},  change_isolates<G>, total_isolates<G>},
-    {{{nullptr,        "P0",           "p0",           "P0",           "P0",           "P0",           "p0",           "p0",           "F8.0"}, 0.0f, true,  0, true,  0},  change_triangle<G>, total_triangle<G>},
-    {{{"Triangle2",    "Triangle2",    "triangle2",    "Triangle2",    "triangle2",    "triangle2",    "triangle2",    "triangle2",    "F8.0"}, 0.0f, true,  0, true,  0},  change_triangle2<G>, total_triangle2<G>},
-    {{{"Bow_tie",      "Bow_tie",      "bow_tie",      "Bow_tie",      "Bow_tie",      "Bow_tie",      "bow_tie",      "bow_tie",      "F8.0"}, 0.0f, true,  0, true,  0},  change_bow_tie<G>, total_bow_tie<G>},
-    {{{"P3",           "P3",           "p3",           "P3",           "P3",           "P3",           "p3",           "p3",           "F8.0"}, 0.0f, true,  0, true,  0},  change_p3<G>, total_p3<G>},
-    {{{"Q10",          "Q10",          "q10",          "Q10",          "Q10",          "Q10",          "q10",          "q10",          "F8.0"}, 0.0f, true,  0, true,  10}, change_q<G>, total_q<G>},
-    {{{"Q20",          "Q20",          "q20",          "Q20",          "Q20",          "Q20",          "q20",          "q20",          "F8.0"}, 0.0f, true,  0, true,  20}, change_q<G>, total_q<G>},
-    {{{"Q30",          "Q30",          "q30",          "Q30",          "Q30",          "Q30",          "q30",          "q30",          "F8.0"}, 0.0f, true,  0, true,  30}, change_q<G>, total_q<G>},
-    {{{"Q31",          "Q31",          "q31",          "Q31",          "Q31",          "Q31",          "q31",          "q31",          "F8.0"}, 0.0f, true,  0, true,  31}, change_q<G>, total_q<G>},
-    {{{"3Path",        "3Path",        "path3",        "D3",           "3Path",        "3Path",        "path3",        "path3",        "F8.0"}, 0.0f, true,  0, true,  0},  change_path3<G>, total_path3<G>},
-    {{{"cycle4",       "4Cycle",       "cycle4",       "cycle4",       "cycle4",       "cycle4",       "cycle4",       "cycle4",       "F8.0"}, 0.0f, true,  0, true,  0},  change_cycle4<G>, total_cycle4<G>},
-    {{{"1ET",          "1ET",          "et1",          "1ET",          "1ET",          "1ET",          "et1",          "et1",          "F8.0"}, 0.0f, true,  0, true,  0},  change_et1<G>, total_et1<G>},
-    {{{"2ET",          "2ET",          "et2",          "2ET",          "2ET",          "2ET",          "et2",          "et2",          "F8.0"}, 0.0f, true,  0, true,  0},  change_et2<G>, total_et2<G>},
-    {{{"0ET",          "0ET",          "et0",          "0ET",          "0ET",          "0ET",          "et0",          "et0",          "F8.0"}, 0.0f, true,  0, false, 0},  change_unweighted<G>, total_et0<G>},
-    {{{"ETNT",         "ETNT",         "etnt",         "ETNT",         "ETNT",         "ETNT",         "etnt",         "etnt",         "F8.0"}, 0.0f, true,  0, false, 0},  change_unweighted<G>, total_etnt<G>},
-    {{{"two3star",     "2_3star",      "two3star",     "2_3star",      "2_3star",      "2_3star",      "two3star",     "two3star",     "F8.0"}, 0.0f, false, 0, true,  0},  change_two3star<G>, total_two3star<G>},
-    {{{"one2triangle", "1_2triangle",  "one2triangle", "1_2Triangle",  "1_2triangle",  "1_2triangle",  "one2triangle", "one2triangle", "F8.0"}, 0.0f, false, 0, true,  0},  change_one2triangle<G>, total_one2triangle<G>},
-    {{{"one2et",       "1_2et",        "one2et",       "1_2ET",        "1_2et",        "1_2et",        "one2et",       "one2et",       "F8.0"}, 0.0f, false, 0, true,  0},  change_one2et<G>, total_one2et<G>},
-    {{{"AS",           "AS",           "as",           "AS",           "AS",           "AS",           "as",           "as",           "F8.4"}, 2.0f, false, 0, true,  0},  change_as<G>, total_as<G>},
-    {{{"AS2",          "AS2",          "as2",          "AS2",          "AS2",          "AS2",          "as2",          "as2",          "F8.4"}, 1.0f, false, 0, true,  0},  change_as<G>, total_as<G>},
-    {{{"AT",           "AT",           "at",           "AT",           "AT",           "AT",           "at",           "at",           "F8.4"}, 2.0f, false, 0, true,  0},  change_at<G>, total_at<G>},
-    {{{"AT2",          "AT2",          "at2",          "AT2",          "AT2",          "AT2",          "at2",          "at2",          "F8.4"}, 1.0f, false, 0, true,  0},  change_at<G>, total_at<G>},
-    {{{"A2P",          "A2P",          "a2p",          "A2P",          "A2P",          "A2P",          "a2p",          "a2p",          "F8.0"}, 2.0f, false, 0, true,  0},  change_a2p<G>, total_a2p<G>},
-    {{{"AC",           "AC",           "ac",           "AC",           "AC",           "AC",           "ac",           "ac",           "F8.0"}, 2.0f, false, 8, true,  0},  change_ac<G>, total_ac<G>},
-    {{{"AET",          "AET",          "aet",          "AET",          "AET",          "AET",          "aet",          "aet",          "F8.0"}, 2.0f, false, 0, true,  0},  change_aet<G>, total_aet<G>},
-}};
+constexpr auto table = std::to_array<CatalogueRow<GraphEffect, G>>({
+    // id              update          report         column          summary        simulation     gof            sample          spss            format   lambda integral clique carried variant change                  total
+    {E::edge,         {"edge",         "edge",        "edge",         "edge",        "edge",        "edge",        "edge",         "edge",         "F8.0"}, 0.0f,  true,    0,     true,   0,      change_edge<G>,         total_edge<G>},
+    {E::star2,        {"2-star",       "2-star",      "star2",        "2-star",      "2-star",      "2-star",      "star2",        "star2",        "F8.0"}, 0.0f,  true,    0,     true,   2,      change_star<G>,         total_star<G>},
+    {E::star3,        {"3-star",       "3-star",      "star3",        "3-star",      "3-star",      "3-star",      "star3",        "star3",        "F8.0"}, 0.0f,  true,    0,     true,   3,      change_star<G>,         total_star<G>},
+    {E::star4,        {"4-star",       "4-star",      "star4",        "4-star",      "4-star",      "4-star",      "star4",        "star4",        "F8.0"}, 0.0f,  true,    0,     true,   4,      change_star<G>,         total_star<G>},
+    {E::star5,        {"5-star",       "5-star",      "star5",        "5-star",      "5-star",      "5-star",      "star5",        "star5",        "F8.0"}, 0.0f,  true,    0,     true,   5,      change_star<G>,         total_star<G>},
+    {E::triangle,     {"Triangle",     "Triangle",    "tri",          "Triangle",    "Triangle",    "triangles",   "triangle",     "triangle",     "F8.4"}, 0.0f,  true,    0,     true,   0,      change_triangle<G>,     total_triangle<G>},
+    {E::clique4,      {"4-clique",     "4-clique",    "clique4",      "4-clique",    "4-clique",    "4-clique",    "clique4",      "clique4",      "F8.4"}, 0.0f,  true,    4,     true,   4,      change_clique<G>,       total_clique<G>},
+    {E::clique5,      {"5-clique",     "5-clique",    "clique5",      "5-clique",    "5-clique",    "5-clique",    "clique5",      "clique5",      "F8.4"}, 0.0f,  true,    5,     true,   5,      change_clique<G>,       total_clique<G>},
+    {E::clique6,      {"6-clique",     "6-clique",    "clique6",      "6-clique",    "6-clique",    "6-clique",    "clique6",      "clique6",      "F8.4"}, 0.0f,  true,    6,     true,   6,      change_clique<G>,       total_clique<G>},
+    {E::clique7,      {"7-clique",     "7-clique",    "clique7",      "7-clique",    "7-clique",    "7-clique",    "clique7",      "clique7",      "F8.4"}, 0.0f,  true,    7,     true,   7,      change_clique<G>,       total_clique<G>},
+    {E::isolates,     {"Isolates",     "Isolates",    "iso",          "Isolates",    "Isolates",    "Isolates",    "iso",          "iso",          "F8.4"}, 0.0f,  true,    0,     true,   0,      change_isolates<G>,     total_isolates<G>},
+    {E::p0,           {nullptr,        "P0",          "p0",           "P0",          "P0",          "P0",          "p0",           "p0",           "F8.0"}, 0.0f,  true,    0,     true,   0,      change_triangle<G>,     total_triangle<G>},
+    {E::triangle2,    {"Triangle2",    "Triangle2",   "triangle2",    "Triangle2",   "triangle2",   "triangle2",   "triangle2",    "triangle2",    "F8.0"}, 0.0f,  true,    0,     true,   0,      change_triangle2<G>,    total_triangle2<G>},
+    {E::bow_tie,      {"Bow_tie",      "Bow_tie",     "bow_tie",      "Bow_tie",     "Bow_tie",     "Bow_tie",     "bow_tie",      "bow_tie",      "F8.0"}, 0.0f,  true,    0,     true,   0,      change_bow_tie<G>,      total_bow_tie<G>},
+    {E::p3,           {"P3",           "P3",          "p3",           "P3",          "P3",          "P3",          "p3",           "p3",           "F8.0"}, 0.0f,  true,    0,     true,   0,      change_p3<G>,           total_p3<G>},
+    {E::q10,          {"Q10",          "Q10",         "q10",          "Q10",         "Q10",         "Q10",         "q10",          "q10",          "F8.0"}, 0.0f,  true,    0,     true,   10,     change_q<G>,            total_q<G>},
+    {E::q20,          {"Q20",          "Q20",         "q20",          "Q20",         "Q20",         "Q20",         "q20",          "q20",          "F8.0"}, 0.0f,  true,    0,     true,   20,     change_q<G>,            total_q<G>},
+    {E::q30,          {"Q30",          "Q30",         "q30",          "Q30",         "Q30",         "Q30",         "q30",          "q30",          "F8.0"}, 0.0f,  true,    0,     true,   30,     change_q<G>,            total_q<G>},
+    {E::q31,          {"Q31",          "Q31",         "q31",          "Q31",         "Q31",         "Q31",         "q31",          "q31",          "F8.0"}, 0.0f,  true,    0,     true,   31,     change_q<G>,            total_q<G>},
+    {E::path3,        {"3Path",        "3Path",       "path3",        "D3",          "3Path",       "3Path",       "path3",        "path3",        "F8.0"}, 0.0f,  true,    0,     true,   0,      change_path3<G>,        total_path3<G>},
+    {E::cycle4,       {"cycle4",       "4Cycle",      "cycle4",       "cycle4",      "cycle4",      "cycle4",      "cycle4",       "cycle4",       "F8.0"}, 0.0f,  true,    0,     true,   0,      change_cycle4<G>,       total_cycle4<G>},
+    {E::et1,          {"1ET",          "1ET",         "et1",          "1ET",         "1ET",         "1ET",         "et1",          "et1",          "F8.0"}, 0.0f,  true,    0,     true,   0,      change_et1<G>,          total_et1<G>},
+    {E::et2,          {"2ET",          "2ET",         "et2",          "2ET",         "2ET",         "2ET",         "et2",          "et2",          "F8.0"}, 0.0f,  true,    0,     true,   0,      change_et2<G>,          total_et2<G>},
+    {E::et0,          {"0ET",          "0ET",         "et0",          "0ET",         "0ET",         "0ET",         "et0",          "et0",          "F8.0"}, 0.0f,  true,    0,     false,  0,      change_unweighted<G>,   total_et0<G>},
+    {E::etnt,         {"ETNT",         "ETNT",        "etnt",         "ETNT",        "ETNT",        "ETNT",        "etnt",         "etnt",         "F8.0"}, 0.0f,  true,    0,     false,  0,      change_unweighted<G>,   total_etnt<G>},
+    {E::two3star,     {"two3star",     "2_3star",     "two3star",     "2_3star",     "2_3star",     "2_3star",     "two3star",     "two3star",     "F8.0"}, 0.0f,  false,   0,     true,   0,      change_two3star<G>,     total_two3star<G>},
+    {E::one2triangle, {"one2triangle", "1_2triangle", "one2triangle", "1_2Triangle", "1_2triangle", "1_2triangle", "one2triangle", "one2triangle", "F8.0"}, 0.0f,  false,   0,     true,   0,      change_one2triangle<G>, total_one2triangle<G>},
+    {E::one2et,       {"one2et",       "1_2et",       "one2et",       "1_2ET",       "1_2et",       "1_2et",       "one2et",       "one2et",       "F8.0"}, 0.0f,  false,   0,     true,   0,      change_one2et<G>,       total_one2et<G>},
+    {E::as,           {"AS",           "AS",          "as",           "AS",          "AS",          "AS",          "as",           "as",           "F8.4"}, 2.0f,  false,   0,     true,   0,      change_as<G>,           total_as<G>},
+    {E::as2,          {"AS2",          "AS2",         "as2",          "AS2",         "AS2",         "AS2",         "as2",          "as2",          "F8.4"}, 1.0f,  false,   0,     true,   0,      change_as<G>,           total_as<G>},
+    {E::at,           {"AT",           "AT",          "at",           "AT",          "AT",          "AT",          "at",           "at",           "F8.4"}, 2.0f,  false,   0,     true,   0,      change_at<G>,           total_at<G>},
+    {E::at2,          {"AT2",          "AT2",         "at2",          "AT2",         "AT2",         "AT2",         "at2",          "at2",          "F8.4"}, 1.0f,  false,   0,     true,   0,      change_at<G>,           total_at<G>},
+    {E::a2p,          {"A2P",          "A2P",         "a2p",          "A2P",         "A2P",         "A2P",         "a2p",          "a2p",          "F8.0"}, 2.0f,  false,   0,     true,   0,      change_a2p<G>,          total_a2p<G>},
+    {E::ac,           {"AC",           "AC",          "ac",           "AC",          "AC",          "AC",          "ac",           "ac",           "F8.0"}, 2.0f,  false,   8,     true,   0,      change_ac<G>,           total_ac<G>},
+    {E::aet,          {"AET",          "AET",         "aet",          "AET",         "AET",         "AET",         "aet",          "aet",          "F8.0"}, 2.0f,  false,   0,     true,   0,      change_aet<G>,          total_aet<G>},
+});
 // clang-format on
 
-constexpr bool names_unique() {
-    const auto& r = rows<Graph>;
-    for (size_t k = 0; k < r.size(); ++k) {
-        for (size_t m = k + 1; m < r.size(); ++m) {
-            if (same_text(r[k].about.labels.report_name, r[m].about.labels.report_name))
-                return false;
-            if (same_text(r[k].about.labels.sample_column, r[m].about.labels.sample_column))
-                return false;
-            if (r[k].about.labels.update_name != nullptr &&
-                same_text(r[k].about.labels.update_name, r[m].about.labels.update_name)) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-static_assert(names_unique(), "report names, sample columns and run-file names are unique");
+static_assert(ids_in_order(table<Graph>), "row k is GraphEffect k, and every enumerator has a row");
+static_assert(names_unique(table<Graph>) && unique_labels(table<Graph>, &EffectLabels::report_name),
+              "run-file names, columns, sample columns and report names are unique");
 
-// Every row but P0, in catalogue order: the run file follows the catalogue.
-constexpr std::array<int32_t, graph_effect_count - 1> run_file_order = [] {
-    std::array<int32_t, graph_effect_count - 1> order{};
-    int32_t next = 0;
-    for (int32_t k = 0; k < graph_effect_count; ++k) {
-        if (rows<Graph>[static_cast<size_t>(k)].about.labels.update_name != nullptr)
-            order[static_cast<size_t>(next++)] = k;
-    }
-    return order;
-}();
-constexpr std::array<int32_t, graph_effect_count> catalogue_order = [] {
-    std::array<int32_t, graph_effect_count> order{};
-    for (int32_t k = 0; k < graph_effect_count; ++k) order[static_cast<size_t>(k)] = k;
-    return order;
-}();
+// The run file and the parameter vector follow the table (the run file without P0).
+constexpr auto arrays = structural_table<table<Graph>>();
+constexpr CatalogueView view = arrays.view();
 
-constexpr auto descriptions = descriptions_of(rows<Graph>);
-const CatalogueView view{descriptions, run_file_order, catalogue_order};
+template <class G>
+constexpr auto rows = effect_rows(table<G>);
 
 }  // namespace
 

@@ -1,7 +1,13 @@
 #pragma once
 // The catalogue of graph structural effects: one row per effect in the fixed order that the
-// parameter vector, the reports and the change-statistics combiner follow, with every label
-// the engine prints for it, its lambda default and its total and change functions.
+// parameter vector, the reports, the run file and the change-statistics combiner follow, with
+// every label the engine prints for it, its lambda default and its total and change functions.
+//
+// To add an effect: write its change and total functions (graph_counts.h and its neighbours,
+// or graph_alternating.h), then put its enumerator below where it should stand and its row at
+// the same place in the table of graph_catalogue.cpp. The enumerator is the row's name; the
+// compiler rejects a table that does not follow the enum, or labels that clash. Sizes and
+// orders follow from the table.
 
 #include <cstdint>
 
@@ -46,8 +52,8 @@ enum class GraphEffect : int32_t {
     a2p,
     ac,
     aet,
+    count  // not an effect: the number of rows
 };
-inline constexpr int graph_effect_count = 35;
 
 inline const EffectDescription& graph_about(GraphEffect effect) {
     return structural_catalogue(NetworkKind::graph).rows[static_cast<size_t>(effect)];

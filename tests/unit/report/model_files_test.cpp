@@ -21,9 +21,10 @@ using Strings = std::vector<std::string>;
 using testing::read_text;
 
 // A sub-block as the run-file reader leaves it: nothing included, every value 10 * effect +
-// attribute.
+// attribute, and as many effects as the catalogue has unless `short_by` says otherwise.
 AttributeSection& give_section(Model& model, AttributeKind kind, const Strings& names,
-                               size_t effects) {
+                               size_t short_by = 0) {
+    const size_t effects = attribute_catalogue(model.kind, kind).rows.size() - short_by;
     AttributeSection& s = model.section(kind);
     s.given = true;
     s.count = static_cast<int32_t>(names.size());
@@ -52,9 +53,9 @@ TEST(UpdateFiles, GraphModelWritesEveryEffectWithItsValue) {
     Model model = empty_model(NetworkKind::graph);
     model.structural_given = true;
     // activity estimated for age only; wealth keeps its run-file value.
-    give_section(model, AttributeKind::binary, {"wealth", "age"}, 14).value[0][1] = -0.4321;
-    give_section(model, AttributeKind::continuous, {"income"}, 3);
-    give_section(model, AttributeKind::covariate, {"dist"}, 6);
+    give_section(model, AttributeKind::binary, {"wealth", "age"}).value[0][1] = -0.4321;
+    give_section(model, AttributeKind::continuous, {"income"});
+    give_section(model, AttributeKind::covariate, {"dist"});
     testing::WorkingDirectory here(testing::scratch_directory("update_graph"));
     write_update_files(model, "");  // the working directory
     // Attribute effects go attribute by attribute, each with every effect.
@@ -76,7 +77,7 @@ TEST(UpdateFiles, GraphModelWritesEveryEffectWithItsValue) {
     // attributes, leaves their files there, empty.
     model.structural_given = false;
     model.section(AttributeKind::covariate).given = false;
-    give_section(model, AttributeKind::continuous, {}, 3);
+    give_section(model, AttributeKind::continuous, {});
     write_update_files(model, "");
     for (const char* file : {"stupdate.vexa", "contupdate.vexa", "covupdate.vexa"})
         EXPECT_EQ(std::filesystem::file_size(file), 0u) << file;
@@ -84,14 +85,14 @@ TEST(UpdateFiles, GraphModelWritesEveryEffectWithItsValue) {
     // Names never read, or values short of the catalogue, end the run instead of reading past them.
     model.section(AttributeKind::binary).names.pop_back();
     EXPECT_THROW(write_update_files(model, ""), SettingError);
-    give_section(model, AttributeKind::binary, {"wealth"}, 13);
+    give_section(model, AttributeKind::binary, {"wealth"}, 1);
     EXPECT_THROW(write_update_files(model, ""), SettingError);
 }
 
 TEST(UpdateFiles, DigraphContinuousAndCovariateFiles) {
     Model model = empty_model(NetworkKind::digraph);
-    give_section(model, AttributeKind::continuous, {"age", "rank"}, 13);
-    give_section(model, AttributeKind::covariate, {"dist"}, 1);
+    give_section(model, AttributeKind::continuous, {"age", "rank"});
+    give_section(model, AttributeKind::covariate, {"dist"});
     const std::string dir = testing::scratch_directory("update_digraph");
     write_update_files(model, dir);
     testing::WorkingDirectory here(dir);
@@ -138,7 +139,7 @@ TEST(SpssSyntax, FileTruncatesVariablesFollowTheSlotsAndNamesAreNeeded) {
     // An included attribute without a name cannot be labelled.
     Model model = simple;
     model.attributes_given = true;
-    give_section(model, AttributeKind::binary, {"wealth"}, 14).included[0][0] = 1;
+    give_section(model, AttributeKind::binary, {"wealth"}).included[0][0] = 1;
     model.section(AttributeKind::binary).names.clear();
     EXPECT_THROW(syntax_of(model), SettingError);
 }
