@@ -42,6 +42,11 @@ struct Rng {
     int wide() { return next() << 15 | next(); }
     // A uniform number in [0, 1], both ends possible.
     double unit() { return next() / 32767.0; }
+    // A uniform number in [0, 1) of 30 bits, from two draws: the test of a Metropolis-Hastings
+    // move, accepted when below its probability p. A single 15-bit draw would accept every
+    // move with probability at least 1/32768 and misjudge small p by up to 1/(32768 p); with
+    // 30 bits a move is accepted with probability within 2^-30 of p, whatever p is.
+    double acceptance_uniform() { return wide() / 1073741824.0; }
 };
 
 // Draws nodes of an n-node network exactly as Rng::node(n) does, taking the remainder by two

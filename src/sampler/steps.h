@@ -1,9 +1,9 @@
 #pragma once
 // The sampler steps of every store type: one proposal each, accepted or rejected.
 //
-// Random numbers: a node is drawn as draw mod n, a uniform as draw / 32767 (both ends
-// possible). The toggle accepts when u <= p; the graph's edge-preserving move does too, while
-// the digraph's count-preserving moves accept only when u < p.
+// Random numbers: a node is drawn as draw mod n; every move is accepted when a 30-bit uniform
+// u in [0, 1) lies below its acceptance probability p (so with probability p to within 2^-30,
+// and never when p is not a number).
 
 #include <bit>
 #include <cmath>
@@ -80,7 +80,7 @@ int toggle_step(Chain<Store>& chain, const double* parameters) {
         // once a step instead of twice. A hint only; a step that draws otherwise (a capped one,
         // or a next dyad drawn twice) asks for lines nobody reads.
         Rng ahead = rng;
-        ahead.next();
+        ahead.acceptance_uniform();
         const int next_i = draw(ahead);
         prefetch_dyad(store, next_i, draw(ahead));
     } else {
@@ -95,7 +95,7 @@ int toggle_step(Chain<Store>& chain, const double* parameters) {
         if (chain_detail::addition_capped(store, chain.settings, i, j)) return 0;
         const double s =
             change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
-        if (rng.unit() > std::exp(s)) return 0;
+        if (!(rng.acceptance_uniform() < std::exp(s))) return 0;
         chain_detail::add_changes(chain, chain.change_vector, 1.0);
         add_tie(store, i, j);
         update_after_toggle(store, i, j, 1);
@@ -104,7 +104,7 @@ int toggle_step(Chain<Store>& chain, const double* parameters) {
     }
     remove_tie(store, i, j);
     const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 0);
-    if (rng.unit() > std::exp(-s)) {
+    if (!(rng.acceptance_uniform() < std::exp(-s))) {
         add_tie(store, i, j);  // the pair counts never changed
         return 0;
     }
@@ -159,8 +159,7 @@ int swap_step(Chain<Store>& chain, const double* parameters) {
     const double s_add = change_statistics(store, terms, chain.workspace, parameters,
                                            chain.addition_changes.data(), t, w, 1);
     const double p = std::exp(s_add - s_remove);
-    const double u = rng.unit();
-    const bool rejected = Store::kind == NetworkKind::graph ? u > p : !(u < p);
+    const bool rejected = !(rng.acceptance_uniform() < p);
     if (rejected) {
         add_tie(store, r, s);
         update_after_toggle(store, r, s, 1);
@@ -217,7 +216,7 @@ int tie_no_tie_step(Chain<Store>& chain, const double* parameters) {
             change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
         const double forth = (ties > 0.0 ? 0.5 : 1.0) / dyads;
         const double back = 0.5 / (ties + 1.0) + 0.5 / dyads;
-        if (rng.unit() > std::exp(s) * back / forth) return 0;
+        if (!(rng.acceptance_uniform() < std::exp(s) * back / forth)) return 0;
         chain_detail::add_changes(chain, chain.change_vector, 1.0);
         add_tie(store, i, j);
         update_after_toggle(store, i, j, 1);
@@ -229,7 +228,7 @@ int tie_no_tie_step(Chain<Store>& chain, const double* parameters) {
     const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 0);
     const double forth = 0.5 / ties + 0.5 / dyads;
     const double back = (ties > 1.0 ? 0.5 : 1.0) / dyads;
-    if (rng.unit() > std::exp(-s) * back / forth) {
+    if (!(rng.acceptance_uniform() < std::exp(-s) * back / forth)) {
         add_tie(store, i, j);  // the pair counts never changed
         return 0;
     }
@@ -271,7 +270,7 @@ int receiver_move_step(Chain<Store>& chain, const double* parameters) {
     update_after_toggle(store, s, old_receiver, 0);
     const double s2 = change_statistics(store, terms, chain.workspace, parameters,
                                         chain.addition_changes.data(), s, new_receiver, 1);
-    if (!(rng.unit() < std::exp(s2 - s1))) {
+    if (!(rng.acceptance_uniform() < std::exp(s2 - s1))) {
         add_tie(store, s, old_receiver);
         update_after_toggle(store, s, old_receiver, 1);
         return 0;
