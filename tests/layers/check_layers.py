@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Fails when a source folder includes from a layer above it, or when a library links one
-it does not use.
+"""Fails when a source folder includes from a layer above it, when a library links one it
+does not use, or when a source file grows beyond 400 lines (a file that long holds more than
+one thing; split it along its seams).
 
 The layers are the subsystem libraries of the top CMakeLists.txt: vexa_subsystem(name deps...).
 A file under src/<name>/ may include "<other>/..." only when <other> is <name> itself or a
@@ -16,6 +17,7 @@ import sys
 ROOT = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else \
     os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SRC = os.path.join(ROOT, "src")
+LONGEST_FILE = 400
 
 
 def layers():
@@ -53,17 +55,21 @@ def main():
                     continue
                 path = os.path.join(directory, name)
                 with open(path, encoding="utf-8", errors="replace") as handle:
-                    for number, line in enumerate(handle, 1):
-                        match = re.match(r'\s*#\s*include\s+"([\w.]+)/', line)
-                        if not match:
-                            continue
-                        target = match.group(1)
-                        if target not in deps:
-                            continue
-                        used[folder].add(target)
-                        if target not in allowed:
-                            faults.append("%s:%d includes %s/, which vexa_%s does not reach: an upward or sideways include" %
-                                          (os.path.relpath(path, ROOT), number, target, folder))
+                    lines = handle.readlines()
+                if len(lines) > LONGEST_FILE:
+                    faults.append("%s has %d lines, more than %d" %
+                                  (os.path.relpath(path, ROOT), len(lines), LONGEST_FILE))
+                for number, line in enumerate(lines, 1):
+                    match = re.match(r'\s*#\s*include\s+"([\w.]+)/', line)
+                    if not match:
+                        continue
+                    target = match.group(1)
+                    if target not in deps:
+                        continue
+                    used[folder].add(target)
+                    if target not in allowed:
+                        faults.append("%s:%d includes %s/, which vexa_%s does not reach: an upward or sideways include" %
+                                      (os.path.relpath(path, ROOT), number, target, folder))
     for name, direct in deps.items():
         for d in direct:
             if d not in used[name]:
