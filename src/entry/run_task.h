@@ -127,19 +127,28 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
     check_proposals_possible(setup.observed, setup.sampler);
 }
 
+// The console of a sampling task and, when the run writes files, its SPSS syntax (loading
+// `table`) and the per-sample files, written as the samples come.
+template <class Store>
+std::unique_ptr<SampleFiles<Store>> start_sampling(RunContext& context, const Store& network,
+                                                   const std::string& table, Listeners& listeners) {
+    start_console(listeners, context);
+    if (!context.write_files) return nullptr;
+    const RunSettings& s = context.settings;
+    write_spss_file(context.names.sim, context.model, table);
+    auto files =
+        std::make_unique<SampleFiles<Store>>(network, s.outputs, context.names, s.network_name);
+    listeners.parts.push_back(sample_file_observer(*files));
+    return files;
+}
+
 template <class Store>
 void simulate_task(RunContext& context, ChainSetup<Store>& setup,
                    const std::vector<double>& parameters) {
     const RunSettings& s = context.settings;
     Listeners listeners;
-    start_console(listeners, context);
-    std::unique_ptr<SampleFiles<Store>> files;
-    if (context.write_files) {
-        write_spss_file(context.names.sim, context.model, context.names.sample_statistics + ".txt");
-        files = std::make_unique<SampleFiles<Store>>(setup.observed, s.outputs, context.names,
-                                                     s.network_name);
-        listeners.parts.push_back(sample_file_observer(*files));
-    }
+    const auto files = start_sampling(context, setup.observed,
+                                      context.names.sample_statistics + ".txt", listeners);
     SimulationRecord record = simulate(setup, parameters, s.burn_in, gof_plan(s).sampling,
                                        context.rng, context.seeds, listeners.all(context));
     if (files) {
@@ -152,16 +161,8 @@ void simulate_task(RunContext& context, ChainSetup<Store>& setup,
 template <class Store>
 void gof_task(RunContext& context, const ChainSetup<Store>& setup,
               const std::vector<double>& parameters, const GofPlan& plan) {
-    const RunSettings& s = context.settings;
     Listeners listeners;
-    start_console(listeners, context);
-    std::unique_ptr<SampleFiles<Store>> files;
-    if (context.write_files) {
-        write_spss_file(context.names.sim, context.model, context.names.simulation);
-        files = std::make_unique<SampleFiles<Store>>(setup.observed, s.outputs, context.names,
-                                                     s.network_name);
-        listeners.parts.push_back(sample_file_observer(*files));
-    }
+    const auto files = start_sampling(context, setup.observed, context.names.simulation, listeners);
     GofRecord record = goodness_of_fit(setup, parameters, plan, context.rng, context.seeds,
                                        listeners.all(context));
     if (files) {
@@ -182,14 +183,7 @@ void bayesian_gof_task(RunContext& context, const ChainSetup<Store>& setup) {
     const RunSettings& s = context.settings;
     const std::vector<std::vector<double>> sets = parameter_sets_of(context);
     Listeners listeners;
-    start_console(listeners, context);
-    std::unique_ptr<SampleFiles<Store>> files;
-    if (context.write_files) {
-        write_spss_file(context.names.sim, context.model, context.names.simulation);
-        files = std::make_unique<SampleFiles<Store>>(setup.observed, s.outputs, context.names,
-                                                     s.network_name);
-        listeners.parts.push_back(sample_file_observer(*files));
-    }
+    const auto files = start_sampling(context, setup.observed, context.names.simulation, listeners);
     GofRecord record =
         bayesian_goodness_of_fit(setup, sets, s.burn_in, context.model.parameter_count(),
                                  context.rng, context.seeds, listeners.all(context));
