@@ -10,8 +10,9 @@ root="$(cd "$(dirname "$0")/.." && pwd)"
 seconds="${1:-20}"
 build="${2:-$root/build-fuzz}"
 bash "$root/scripts/setup.sh" --fuzz
+source "$root/scripts/ccache-env.sh"
 CC=clang CXX=clang++ cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DVEXA_BUILD_FUZZERS=ON -DVEXA_BUILD_TESTS=OFF -DVEXA_BUILD_BENCH=OFF -DVEXA_BUILD_JNI=OFF \
+    "${ccache_launcher[@]}" -DVEXA_BUILD_FUZZERS=ON -DVEXA_BUILD_TESTS=OFF -DVEXA_BUILD_BENCH=OFF -DVEXA_BUILD_JNI=OFF \
     >/dev/null
 cmake --build "$build" --target fuzz_run_file fuzz_matrix fuzz_attributes
 
