@@ -14,10 +14,11 @@ BUILD_TYPE=RelWithDebInfo bash "$root/scripts/build.sh" "$root/build-sanitize" \
     -DCMAKE_C_FLAGS_RELWITHDEBINFO="$flags" -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="$flags" \
     -DVEXA_SANITIZE=ON -DVEXA_CHECK_BOOKKEEPING=ON -DVEXA_BUILD_JNI=OFF -DVEXA_BUILD_BENCH=OFF \
     -DVEXA_BUILD_SLOW_TESTS=OFF
-# Three statistical checks of long chains take two to six minutes each here (about a second
-# each in the release suite, which still runs them): the tie counts of edge-only models
-# (1.8 million proposals), dyad-independent estimates against their closed forms, and 300
-# Bayesian draws against the dyad distribution (6 million proposals). Their assertions are about
+# Three statistical checks of long chains take 34, 34 and 84 s here on an idle machine, and
+# several times that on a busy one (about a second each in the release suite, which still runs
+# them): the tie counts of edge-only models (1.8 million proposals), dyad-independent estimates
+# against their closed forms, and 300 Bayesian draws against the dyad distribution (6 million
+# proposals); together about a third of this suite's time. Their assertions are about
 # distributions, which the sanitizers do not change; the code they run is run here by the
 # shorter tests and the golden runs.
 long_chains='^(Simulation\.EdgeOnlyModelsDrawBinomialTieCounts'
