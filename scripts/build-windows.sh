@@ -16,8 +16,9 @@ for arg in "$@"; do
     esac
 done
 bash "$root/scripts/setup.sh" --windows
+source "$root/scripts/ccache-env.sh"
 
-cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release "${ccache_launcher[@]}" \
     -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake" -DVEXA_BUILD_BENCH=OFF >/dev/null
 cmake --build "$build" -j "$(nproc)" --target vexa vexa_cli vexa_tests vexa_library_tests
 

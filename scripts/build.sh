@@ -6,7 +6,9 @@ root="$(cd "$(dirname "$0")/.." && pwd)"
 build="${1:-$root/build}"
 shift || true
 bash "$root/scripts/setup.sh"
-cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE="${BUILD_TYPE:-Release}" "$@" >/dev/null
+source "$root/scripts/ccache-env.sh"
+cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE="${BUILD_TYPE:-Release}" \
+    "${ccache_launcher[@]}" "$@" >/dev/null
 if [ -n "${BUILD_TARGETS:-}" ]; then
     read -r -a targets <<<"$BUILD_TARGETS"
     cmake --build "$build" -j "$(nproc)" --target "${targets[@]}"

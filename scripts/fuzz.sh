@@ -10,8 +10,9 @@ root="$(cd "$(dirname "$0")/.." && pwd)"
 seconds="${1:-20}"
 build="${2:-$root/build-fuzz}"
 bash "$root/scripts/setup.sh" --fuzz
+source "$root/scripts/ccache-env.sh"
 CC=clang CXX=clang++ cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DVEXA_BUILD_FUZZERS=ON -DVEXA_BUILD_TESTS=OFF -DVEXA_BUILD_BENCH=OFF -DVEXA_BUILD_JNI=OFF \
+    "${ccache_launcher[@]}" -DVEXA_BUILD_FUZZERS=ON -DVEXA_BUILD_TESTS=OFF -DVEXA_BUILD_BENCH=OFF -DVEXA_BUILD_JNI=OFF \
     >/dev/null
 cmake --build "$build" --target fuzz_run_file fuzz_matrix fuzz_attributes
 
@@ -31,19 +32,37 @@ seeds() {  # the seed inputs of a harness, copied into DIR
         cp "$file" "$dir/$(echo "${file#"$root"/}" | tr '/' '_')"
     done
 }
-for harness in fuzz_run_file fuzz_matrix fuzz_attributes; do
-    work="$scratch/$harness"
-    mkdir -p "$work/corpus"
-    seeds "$harness" "$work/seeds"
-    echo "fuzz: $harness for ${seconds}s from $(ls "$work/seeds" | wc -l) seeds"
+fuzz() {  # one harness for SECONDS in its own scratch directory; fails on a finding
+    local harness="$1" work="$scratch/$1"
     # Standard output (the runs' one-line answers) is closed; libFuzzer reports on standard
     # error. New inputs go to corpus/, findings to the harness's scratch directory.
-    if (cd "$work" && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+    (cd "$work" && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
         "$build/tests/fuzz/$harness" -seed=1 -max_total_time="$seconds" -timeout=20 \
         -rss_limit_mb=4096 -close_fd_mask=1 -print_final_stats=1 -artifact_prefix="$work/" \
-        "$work/corpus" "$work/seeds" 2>"$work/log.txt"); then
+        "$work/corpus" "$work/seeds" 2>"$work/log.txt")
+}
+harnesses=(fuzz_run_file fuzz_matrix fuzz_attributes)
+for harness in "${harnesses[@]}"; do
+    mkdir -p "$scratch/$harness/corpus"
+    seeds "$harness" "$scratch/$harness/seeds"
+    echo "fuzz: $harness for ${seconds}s from $(ls "$scratch/$harness/seeds" | wc -l) seeds"
+done
+# The harnesses run side by side, as many at once as there are cores, so each still has a core
+# of its own for its time.
+for harness in "${harnesses[@]}"; do
+    while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do
+        wait -n || true
+    done
+    { if fuzz "$harness"; then result=ok; else result=fault; fi
+      echo "$result" >"$scratch/$harness/result"; } &
+done
+wait
+for harness in "${harnesses[@]}"; do
+    work="$scratch/$harness"
+    if [ "$(cat "$work/result")" = ok ]; then
         # The closing figures: executions, coverage (edges and features) and the corpus.
-        grep -E '^#[0-9]+[[:space:]]+DONE|^Done [0-9]+ runs' "$work/log.txt" | tail -2
+        echo "fuzz: $harness: $(grep -E '^#[0-9]+[[:space:]]+DONE|^Done [0-9]+ runs' "$work/log.txt" |
+            tail -2 | tr -s ' \t\n' ' ')"
     else
         found=1
         tail -60 "$work/log.txt"

@@ -4,14 +4,15 @@
 # only what the R package needs.
 set -euo pipefail
 
-packages=(cmake g++ ninja-build libgtest-dev libbenchmark-dev default-jdk-headless python3 clang-format clang-tidy)
+packages=(cmake g++ ninja-build ccache libgtest-dev libbenchmark-dev default-jdk-headless python3 clang-format clang-tidy)
 for option in "$@"; do
     case "$option" in
         --windows) packages+=(g++-mingw-w64-x86-64-posix wine64) ;;
         # clang and its libFuzzer runtime, for scripts/fuzz.sh.
         --fuzz) packages+=(clang libclang-rt-dev) ;;
-        # R, Rcpp, testthat and the network package, for the R package.
-        --r) packages=(r-base-core r-base-dev r-cran-rcpp r-cran-testthat r-cran-network) ;;
+        # R, Rcpp, testthat and the network package, for the R package (and ccache for its
+        # compile when scripts/test-r.sh builds it).
+        --r) packages=(r-base-core r-base-dev r-cran-rcpp r-cran-testthat r-cran-network ccache) ;;
         *) echo "setup: unknown option $option" >&2; exit 2 ;;
     esac
 done
@@ -23,6 +24,7 @@ for package in "${packages[@]}"; do
         cmake) command -v cmake >/dev/null 2>&1 && continue ;;
         g++) command -v g++ >/dev/null 2>&1 && continue ;;
         ninja-build) command -v ninja >/dev/null 2>&1 && continue ;;
+        ccache) command -v ccache >/dev/null 2>&1 && continue ;;
         python3) command -v python3 >/dev/null 2>&1 && continue ;;
         clang-format) command -v clang-format >/dev/null 2>&1 && continue ;;
         clang-tidy) command -v clang-tidy >/dev/null 2>&1 && continue ;;

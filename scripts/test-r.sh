@@ -11,6 +11,13 @@ bash "$root/scripts/setup-r.sh"
 rm -rf "$work"
 mkdir -p "$work"
 cd "$work"
+# R compiles the package with its own compilers and flags; through ccache too, named in a
+# Makevars file of this run's own (a user's ~/.R/Makevars is left alone).
+source "$root/scripts/ccache-env.sh"
+for variable in CC CXX CXX20; do
+    echo "$variable = ccache $(R CMD config "$variable")"
+done >Makevars
+export R_MAKEVARS_USER="$work/Makevars"
 R CMD build --no-manual "$root/r" >build.log 2>&1 || { cat build.log; exit 1; }
 tarball=$(ls vexa_*.tar.gz)
 export MAKEFLAGS="-j$(nproc)"

@@ -1,7 +1,19 @@
 #!/usr/bin/env bash
-# Sets up, builds and runs the whole test suite, the statistical checks labelled slow included.
+# Sets up, builds and runs the whole test suite: everything but the statistical checks labelled
+# slow, then those (scripts/test-slow.sh, on the same build). With --no-slow it stops before
+# them: CI runs them as a step of its own, so that each part's time shows.
+# Usage: scripts/test.sh [--no-slow]
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
+slow=1
+for arg in "$@"; do
+    case "$arg" in
+        --no-slow) slow=0 ;;
+        *) echo "usage: scripts/test.sh [--no-slow]" >&2; exit 2 ;;
+    esac
+done
 bash "$root/scripts/build.sh" "$root/build"
-cd "$root/build"
-ctest --output-on-failure -j "$(nproc)"
+(cd "$root/build" && ctest --output-on-failure -j "$(nproc)" -LE slow)
+if [ "$slow" = 1 ]; then
+    bash "$root/scripts/test-slow.sh"
+fi
