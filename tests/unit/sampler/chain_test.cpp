@@ -55,8 +55,8 @@ const char* row_name(NetworkKind kind, int row) {
 }
 
 TEST(Sampler, AcceptanceRuleAtItsEdges) {
-    // An addition whose probability equals the uniform draw exactly is accepted; a hair less is
-    // not.
+    // An addition is accepted when the 30-bit uniform lies below its probability: one whose
+    // probability equals the draw exactly is refused, a hair more is accepted.
     const std::vector<Term<Graph>> terms =
         make_terms<Graph>(testing::model_of(NetworkKind::graph, {int(GraphEffect::edge)}));
     Rng probe;  // replays the step's draws: the dyad, then the uniform number
@@ -64,15 +64,15 @@ TEST(Sampler, AcceptanceRuleAtItsEdges) {
     const int first = probe.node(10);
     while (probe.node(10) == first) {
     }
-    const double u = probe.unit();
+    const double u = probe.acceptance_uniform();
     double theta = std::log(u);
     while (std::exp(theta) < u) theta = std::nextafter(theta, 1.0);
     while (std::exp(theta) > u) theta = std::nextafter(theta, -1.0);
     ASSERT_EQ(std::exp(theta), u) << "no parameter reproduces the draw exactly";
-    double below = theta;
-    while (std::exp(below) >= u) below = std::nextafter(below, -1.0);
+    double above = theta;
+    while (std::exp(above) <= u) above = std::nextafter(above, 1.0);
     Rng rng;
-    for (const auto& [parameter, accepted] : {std::pair{theta, 1}, std::pair{below, 0}}) {
+    for (const auto& [parameter, accepted] : {std::pair{theta, 0}, std::pair{above, 1}}) {
         Graph g = create_graph(10);
         Chain<Graph> chain = make_chain(g, terms, 1, SamplerSettings{}, rng);
         rng.seed(99);
