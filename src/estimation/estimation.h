@@ -140,9 +140,13 @@ struct RunState {
     std::vector<double> phase2_start;
     std::vector<double> parameter_sum, previous, crossing;
 
-    RunState(Chain<Store>& chain_, std::vector<double>& theta_, Matrix& D_,
-             const EstimationSettings& settings_, const Observer& observer_)
-        : chain(chain_), theta(theta_), D(D_), settings(settings_), observer(observer_) {}
+    RunState(Chain<Store>& run_chain, std::vector<double>& parameters, Matrix& scaling,
+             const EstimationSettings& run_settings, const Observer& watcher)
+        : chain(run_chain),
+          theta(parameters),
+          D(scaling),
+          settings(run_settings),
+          observer(watcher) {}
 
     // Stops the run as degenerate; returns false, to be passed on.
     bool stop(Degeneracy why) {

@@ -93,9 +93,9 @@ void write_digraph_rows(SampleFiles<D>& f, const D& digraph, DigraphScratch* mea
 }  // namespace
 
 template <class Store>
-SampleFiles<Store>::SampleFiles(const Store& network, const SampleOutputs& outputs_,
-                                const OutputNames& names_, const std::string& network_name_)
-    : outputs(outputs_), names(names_), network_name(network_name_) {
+SampleFiles<Store>::SampleFiles(const Store& network, const SampleOutputs& chosen,
+                                const OutputNames& file_names, const std::string& name)
+    : outputs(chosen), names(file_names), network_name(name) {
     if constexpr (Store::kind == NetworkKind::graph) {
         open_graph_files(*this, network);
     } else {

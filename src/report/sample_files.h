@@ -18,8 +18,8 @@ template <class Store>
 struct SampleFiles {
     // Opens the files the outputs turn on, each with its header for networks the size of
     // `network`.
-    SampleFiles(const Store& network, const SampleOutputs& outputs, const OutputNames& names,
-                const std::string& network_name);
+    SampleFiles(const Store& network, const SampleOutputs& chosen, const OutputNames& file_names,
+                const std::string& name);
 
     // The rows of one sample. `measured` is the scratch whose geodesic pass has just measured
     // this network, or null.
