@@ -146,13 +146,8 @@ TaskResult run_request(const TaskRequest& request) noexcept {
         context.settings = request.settings;
         RunSettings& s = context.settings;
         if (s.run_file.empty()) s.run_file = "the request";
-        if (request.options.sampler_code >= 0)
-            s.proposal = proposal_of(request.options.sampler_code, s.network_kind);
+        take_options(context, request.options);
         context.console = console.get();
-        context.confirm = request.options.confirm;
-        context.store = request.options.store;
-        context.seeds.fixed = request.options.fixed_seed;
-        context.seeds.base = request.options.seed;
         check_request(request, s);
         context.model = request_model(request);
         context.names = form_output_names(s.output_directory, s.network_name);

@@ -30,4 +30,16 @@ bool network_kind_of(int32_t code, NetworkKind& kind) {
     }
 }
 
+void take_options(RunContext& context, const RunOptions& options) {
+    context.confirm = options.confirm;
+    context.automatic = options.automatic;
+    context.store = options.store;
+    context.seeds.fixed = options.fixed_seed;
+    context.seeds.base = options.seed;
+    context.sampler_named = options.sampler_code >= 0;
+    if (context.sampler_named)
+        context.settings.proposal =
+            proposal_of(options.sampler_code, context.settings.network_kind);
+}
+
 }  // namespace vexa

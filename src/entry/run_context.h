@@ -87,6 +87,9 @@ struct RunOptions {
     bool fixed_seed = false;  // every seeding of the run derives from `seed` (else from the clock)
     uint32_t seed = 0;
     bool confirm = false;  // after a converged estimation, check the estimate with a long chain
+    // The automatic mode: starting values, proposal, steps between draws and phase-3 length
+    // chosen for the network (see estimation/automatic.h).
+    bool automatic = false;
     // A sampler code (as a run file gives it) that overrides the run file's; -1: none.
     int32_t sampler_code = -1;
     StoreChoice store = StoreChoice::automatic;
@@ -101,15 +104,20 @@ struct TaskRecords {
     std::optional<GofRecord> gof;  // a goodness of fit, alone or after an estimation
 };
 
+// How a run that ran to its end came out: an estimation may end without a converged run.
+enum class RunOutcome : int32_t { complete, not_converged };
+
 struct RunContext {
     RunSettings settings;
     Model model;
     OutputNames names;
     Rng rng;
     SeedSource seeds;
-    FILE* console = stdout;  // the run's messages
-    BarTerminal bars;        // where progress bars go (standard error when it is a terminal)
-    bool confirm = false;    // check a converged estimate with a long chain
+    FILE* console = stdout;      // the run's messages
+    BarTerminal bars;            // where progress bars go (standard error when it is a terminal)
+    bool confirm = false;        // check a converged estimate with a long chain
+    bool automatic = false;      // the automatic mode
+    bool sampler_named = false;  // the options named the proposal: the automatic mode keeps it
     StoreChoice store = StoreChoice::automatic;
     // A host's in-memory network, n x n row by row, in place of the network file; null: the
     // file.
@@ -119,6 +127,11 @@ struct RunContext {
     bool write_files = true;             // write the reports (a host may not want them)
     // Where the update files go: "" the working directory, as a front end expects.
     std::string update_directory;
+    RunOutcome outcome = RunOutcome::complete;  // set by the task
 };
+
+// Takes the options that shape a run (seed, confirmation, automatic mode, proposal, store) into
+// a context whose settings the run file or request already gave.
+void take_options(RunContext& context, const RunOptions& options);
 
 }  // namespace vexa

@@ -11,21 +11,15 @@
 
 namespace vexa {
 
-void run_driver(const std::string& run_file, const RunOptions& options) {
+RunOutcome run_driver(const std::string& run_file, const RunOptions& options) {
     RunContext context;
     context.console = options.console != nullptr ? options.console : stdout;
     context.bars = bar_terminal_for(context.console);
     context.observer = options.observer;
-    context.confirm = options.confirm;
-    context.store = options.store;
-    context.seeds.fixed = options.fixed_seed;
-    context.seeds.base = options.seed;
     RunFile file = read_run_file(run_file, context.console);
     context.settings = std::move(file.settings);
     context.settings.run_file = run_file;
-    if (options.sampler_code >= 0)
-        context.settings.proposal =
-            proposal_of(options.sampler_code, context.settings.network_kind);
+    take_options(context, options);
     context.model = std::move(file.model);
     context.names = std::move(file.names);
     if (context.settings.network_kind == NetworkKind::digraph) {
@@ -33,6 +27,7 @@ void run_driver(const std::string& run_file, const RunOptions& options) {
     } else {
         run_graph_task(context);
     }
+    return context.outcome;
 }
 
 int run_entry(const char* run_file, const RunOptions& options) noexcept {
@@ -42,7 +37,10 @@ int run_entry(const char* run_file, const RunOptions& options) noexcept {
         std::fflush(console);
         return 1;
     }
-    return run_guarded(console, [&] { run_driver(run_file, options); });
+    RunOutcome outcome = RunOutcome::complete;
+    const int status = run_guarded(console, [&] { outcome = run_driver(run_file, options); });
+    if (status != 0) return run_status_failed;
+    return outcome == RunOutcome::not_converged ? run_status_not_converged : run_status_complete;
 }
 
 }  // namespace vexa

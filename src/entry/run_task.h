@@ -18,6 +18,7 @@
 #include "entry/embedding.h"
 #include "entry/memory_plan.h"
 #include "entry/run_context.h"
+#include "estimation/pseudo_likelihood.h"
 #include "model/parameter_vector.h"
 #include "model/terms.h"
 #include "network/sparse_digraph.h"
@@ -94,6 +95,15 @@ void check_degree_cap(const RunSettings& s, const Store& observed) {
     if (capped(top) > s.degree_cap) refuse_cap_below(s, Store::kind, top, capped(top));
 }
 
+// The automatic mode's proposal: the tie/no-tie proposal in place of the toggle on a sparse
+// network, where a toggle of a uniform dyad nearly always proposes a tie the model rejects.
+// Proposals that keep a count fixed define another model and stay.
+inline constexpr double auto_tie_no_tie_density = 0.2;
+inline Proposal automatic_proposal(Proposal asked, double density) {
+    return asked == Proposal::toggle && density < auto_tie_no_tie_density ? Proposal::tie_no_tie
+                                                                          : asked;
+}
+
 // The network, the terms and the sampler's settings, and the start statistics written.
 template <class Store>
 void prepare(RunContext& context, ChainSetup<Store>& setup) {
@@ -122,6 +132,8 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
         say_notes(context, constraint_notes, "constraint", s.constraint_file);
     }
     setup.sampler.proposal = s.proposal;
+    if (context.automatic && !context.sampler_named)
+        setup.sampler.proposal = automatic_proposal(s.proposal, density(setup.observed));
     setup.sampler.max_degree = s.degree_cap;
     setup.sampler.mask = setup.mask.get();
     check_proposals_possible(setup.observed, setup.sampler);
@@ -195,20 +207,51 @@ void bayesian_gof_task(RunContext& context, const ChainSetup<Store>& setup) {
     if (context.records != nullptr) context.records->gof = std::move(record);
 }
 
-// An edge effect of a graph started at exactly 0 starts at the observed log-odds of a tie.
+// The density effect (a graph's edge, a digraph's arc) started at exactly 0 starts at the
+// observed log-odds of a tie. At 0 a digraph's chain would first run to networks of density
+// one half, far from any observed network, and phase 1 would measure the covariance there.
 template <class Store>
 void adjust_start(const Model& model, const Store& observed, std::vector<double>& parameters) {
-    if constexpr (Store::kind == NetworkKind::graph) {
-        const EffectSetting& edge = model.structural[static_cast<size_t>(GraphEffect::edge)];
-        if (edge.slot != -1 && edge.value == 0.0) {
-            const double d = density(observed);
-            const double log_odds = std::log(d / (1.0 - d));
-            if (std::isfinite(log_odds)) parameters[static_cast<size_t>(edge.slot)] = log_odds;
-        }
+    const size_t row = Store::kind == NetworkKind::graph ? static_cast<size_t>(GraphEffect::edge)
+                                                         : static_cast<size_t>(DigraphEffect::arc);
+    const EffectSetting& density_effect = model.structural[row];
+    if (density_effect.slot != -1 && density_effect.value == 0.0) {
+        const double d = density(observed);
+        const double log_odds = std::log(d / (1.0 - d));
+        if (std::isfinite(log_odds))
+            parameters[static_cast<size_t>(density_effect.slot)] = log_odds;
     }
 }
 
 EstimationSettings estimation_settings(const RunSettings& s);
+
+// A pseudo-likelihood estimate this far from 0 comes from nearly collinear statistics rather
+// than from the data: no place to start a chain.
+inline constexpr double plausible_start_limit = 30.0;
+
+// The automatic mode starts from the maximum pseudo-likelihood estimate when it is finite and
+// plausible, else from the run file's values; the console says which.
+template <class Store>
+void start_from_pseudo_likelihood(RunContext& context, ChainSetup<Store>& setup,
+                                  std::vector<double>& parameters, Console& console) {
+    Rng rng;
+    context.seeds.reseed(rng);
+    const auto count = static_cast<int32_t>(parameters.size());
+    const PseudoLikelihood fit =
+        pseudo_likelihood(setup.observed, setup.terms, count, setup.mask.get(), rng);
+    bool plausible = fit.finite;
+    for (const double value : fit.estimates)
+        plausible = plausible && std::fabs(value) <= plausible_start_limit;
+    if (!plausible) {
+        console.text.say(
+            "vexa: the pseudo-likelihood has no usable maximum; starting from the run file's "
+            "values\n");
+        return;
+    }
+    parameters = fit.estimates;
+    console.text.say("vexa: starting from the pseudo-likelihood estimate (%lld dyads%s)\n",
+                     static_cast<long long>(fit.dyads_used), fit.sampled ? ", sampled" : "");
+}
 
 // The files an estimation leaves at its end: the end statistics, the change statistics and
 // log-odds of a converged estimate, and the update files.
@@ -239,9 +282,12 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
             s.run_file.c_str()));
     }
     adjust_start(context.model, setup.observed, parameters);
-    const EstimationSettings settings = estimation_settings(s);
+    EstimationSettings settings = estimation_settings(s);
+    settings.automatic = context.automatic;
     Listeners listeners;
     start_console(listeners, context);
+    if (context.automatic)
+        start_from_pseudo_likelihood(context, setup, parameters, listeners.console);
     if (context.write_files) {
         write_estimation_start(context.names, s.network_name, settings, s.estimation_runs);
         listeners.parts.push_back(
@@ -251,7 +297,13 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
         estimate_model(setup, parameters, settings, s.estimation_runs, context.confirm, context.rng,
                        context.seeds, listeners.all(context));
     unpack(context.model, record.estimates);
-    if (context.write_files) write_estimation_end(context, setup, record);
+    const std::string reported = reported_run_text(record);
+    if (!reported.empty()) listeners.console.text.say("vexa: %s\n", reported.c_str());
+    if (context.write_files) {
+        write_reported_run(context.names, record);
+        write_estimation_end(context, setup, record);
+    }
+    if (!record.converged) context.outcome = RunOutcome::not_converged;
     const bool gof_after = s.gof_after_estimation && record.converged;
     const double steps_per_draw = record.runs.empty() ? 0.0 : record.runs.back().steps_per_draw;
     if (context.records != nullptr) context.records->estimation = std::move(record);

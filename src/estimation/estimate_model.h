@@ -22,15 +22,22 @@ struct EstimationRecord {
     std::vector<EstimationRun> runs;
     std::vector<ConvergenceCheck> checks;  // the verdict on each run
     bool converged = false;                // the last run converged
-    // The parameters the runs ended with: the estimates of the last run, or the starting values
-    // again when it was degenerate.
+    // The estimates reported: those of the converged run; when no run converged, those of the
+    // run whose largest t-ratio was smallest; the starting values when every run was
+    // degenerate.
     std::vector<double> estimates;
+    int32_t reported_run = 0;  // the run (from 1) whose estimates are reported; 0: none
     std::optional<Confirmation> confirmation;  // the long-chain check, when it ran
     std::vector<double> end_statistics;        // of the last run's final network
 };
 
 // The verdict on a run: its t-ratios and effective sample sizes decide, not the quoted flag.
 ConvergenceCheck verdict_on(const EstimationRun& run, int32_t multiplication_factor);
+
+// The run whose estimates an estimation reports (from 1): the converged one, else the
+// non-degenerate run whose largest t-ratio was smallest (the last of equals); 0 when every run
+// was degenerate.
+int32_t reported_run(const EstimationRecord& record);
 
 // Estimates from `start` (the parameters of the run file's included effects, by slot) on
 // chains from `setup.observed`.
@@ -46,12 +53,13 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
     Store working = setup.observed;
     Chain<Store> chain = setup.chain_on(working, p, rng);
     Matrix D = make_matrix(p, p, 0.0);
+    AutoCarry carry;
     for (int32_t run = 1; run <= runs && !record.converged; ++run) {
         // A run after the first starts from a clean D, even after a degenerate run left it
         // partly reduced.
         if (run > 1) D = make_matrix(p, p, 0.0);
         observer.tell(RunStarted{run, runs});
-        EstimationRun result = estimate(chain, parameters, D, settings, seeds, observer);
+        EstimationRun result = estimate(chain, parameters, D, settings, seeds, observer, carry);
         const ConvergenceCheck check = verdict_on(result, settings.multiplication_factor);
         record.converged = check.verdict == Verdict::converged;
         if (run == runs || record.converged)
@@ -60,11 +68,16 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
         recount(chain);
         // A runaway parameter is no place to start the next run from.
         if (result.degenerate) parameters = start;
+        carry = carry_after(result);
         record.runs.push_back(std::move(result));
         record.checks.push_back(check);
         observer.tell(RunEnded{run, record.runs.back(), record.checks.back()});
     }
     if (record.runs.empty()) record.end_statistics = statistics_of(working, setup.terms, p);
+    record.reported_run = reported_run(record);
+    if (record.reported_run > 0) {
+        parameters = record.runs[static_cast<size_t>(record.reported_run - 1)].estimates;
+    }
     if (record.converged && confirm) {
         Store fresh = setup.observed;
         Chain<Store> fresh_chain = setup.chain_on(fresh, p, rng);

@@ -1,8 +1,17 @@
 #include "estimation/estimation.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "estimation/estimate_model.h"
 
 namespace vexa::estimation_detail {
+
+void append_rows(Matrix& draws, const Matrix& more) {
+    if (more.rows == 0) return;
+    draws.data.insert(draws.data.end(), more.data.begin(), more.data.end());
+    draws.rows += more.rows;
+}
 
 void accumulate_covariance(Matrix& D, Matrix& draws, const std::vector<double>& mean,
                            std::vector<double>& variance) {
@@ -51,6 +60,59 @@ ConvergenceCheck verdict_on(const EstimationRun& run, int32_t multiplication_fac
         return check;
     }
     return check_convergence(run.phase3_draws_matrix, run.observed, multiplication_factor);
+}
+
+double slowest_autocorrelation(const Matrix& draws) {
+    double slowest = 1.0;
+    for (int k = 0; k < draws.cols; ++k) {
+        const double tau = autocorrelation_time(draws, k);
+        if (std::isfinite(tau)) slowest = std::max(slowest, tau);
+    }
+    return slowest;
+}
+
+double smallest_effective_size(const Matrix& draws) {
+    double smallest = static_cast<double>(draws.rows);
+    for (int k = 0; k < draws.cols; ++k) {
+        // A constant column has no autocorrelation to thin out; the phase-3 checks refuse it.
+        if (std::isfinite(autocorrelation_time(draws, k)))
+            smallest = std::min(smallest, effective_sample_size(draws, k));
+    }
+    return smallest;
+}
+
+bool estimation_detail::clearly_not_converged(const Matrix& draws,
+                                              const std::vector<double>& observed) {
+    const ConvergenceCheck check = check_convergence(draws, observed, 1);
+    for (size_t k = 0; k < check.t_ratios.size(); ++k) {
+        const double spread = 1.0 / std::sqrt(std::max(check.effective_sizes[k], 1.0));
+        if (std::fabs(check.t_ratios[k]) > t_ratio_limit + 3.0 * spread) return true;
+    }
+    return false;
+}
+
+AutoCarry carry_after(const EstimationRun& run) {
+    AutoCarry carry;
+    if (!run.automatic || run.degenerate) return carry;
+    // The next run's phase 1 measures the mixing again at its start, the estimate of this
+    // run; it starts from the steps per draw this one found, and from its phase-3 length when
+    // that reached the effective draws wanted.
+    carry.steps_per_draw = run.steps_per_draw;
+    if (run.phase3_effective_draws >= auto_effective_draws) carry.phase3_draws = run.phase3_draws;
+    return carry;
+}
+
+int32_t reported_run(const EstimationRecord& record) {
+    int32_t best = 0;
+    for (size_t k = 0; k < record.runs.size(); ++k) {
+        const ConvergenceCheck& check = record.checks[k];
+        if (record.runs[k].degenerate) continue;
+        if (check.verdict == Verdict::converged) return static_cast<int32_t>(k) + 1;
+        if (best == 0 ||
+            !(check.largest_t > record.checks[static_cast<size_t>(best - 1)].largest_t))
+            best = static_cast<int32_t>(k) + 1;
+    }
+    return best;
 }
 
 }  // namespace vexa

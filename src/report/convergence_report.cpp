@@ -4,6 +4,7 @@
 
 #include "base/errors.h"
 #include "base/text_file.h"
+#include "estimation/automatic.h"
 
 namespace vexa {
 
@@ -16,45 +17,56 @@ std::string name_at(const std::vector<ParameterLabel>& labels, int32_t position)
     return format_message("parameter %d", position + 1);
 }
 
+// What to do about an effect that drove a model to degeneracy: a Markov effect is better
+// replaced by its alternating form; an alternating effect already is one, and wants a gentler
+// start (a smaller gain) or a heavier damping of its higher counts. Its weights fall as
+// powers of 1 / lambda, so a larger lambda brings it nearer the Markov count it damps (a
+// triangle count as lambda grows); a lambda nearer 1 damps more.
+std::string remedy_for(const std::vector<ParameterLabel>& labels, int32_t position) {
+    for (const ParameterLabel& label : labels) {
+        if (label.position == position && label.alternating) {
+            return format_message(
+                "%s is already an alternating effect: try a smaller start_a_value (gain), or a "
+                "lambda nearer 1 than %.2f, which damps its higher counts more",
+                labelled(label).c_str(), static_cast<double>(label.lambda));
+        }
+    }
+    return "drop or change that effect (its geometrically weighted form, an alternating star, "
+           "triangle or two-path, keeps such models in check)";
+}
+
 }  // namespace
 
 std::string degeneracy_advice(const EstimationRun& run, const std::vector<ParameterLabel>& labels) {
+    const std::string name = name_at(labels, run.culprit);
     switch (run.degeneracy) {
         case Degeneracy::singular:
             return "the statistics do not vary together under the starting parameters (their "
-                   "covariance "
-                   "matrix is singular): check that every effect can change on this network, or "
-                   "drop one";
+                   "covariance matrix is singular): check that every effect can change on this "
+                   "network, or drop one";
         case Degeneracy::runaway:
             return format_message(
-                "the parameter of %s ran away from %g to %g, more than %.0f standard errors; drop "
-                "or "
-                "change that effect (its geometrically weighted form, an alternating star, "
-                "triangle or "
-                "two-path, keeps such models in check); the next run starts again from the "
-                "starting values",
-                name_at(labels, run.culprit).c_str(), run.culprit_from, run.culprit_to,
-                runaway_limit);
+                "the parameter of %s ran away from %g to %g, more than %.0f standard errors; "
+                "%s; the next run starts again from the starting values",
+                name.c_str(), run.culprit_from, run.culprit_to, runaway_limit,
+                remedy_for(labels, run.culprit).c_str());
         case Degeneracy::extreme_network:
             return "the chain reached the empty or the complete network, far from the observed "
-                   "one: the "
-                   "model puts its weight on extreme networks; drop or change the effects that "
-                   "drive it "
-                   "(their alternating forms keep such models in check)";
+                   "one: the model puts its weight on extreme networks; drop or change the "
+                   "effects that drive it (the alternating forms of Markov effects keep such "
+                   "models in check)";
         case Degeneracy::fixed_statistic:
             return format_message(
                 "the statistic of %s stayed at %g in every phase-3 draw (observed %g): its "
-                "parameter "
-                "has pushed it to a bound; drop or change that effect",
-                name_at(labels, run.culprit).c_str(), run.culprit_to, run.culprit_from);
+                "parameter has pushed it to a bound; drop or change that effect",
+                name.c_str(), run.culprit_to, run.culprit_from);
         case Degeneracy::far_statistic:
             return format_message(
-                "the phase-3 draws of %s stayed far from its observed value (mean %g, observed %g, "
-                "more than %.0f standard deviations away): the model cannot reproduce the observed "
-                "network; drop or change the effects that drive it (their alternating forms keep "
-                "such "
-                "models in check)",
-                name_at(labels, run.culprit).c_str(), run.culprit_to, run.culprit_from, far_limit);
+                "the phase-3 draws of %s stayed far from its observed value (mean %g, observed "
+                "%g, more than %.0f standard deviations away): the model cannot reproduce the "
+                "observed network; %s",
+                name.c_str(), run.culprit_to, run.culprit_from, far_limit,
+                remedy_for(labels, run.culprit).c_str());
         case Degeneracy::none: break;
     }
     return "";
@@ -87,7 +99,8 @@ std::string convergence_summary(const ConvergenceCheck& check,
 }
 
 void write_convergence_block(FILE* out, const char* heading, const ConvergenceCheck& check,
-                             const std::vector<ParameterLabel>& labels) {
+                             const std::vector<ParameterLabel>& labels,
+                             const std::string& details) {
     print(out, "%s\n", heading);
     print(out, "effects\tt-ratio\teffective sample size\n");
     for (const ParameterLabel& label : labels) {
@@ -98,6 +111,7 @@ void write_convergence_block(FILE* out, const char* heading, const ConvergenceCh
     }
     print(out, "largest t-ratio\t%.5f\n", check.largest_t);
     print(out, "overall maximum convergence ratio\t%.5f\n", check.overall_ratio);
+    print(out, "%s", details.c_str());
     if (check.suggested_factor > 0) {
         print(out,
               "warning\tfewer than %.0f effective draws: the t-ratios are too noisy to judge "
@@ -106,6 +120,19 @@ void write_convergence_block(FILE* out, const char* heading, const ConvergenceCh
               enough_effective_draws, check.suggested_factor);
     }
     print(out, "verdict\t%s\n\n", verdict_text(check.verdict));
+}
+
+std::string automatic_choices(const EstimationRun& run) {
+    if (!run.automatic) return "";
+    return format_message(
+        "steps per draw\t%.0f in phases 1 and 2, %.0f in phase 3 (the multiplication factor "
+        "gives %.0f; the slowest statistic's autocorrelation time was %.2f draws in phase 1 and "
+        "%.2f in the last sub-phase)\n"
+        "phase-3 draws\t%d (at most %d; the smallest effective sample size %.0f of %d wanted)\n",
+        std::ceil(run.phase1_steps_per_draw), std::ceil(run.steps_per_draw),
+        std::ceil(run.factor_steps_per_draw), run.phase1_autocorrelation,
+        run.phase2_autocorrelation, run.phase3_draws, run.phase3_cap, run.phase3_effective_draws,
+        auto_effective_draws);
 }
 
 }  // namespace vexa

@@ -26,8 +26,15 @@ std::string convergence_summary(const ConvergenceCheck& check,
 std::string confirmation_summary(bool confirmed, const ConvergenceCheck& check,
                                  const std::vector<ParameterLabel>& labels);
 
-// A run's block of the convergence file: "Run %d", the table, the figures and the verdict.
+// A run's block of the convergence file: "Run %d", the table, the figures, `details` (lines
+// of its own) and the verdict.
 void write_convergence_block(FILE* out, const char* heading, const ConvergenceCheck& check,
-                             const std::vector<ParameterLabel>& labels);
+                             const std::vector<ParameterLabel>& labels,
+                             const std::string& details = "");
+
+// The automatic mode's choices for a run, as lines of the convergence file ("" for a run of
+// the plain mode): the steps per draw and why, the phase-3 draws, their cap and what they
+// reached.
+std::string automatic_choices(const EstimationRun& run);
 
 }  // namespace vexa

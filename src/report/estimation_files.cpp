@@ -1,5 +1,6 @@
 #include "report/estimation_files.h"
 
+#include "base/errors.h"
 #include "base/text_file.h"
 #include "report/convergence_report.h"
 #include "report/estimation_report.h"
@@ -20,7 +21,7 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
                                 const ConvergenceCheck& check) {
     OutFile report(names.estimation, OpenMode::append);
     print(report, "STOCHASTIC APPROXIMATION RUN %d\n\n", run);
-    write_estimation_run(report, record, labels);
+    write_estimation_run(report, record, labels, check.verdict == Verdict::converged);
     print(report, "\n\n");
     report.close();
     if (!record.degenerate) {
@@ -33,8 +34,26 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
         print(verdicts, "Run %d\nverdict\tdegenerate\nreason\t%s\n\n", run,
               degeneracy_advice(record, labels).c_str());
     } else {
-        write_convergence_block(verdicts, format_message("Run %d", run).c_str(), check, labels);
+        write_convergence_block(verdicts, format_message("Run %d", run).c_str(), check, labels,
+                                automatic_choices(record));
     }
+    verdicts.close();
+}
+
+std::string reported_run_text(const EstimationRecord& record) {
+    if (record.converged || record.reported_run == 0) return "";
+    const size_t k = static_cast<size_t>(record.reported_run - 1);
+    return format_message(
+        "no run converged: the estimates reported are those of run %d, whose largest t-ratio "
+        "(%.3f) was the smallest",
+        record.reported_run, record.checks[k].largest_t);
+}
+
+void write_reported_run(const OutputNames& names, const EstimationRecord& record) {
+    const std::string text = reported_run_text(record);
+    if (text.empty()) return;
+    OutFile verdicts(names.convergence, OpenMode::append);
+    print(verdicts, "reported\t%s\n", text.c_str());
     verdicts.close();
 }
 

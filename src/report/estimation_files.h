@@ -24,6 +24,11 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
                                 const ConvergenceCheck& check);
 
 // The long-chain check's block of the convergence file.
+// When no run converged, the convergence file's last line names the run whose estimates are
+// reported and why. The same sentence is what the console says.
+std::string reported_run_text(const EstimationRecord& record);
+void write_reported_run(const OutputNames& names, const EstimationRecord& record);
+
 void write_confirmation_block(const OutputNames& names, const std::vector<ParameterLabel>& labels,
                               const Confirmation& confirmation);
 

@@ -30,14 +30,14 @@ void write_estimation_settings(FILE* out, const std::string& network_name,
 }
 
 void write_estimation_run(FILE* out, const EstimationRun& run,
-                          const std::vector<ParameterLabel>& labels) {
+                          const std::vector<ParameterLabel>& labels, bool converged) {
     print_values(out, "original statistics:", run.observed);
     print_values(out, "starting parameters:", run.starting);
     print(out,
           "Phase1 started with the following setup:\n"
           "a = %f\nnum of steps = %d\nnum of iterations in each step = %f\n"
           "************************************\n",
-          static_cast<double>(run.gain), run.phase1_draws, run.steps_per_draw);
+          static_cast<double>(run.gain), run.phase1_draws, run.phase1_steps_per_draw);
     print_values(out, "mean statistics in phase1:", run.phase1_means);
     // A degenerate run ends its report where it stopped.
     if (run.degenerate && run.stage == 1) {
@@ -70,7 +70,8 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
         print(out, "Degenerate Model!\n");
         return;
     }
-    write_estimation_summary(out, labels, run.estimates, run.standard_errors, run.t_ratios);
+    write_estimation_summary(out, labels, run.estimates, run.standard_errors, run.t_ratios,
+                             converged);
     print(out, "\nEstimated Covariance Matrix\n");
     write_covariance_matrix(out, run.covariance);
 }
@@ -78,7 +79,7 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
 void write_estimation_summary(FILE* out, const std::vector<ParameterLabel>& labels,
                               const std::vector<double>& theta,
                               const std::vector<double>& standard_errors,
-                              const std::vector<double>& t_ratios) {
+                              const std::vector<double>& t_ratios, bool converged) {
     print(out,
           "\nEstimation Result for Network SUMMARY (parameter, standard error, t-statistics)\n");
     print(out,
@@ -90,8 +91,8 @@ void write_estimation_summary(FILE* out, const std::vector<ParameterLabel>& labe
         const double se = standard_errors[k];
         const double t = t_ratios[k];
         print(out, "%s\t%f\t%.5f\t%.5f\t", labelled(label).c_str(), estimate, se, t);
-        // Converged and significant: |t| below 0.1 and the estimate beyond two standard errors.
-        const bool starred = std::fabs(t) < 0.1 && std::fabs(estimate) > 2.0 * se;
+        // Significant: |t| below 0.1 and the estimate beyond two standard errors.
+        const bool starred = converged && std::fabs(t) < 0.1 && std::fabs(estimate) > 2.0 * se;
         print(out, starred ? "*\n" : "\n");
     }
 }

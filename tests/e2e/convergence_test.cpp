@@ -20,7 +20,9 @@ TEST(Convergence, AConvergedFitIsConfirmedByTheLongChain) {
     testing::GraphRunFile file = testing::on_network(dir, "flomarriage.txt");
     file.effects = {{"edge", {0, 0}}, {"AS", {0, 2}}, {"AT", {0, 2}}, {"A2P", {0, 2}}};
     file.runs = 10;
-    const std::string printed = testing::run_vexa(dir, file, 5, true);
+    int status = -1;
+    const std::string printed = testing::run_vexa(dir, file, 5, true, &status);
+    EXPECT_EQ(status, 0);
     const std::string verdicts = testing::read_text(dir + "/out/convergence_net.txt");
     EXPECT_NE(verdicts.find("verdict\tconverged\n"), std::string::npos) << verdicts;
     EXPECT_NE(verdicts.find("check\tconfirmed"), std::string::npos) << verdicts;
@@ -36,7 +38,9 @@ TEST(Convergence, ADegenerateMarkovModelIsNamedAndLeavesNoRunawayValues) {
         testing::on_network(dir, "degenerate39.txt", NetworkKind::graph, 39);
     file.effects = {{"edge", {0, 0}}, {"2-star", {0, 0}}, {"3-star", {0, 0}}, {"Triangle", {0, 0}}};
     file.runs = 3;
-    const std::string printed = testing::run_vexa(dir, file, 2);
+    int status = 0;
+    const std::string printed = testing::run_vexa(dir, file, 2, false, &status);
+    EXPECT_EQ(status, 3) << "an estimation without a converged run ends with status 3";
     EXPECT_NE(testing::read_text(dir + "/out/estimation_net.txt").find("Degenerate Model!\n"),
               std::string::npos);
     EXPECT_NE(printed.find("found the model degenerate"), std::string::npos) << printed;

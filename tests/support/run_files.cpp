@@ -97,7 +97,7 @@ GraphRunFile on_network(const std::string& dir, const std::string& network, Netw
 }
 
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed, bool confirm,
-                     int* status) {
+                     int* status, bool automatic) {
     const WorkingDirectory here(dir);
     std::filesystem::create_directories(dir + "/" + file.directory);
     const std::string path = file.write(dir);
@@ -106,6 +106,7 @@ std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t 
         options.fixed_seed = true;
         options.seed = seed;
         options.confirm = confirm;
+        options.automatic = automatic;
         options.console = console;
         const int returned = run_entry(path.c_str(), options);
         if (status != nullptr) *status = returned;

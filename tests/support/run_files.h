@@ -55,9 +55,10 @@ GraphRunFile on_network(const std::string& dir, const std::string& network,
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
 // With `confirm`, a converged estimation is checked with a long chain.
-// `status`, when given, receives what the entry returned (0 after a complete run).
+// `status`, when given, receives what the entry returned (0 after a complete run). With
+// `automatic`, the run takes the automatic mode.
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
-                     bool confirm = false, int* status = nullptr);
+                     bool confirm = false, int* status = nullptr, bool automatic = false);
 
 // The line (from 1) of the value that follows the first label line `label` of a run file's
 // text (0 when there is none).

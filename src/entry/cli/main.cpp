@@ -19,11 +19,16 @@ namespace {
 void usage(FILE* out) {
     std::fprintf(
         out,
-        "usage: vexa [--seed N] [--check] [--sampler V] [--store dense|sparse] RUNFILE\n"
+        "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse] RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
-        "writes its reports where the run file says.\n"
+        "writes its reports where the run file says. Exits with 0 after a complete run, 1 when\n"
+        "the run was refused or stopped, and 3 when an estimation ended without a converged run.\n"
         "  --seed N     make the run reproducible: every random stream of the run derives from N\n"
+        "  --auto       estimate automatically: start from the pseudo-likelihood estimate, take\n"
+        "               the tie/no-tie proposal on sparse networks, space the draws by the\n"
+        "               chain's measured autocorrelation and run phase 3 until every statistic\n"
+        "               has 1,000 effective draws; the run file's settings are the least it does\n"
         "  --check      after an estimation converges, check the estimate with a long chain of\n"
         "               near-independent draws and say whether it is confirmed\n"
         "  --sampler V  the proposal of every chain, over the run file's: 0 the toggle of one\n"
@@ -111,6 +116,10 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
     }
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
+        return -1;
+    }
+    if (std::strcmp(arg, "--auto") == 0) {
+        line.options.automatic = true;
         return -1;
     }
     if (std::strcmp(arg, "--seed") == 0) {

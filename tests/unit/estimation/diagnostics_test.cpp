@@ -6,9 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
+#include <utility>
 #include <vector>
 
 #include "estimation/confirmation.h"
+#include "estimation/estimate_model.h"
 #include "numeric/normal.h"
 
 namespace vexa {
@@ -79,6 +82,44 @@ TEST(Diagnostics, OverallRatioTRatiosAndVerdicts) {
     long_chain.t_ratios[0] = 0.05;
     long_chain.smallest_effective_size = 40.0;  // too few draws to judge
     EXPECT_FALSE(confirms(long_chain));
+}
+
+}  // namespace
+}  // namespace vexa
+
+namespace vexa {
+namespace {
+
+TEST(ReportedRun, TheConvergedRunElseTheSmallestLargestTRatio) {
+    const auto record_of = [](const std::vector<std::pair<Verdict, double>>& runs) {
+        EstimationRecord record;
+        for (const auto& [verdict, largest] : runs) {
+            EstimationRun run;
+            run.degenerate = verdict == Verdict::degenerate;
+            ConvergenceCheck check;
+            check.verdict = verdict;
+            check.largest_t = largest;
+            record.runs.push_back(run);
+            record.checks.push_back(check);
+        }
+        return record;
+    };
+    const double inf = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(reported_run(record_of({{Verdict::not_converged, 0.3},
+                                      {Verdict::degenerate, 0.0},
+                                      {Verdict::not_converged, 0.2}})),
+              3);
+    // A degenerate run's check holds nothing: its 0 is no t-ratio.
+    EXPECT_EQ(reported_run(record_of({{Verdict::not_converged, 0.2},
+                                      {Verdict::degenerate, 0.0},
+                                      {Verdict::converged_but_noisy, 0.4}})),
+              1);
+    EXPECT_EQ(reported_run(record_of({{Verdict::not_converged, 0.05}, {Verdict::converged, 0.09}})),
+              2);
+    EXPECT_EQ(
+        reported_run(record_of({{Verdict::not_converged, inf}, {Verdict::not_converged, inf}})), 2);
+    EXPECT_EQ(reported_run(record_of({{Verdict::degenerate, 0.0}, {Verdict::degenerate, 0.0}})), 0);
+    EXPECT_EQ(reported_run(record_of({})), 0);
 }
 
 }  // namespace

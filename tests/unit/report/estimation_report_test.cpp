@@ -36,7 +36,7 @@ TEST(EstimationReport, ADegenerateRunEndsWhereItStopped) {
     run.covariance = Matrix{2, 2, {0.0625, -0.01, -0.01, 0.25}};
     const std::vector<ParameterLabel> labels{label("edge", 0), label("AS", 1, 2.5f)};
     const auto report = [&] {
-        return capture([&](FILE* out) { write_estimation_run(out, run, labels); });
+        return capture([&](FILE* out) { write_estimation_run(out, run, labels, true); });
     };
     const std::string full = report();
     // Each stage's report is the complete one cut before the next stage begins, and no summary.
@@ -49,7 +49,7 @@ TEST(EstimationReport, ADegenerateRunEndsWhereItStopped) {
     }
 }
 
-TEST(EstimationReport, StarOnlyForAConvergedEstimateBeyondTwoStandardErrors) {
+TEST(EstimationReport, StarOnlyForAConvergedRunsEstimateBeyondTwoStandardErrors) {
     // The rule at its edges: |t| exactly 0.1 or |theta| exactly 2 se gets no star; a hair inside
     // both does, though it prints the same numbers.
     const double t_in = std::nextafter(0.1, 0.0), theta_out = std::nextafter(2.0, 3.0);
@@ -58,7 +58,12 @@ TEST(EstimationReport, StarOnlyForAConvergedEstimateBeyondTwoStandardErrors) {
     const std::vector<double> t{0.1, -0.1, 0.05, 0.05, 0.15, t_in};
     const std::vector<ParameterLabel> labels{label("e0", 0), label("e1", 1), label("e2", 2),
                                              label("e3", 3), label("e4", 4), label("e5", 5)};
-    EXPECT_EQ(capture([&](FILE* out) { write_estimation_summary(out, labels, theta, se, t); }),
+    const auto summary = [&](bool converged) {
+        return capture(
+            [&](FILE* out) { write_estimation_summary(out, labels, theta, se, t, converged); });
+    };
+    const std::string starred = summary(true);
+    EXPECT_EQ(starred,
               "\nEstimation Result for Network SUMMARY (parameter, standard error, t-statistics)\n"
               "NOTE: t-statistics = (observation - sample mean)/standard error\n"
               "effects\testimates\tstderr\tt-ratio\n"
@@ -68,6 +73,11 @@ TEST(EstimationReport, StarOnlyForAConvergedEstimateBeyondTwoStandardErrors) {
               "e3\t-3.000000\t1.00000\t0.05000\t*\n"
               "e4\t300.000000\t1.00000\t0.15000\t\n"
               "e5\t2.000000\t1.00000\t0.10000\t*\n");
+    // A run that did not converge claims nothing: the same table without a star.
+    std::string plain = starred;
+    for (size_t at = plain.find("*\n"); at != std::string::npos; at = plain.find("*\n"))
+        plain.erase(at, 1);
+    EXPECT_EQ(summary(false), plain);
 }
 
 // The block's table is in the golden outputs; its warning needs a run too short to judge.

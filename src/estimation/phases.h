@@ -1,0 +1,387 @@
+#pragma once
+// The phases of one stochastic approximation run, written once for every store type against a
+// chain: the run's settings and record, the state it carries from phase to phase, and phases 1
+// to 3 as the plain mode runs them (see estimation.h).
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "numeric/matrix.h"
+#include "numeric/rng.h"
+#include "sampler/observer.h"
+#include "sampler/runs.h"
+
+namespace vexa {
+
+struct EstimationSettings {
+    int32_t multiplication_factor = 2;  // m: sampler steps per draw scale with it
+    int32_t subphase_count = 5;         // S
+    int32_t phase3_steps = 500;         // N3
+    float start_a_value = 0.1f;         // a, held in single precision throughout
+    // The automatic mode: the steps between draws from the chain's measured autocorrelation and
+    // phase 3 until every statistic has enough effective draws (see automatic.h).
+    bool automatic = false;
+};
+
+// Why a run stopped as degenerate.
+enum class Degeneracy {
+    none,
+    singular,         // the phase-1 covariance of the statistics could not be inverted
+    runaway,          // a parameter moved more than runaway_limit standard errors in phase 2
+    extreme_network,  // the chain reached the empty or the complete network
+    fixed_statistic,  // a statistic did not vary over the phase-3 draws
+    far_statistic,    // the phase-3 draws of a statistic sat far from its observed value
+};
+
+// What a degenerate run found, in a few words ("a parameter ran away").
+const char* degeneracy_text(Degeneracy why);
+
+// Phase-3 draws whose mean lies further than this many standard deviations from the observed
+// statistic come from a model that cannot reproduce the observed network.
+inline constexpr double far_limit = 10.0;
+
+// A parameter that moves further than this many phase-1 standard errors from where phase 2
+// started it has run away: the model puts its mass on networks unlike the observed one.
+inline constexpr double runaway_limit = 100.0;
+
+struct Subphase {
+    float gain = 0.0f;               // the gain it started with
+    int32_t steps = 0;               // iterations taken
+    std::vector<double> parameters;  // the parameters it ended with
+};
+
+// Everything a run computed, in the order the report prints it.
+struct EstimationRun {
+    std::vector<double> observed;        // the statistics at entry
+    std::vector<double> starting;        // the parameters at entry
+    float gain = 0.0f;                   // the starting gain
+    int32_t phase1_draws = 0;            // N1 = 3p + 7
+    double steps_per_draw = 0.0;         // K: of phase 3 (the automatic mode may choose another)
+    double phase1_steps_per_draw = 0.0;  // of phases 1 and 2
+    std::vector<double> phase1_means;
+    bool degenerate = false;  // the run stopped at `stage`; nothing of later stages is filled
+    Degeneracy degeneracy = Degeneracy::none;
+    int32_t stage = 1;     // the last phase the run reached
+    int32_t culprit = -1;  // the parameter that ran away, or the statistic that stayed fixed
+    double culprit_from = 0.0, culprit_to = 0.0;  // its value before and when it was caught
+    std::vector<double> after_phase1;
+    std::vector<Subphase> subphases;
+    std::vector<double> after_phase2;
+    int32_t phase3_draws = 0;
+    std::vector<double> phase3_means;
+    Matrix phase3_draws_matrix;  // one row per draw, as drawn
+    std::vector<double> estimates;
+    std::vector<double> standard_errors;
+    std::vector<double> t_ratios;
+    Matrix covariance;  // the inverted phase-3 matrix
+    bool converged = false;
+    // The automatic mode's choices: the steps per draw the multiplication factor gives, the
+    // autocorrelation time (in draws) of the slowest statistic at the chosen steps per draw in
+    // phase 1 and in the last sub-phase (each sub-phase from the third on multiplies the steps
+    // per draw by it while the draws are far from independent), and phase 3's cap on draws
+    // with the smallest effective size it reached.
+    bool automatic = false;
+    double factor_steps_per_draw = 0.0;
+    double phase1_autocorrelation = 0.0;
+    double phase2_autocorrelation = 0.0;  // in the last sub-phase
+    int32_t phase3_cap = 0;
+    double phase3_effective_draws = 0.0;
+};
+
+namespace estimation_detail {
+
+// Whether the chain stands at the empty or the complete network though the observed network
+// is far from both: the model has collapsed onto one of them.
+template <class Store>
+bool at_extreme(const Store& store, double observed_ties) {
+    const double n = store.node_count;
+    const double dyads = Store::kind == NetworkKind::graph ? n * (n - 1.0) / 2.0 : n * (n - 1.0);
+    const double ties = static_cast<double>(tie_count(store));
+    const double margin = std::min(10.0, dyads / 4.0);
+    return (ties == 0.0 || ties == dyads) && observed_ties >= margin &&
+           observed_ties <= dyads - margin;
+}
+
+// Takes `draws` statistics vectors, K steps apart, from a chain that is never reset between
+// them; returns them as rows and leaves their mean in `mean`.
+template <class Store>
+Matrix draw_statistics(Chain<Store>& chain, const std::vector<double>& theta, int draws, double K,
+                       std::vector<double>& mean, double observed_ties, bool& extreme,
+                       StepCount& steps) {
+    const size_t count = theta.size();
+    Matrix rows = make_matrix(std::max(draws, 0), static_cast<int>(count), 0.0);
+    std::fill(mean.begin(), mean.end(), 0.0);
+    for (int i = 0; i < draws; ++i) {
+        run_steps_counted(chain, theta.data(), K, steps);
+        extreme = extreme || at_extreme(*chain.store, observed_ties);
+        for (size_t k = 0; k < count; ++k) {
+            mean[k] += chain.statistics[k];
+            rows[i][k] = chain.statistics[k];
+        }
+    }
+    for (double& m : mean) m /= draws;
+    return rows;
+}
+
+// Centres the draws on their mean and adds their cross products onto D, then divides D by the
+// number of draws, noting the diagonal. D is not cleared first: in phase 3 it still holds the
+// phase-1 inverse, and that accumulation is part of the method.
+void accumulate_covariance(Matrix& D, Matrix& draws, const std::vector<double>& mean,
+                           std::vector<double>& variance);
+
+// What one run carries from phase to phase.
+template <class Store>
+struct RunState {
+    Chain<Store>& chain;
+    std::vector<double>& theta;
+    Matrix& D;
+    const EstimationSettings& settings;
+    const Observer& observer;
+    EstimationRun run;
+    int p = 0;
+    size_t count = 0;
+    double K = 0.0;  // steps per draw
+    double observed_ties = 0.0;
+    bool extreme = false;
+    double planned_draws = 0.0;
+    StepCount steps;
+    std::vector<double> mean, variance;
+    std::vector<double> phase1_error;  // the phase-1 standard errors
+    std::vector<double> phase2_start;
+    std::vector<double> parameter_sum, previous, crossing;
+    std::vector<double> subphase_trace;  // the automatic mode: the statistics of the current
+                                         // sub-phase's iterations, row by row
+
+    RunState(Chain<Store>& run_chain, std::vector<double>& parameters, Matrix& scaling,
+             const EstimationSettings& run_settings, const Observer& watcher)
+        : chain(run_chain),
+          theta(parameters),
+          D(scaling),
+          settings(run_settings),
+          observer(watcher) {}
+
+    // Stops the run as degenerate; returns false, to be passed on.
+    bool stop(Degeneracy why) {
+        run.degenerate = true;
+        run.degeneracy = why;
+        return false;
+    }
+    // Steps are counted over the whole run; phase 2's sub-phases are counted at their longest
+    // until they end.
+    double subphase_longest(int k) const {
+        const double n_max = std::pow(2.0, 4.0 * k / 3.0) * (p + 7) + 200.0;
+        return n_max > 0.0 ? std::ceil(n_max) : 0.0;
+    }
+};
+
+// The run's record at its start and the steps it plans.
+template <class Store>
+void start_run(RunState<Store>& r) {
+    r.count = r.theta.size();
+    r.p = static_cast<int>(r.count);
+    r.mean.assign(r.count, 0.0);
+    r.variance.assign(r.count, 0.0);
+    r.run.observed.assign(r.chain.statistics.begin(),
+                          r.chain.statistics.begin() + static_cast<std::ptrdiff_t>(r.count));
+    r.run.starting = r.theta;
+    r.run.gain = r.settings.start_a_value;
+    const Store& store = *r.chain.store;
+    const double n = store.node_count;
+    const double d = density(store);
+    r.observed_ties = static_cast<double>(tie_count(store));
+    r.K = n * d * r.settings.multiplication_factor * (1.0 - d) * n;
+    r.run.phase1_draws = 3 * r.p + 7;
+    r.run.steps_per_draw = r.run.phase1_steps_per_draw = r.K;
+    r.planned_draws = r.run.phase1_draws + 1.1 * r.settings.phase3_steps;
+    for (int k = 0; k < r.settings.subphase_count; ++k) r.planned_draws += r.subphase_longest(k);
+    r.steps = StepCount{&r.observer, Stage::phase1, r.planned_draws * std::ceil(r.K)};
+}
+
+// Phase 1 after its draws: their covariance inverted into D, and phase 2 prepared. False when
+// the run stopped.
+template <class Store>
+bool finish_phase1(RunState<Store>& r, Matrix& draws) {
+    r.run.phase1_means = r.mean;
+    accumulate_covariance(r.D, draws, r.mean, r.variance);
+    if (invert_in_place(r.D) == 0) return r.stop(Degeneracy::singular);
+    if (r.extreme) return r.stop(Degeneracy::extreme_network);
+    r.run.after_phase1 = r.theta;
+    r.run.stage = 2;
+    // The phase-1 inverse approximates the covariance of the estimates: its diagonal gives the
+    // standard errors against which a runaway parameter is measured.
+    r.phase1_error.assign(r.count, 0.0);
+    for (size_t j = 0; j < r.count; ++j)
+        r.phase1_error[j] = std::sqrt(std::fabs(r.D[static_cast<int>(j)][static_cast<int>(j)]));
+    r.phase2_start = r.theta;
+    r.parameter_sum.assign(r.count, 0.0);
+    r.previous.assign(r.count, 0.0);
+    r.crossing.assign(r.count, 0.0);
+    return true;
+}
+
+// Phase 1: the covariance of the statistics at the start, inverted into D. False when the run
+// stopped.
+template <class Store>
+bool run_phase1(RunState<Store>& r) {
+    const int N1 = r.run.phase1_draws;
+    r.observer.tell(StageStarted{
+        .stage = Stage::phase1, .draws = N1, .steps_per_draw = r.K, .steps = N1 * std::ceil(r.K)});
+    Matrix draws =
+        draw_statistics(r.chain, r.theta, N1, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
+    return finish_phase1(r, draws);
+}
+
+// One iteration of phase 2: a draw, and the parameters moved against its distance from the
+// observed statistics.
+template <class Store>
+void update_parameters(RunState<Store>& r, float a) {
+    for (size_t l = 0; l < r.count; ++l) r.previous[l] = r.chain.statistics[l];
+    run_steps_counted(r.chain, r.theta.data(), r.K, r.steps);
+    const double* z = r.chain.statistics.data();
+    const std::vector<double>& observed = r.run.observed;
+    for (int j = 0; j < r.p; ++j) {
+        for (int l = 0; l < r.p; ++l) {
+            r.theta[static_cast<size_t>(j)] -=
+                (z[l] - observed[static_cast<size_t>(l)]) * a * r.D[l][j];
+        }
+    }
+    for (size_t l = 0; l < r.count; ++l)
+        r.crossing[l] += (z[l] - observed[l]) * (r.previous[l] - observed[l]);
+    for (size_t l = 0; l < r.count; ++l) r.parameter_sum[l] += r.theta[l];
+}
+
+// The first parameter that has run away from where phase 2 started it, or -1.
+template <class Store>
+int32_t runaway_parameter(const RunState<Store>& r) {
+    for (size_t j = 0; j < r.count; ++j) {
+        const double moved = std::fabs(r.theta[j] - r.phase2_start[j]);
+        if (!(moved <= runaway_limit * r.phase1_error[j])) return static_cast<int32_t>(j);
+    }
+    return -1;
+}
+
+// Sub-phase k of phase 2 at gain a: at least n_min iterations, then until every statistic has
+// crossed its observed value, at most n_max. False when the run stopped.
+template <class Store>
+bool run_subphase(RunState<Store>& r, int k, float a) {
+    Subphase subphase;
+    subphase.gain = a;
+    r.steps.stage = Stage::phase2;
+    r.observer.tell(StageStarted{.stage = Stage::phase2, .subphase = k, .gain = a});
+    const double n_min = std::pow(2.0, 4.0 * k / 3.0) * (r.p + 7);
+    const double n_max = n_min + 200.0;
+    int i = 0;
+    while (n_max > 0.0) {
+        if (i > n_min) {
+            bool all_crossed = true;
+            for (const double c : r.crossing) all_crossed = all_crossed && c < 0.0;
+            if (all_crossed) break;
+        }
+        update_parameters(r, a);
+        ++i;
+        // The automatic mode reads the chain's autocorrelation off the sub-phases, where the
+        // parameters move less and less.
+        if (r.settings.automatic) {
+            r.subphase_trace.insert(
+                r.subphase_trace.end(), r.chain.statistics.begin(),
+                r.chain.statistics.begin() + static_cast<std::ptrdiff_t>(r.count));
+        }
+        const bool collapsed = at_extreme(*r.chain.store, r.observed_ties);
+        const int32_t runaway = runaway_parameter(r);
+        if (collapsed || runaway >= 0) {
+            subphase.steps = i;
+            subphase.parameters = r.theta;
+            r.run.subphases.push_back(std::move(subphase));
+            if (runaway < 0) return r.stop(Degeneracy::extreme_network);
+            r.run.culprit = runaway;
+            r.run.culprit_from = r.phase2_start[static_cast<size_t>(runaway)];
+            r.run.culprit_to = r.theta[static_cast<size_t>(runaway)];
+            return r.stop(Degeneracy::runaway);
+        }
+        if (i >= n_max) break;
+    }
+    for (size_t j = 0; j < r.count; ++j) {
+        // Sub-phase 0 ends with its last iterate, later ones with their average.
+        if (k != 0) r.theta[j] = r.parameter_sum[j] / i;
+        r.parameter_sum[j] = 0.0;
+        r.crossing[j] = 0.0;
+    }
+    subphase.steps = i;
+    subphase.parameters = r.theta;
+    r.run.subphases.push_back(std::move(subphase));
+    r.planned_draws -= r.subphase_longest(k) - i;
+    r.steps.total = r.planned_draws * std::ceil(r.K);
+    return true;
+}
+
+// Phase 3 after its draws (their mean in r.mean): refused when a statistic did not vary or sat
+// far from its observed value, else their covariance accumulated into D and inverted. False
+// when the run stopped.
+template <class Store>
+bool finish_phase3(RunState<Store>& r, Matrix final_draws) {
+    const int N3 = final_draws.rows;
+    r.run.phase3_draws = N3;
+    r.run.phase3_means = r.mean;
+    r.run.phase3_draws_matrix = final_draws;
+    if (r.extreme) return r.stop(Degeneracy::extreme_network);
+    const std::vector<double>& observed = r.run.observed;
+    for (int k = 0; k < r.p && N3 > 1; ++k) {
+        const size_t kk = static_cast<size_t>(k);
+        double spread = 0.0;
+        for (int row = 0; row < N3; ++row)
+            spread += (final_draws[row][k] - r.mean[kk]) * (final_draws[row][k] - r.mean[kk]);
+        const double sd = std::sqrt(spread / (N3 - 1));
+        r.run.culprit = k;
+        r.run.culprit_from = observed[kk];
+        if (!(sd > 0.0)) {
+            r.run.culprit_to = final_draws[0][k];
+            return r.stop(Degeneracy::fixed_statistic);
+        }
+        if (std::fabs(r.mean[kk] - observed[kk]) > far_limit * sd) {
+            r.run.culprit_to = r.mean[kk];
+            return r.stop(Degeneracy::far_statistic);
+        }
+        r.run.culprit = -1;
+    }
+    accumulate_covariance(r.D, final_draws, r.mean, r.variance);
+    invert_in_place(r.D);  // a singular phase-3 matrix is reported through its entries
+    return true;
+}
+
+// Phase 3's draws at the estimate, refused when a statistic did not vary or sat far from its
+// observed value. False when the run stopped.
+template <class Store>
+bool run_phase3(RunState<Store>& r, SeedSource& seeds) {
+    const int N3 = r.settings.phase3_steps;
+    r.run.phase3_draws = N3;
+    r.steps.stage = Stage::phase3;
+    r.observer.tell(StageStarted{
+        .stage = Stage::phase3, .draws = N3, .steps_per_draw = r.K, .steps = N3 * std::ceil(r.K)});
+    seeds.reseed(*r.chain.rng);
+    run_steps_counted(r.chain, r.theta.data(), N3 * 0.1 * r.K, r.steps);
+    Matrix final_draws =
+        draw_statistics(r.chain, r.theta, N3, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
+    return finish_phase3(r, std::move(final_draws));
+}
+
+// The estimates, their standard errors and the t-ratios.
+template <class Store>
+void finish_run(RunState<Store>& r) {
+    EstimationRun& run = r.run;
+    run.converged = true;
+    run.t_ratios.assign(r.count, 0.0);
+    run.standard_errors.assign(r.count, 0.0);
+    for (size_t k = 0; k < r.count; ++k) {
+        run.t_ratios[k] = -(r.mean[k] - run.observed[k]) * std::sqrt(1.0 / r.variance[k]);
+        if (std::fabs(run.t_ratios[k]) >= 0.1) run.converged = false;
+        run.standard_errors[k] = std::sqrt(r.D[static_cast<int>(k)][static_cast<int>(k)]);
+    }
+    run.estimates = r.theta;
+    run.covariance = r.D;
+}
+
+}  // namespace estimation_detail
+
+}  // namespace vexa
