@@ -3,7 +3,8 @@
 # included); any error or warning fails. With a release build in build/ the package links its
 # engine libraries rather than compiling the engine again. Then, when the command-line program
 # is built, checks that R and the command line print the same estimate of the bundled
-# alternating model at the same seed. Usage: scripts/test-r.sh [WORK_DIR]
+# alternating model at the same seed, both in the automatic mode, R's default.
+# Usage: scripts/test-r.sh [WORK_DIR]
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 work="${1:-$root/build-r}"
@@ -41,7 +42,7 @@ cli="$root/build/vexa"
 [ -x "$cli" ] || exit 0
 mkdir -p compare/out
 cp "$root/examples/flomarriage.txt" "$root/examples/flomarriage_alternating.txt" compare/
-(cd compare && "$cli" --seed 1 flomarriage_alternating.txt >/dev/null)
+(cd compare && "$cli" --seed 1 --auto flomarriage_alternating.txt >/dev/null)
 awk '/^effects\testimates/{n = NR} {line[NR] = $0} END {for (k = n + 1; k <= n + 4; ++k) {
     split(line[k], f, "\t"); print f[1] "\t" f[2] "\t" f[3] "\t" f[4]}}' \
     compare/out/estimation_flomarriage_alternating.txt >compare/cli.tsv

@@ -26,7 +26,7 @@ number_setting <- function(value, name, lowest = 0) {
 
 vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_factor = 2,
                           phase3_steps = 500, burn_in = 10000, iterations = 100000,
-                          samples = 1000, sampler = 0, degree_cap = NULL, check = FALSE,
+                          samples = 1000, sampler = NULL, degree_cap = NULL, check = FALSE,
                           progress = interactive(), output_dir = NULL) {
   whole_setting(runs, "runs", 1)
   whole_setting(subphases, "subphases", 0)
@@ -36,7 +36,7 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
   number_setting(burn_in, "burn_in")
   number_setting(iterations, "iterations", 1)
   whole_setting(samples, "samples", 1)
-  if (length(sampler) != 1L || !(sampler %in% c(0:3, proposals))) {
+  if (!is.null(sampler) && (length(sampler) != 1L || !(sampler %in% c(0:3, proposals)))) {
     fail("setting 'sampler' must be one of ", paste(dQuote(proposals, FALSE), collapse = ", "),
          " or a number from 0 to 3")
   }
@@ -201,8 +201,17 @@ check_seed <- function(seed) {
 proposals <- c("toggle", "swap", "receiver_move", "tie_no_tie")
 
 proposal_name <- function(sampler, directed) {
+  if (is.null(sampler)) return("toggle")
   if (is.character(sampler)) return(sampler)
   c("toggle", "swap", if (directed) "receiver_move" else "toggle", "tie_no_tie")[sampler + 1L]
+}
+
+# The run file's number of the proposal a user named; -1 when none was named, which leaves the
+# automatic mode free to choose the proposal for the network.
+sampler_code <- function(sampler) {
+  if (is.null(sampler)) return(-1L)
+  if (is.character(sampler)) return(match(sampler, proposals) - 1L)
+  as.integer(sampler)
 }
 
 # The directory the reports go to when the settings ask for them (NULL: no file is written).
@@ -222,6 +231,7 @@ run_task <- function(request, settings, seed) {
   if (!inherits(settings, "vexa_settings")) fail("settings must come from vexa_settings()")
   request$settings <- unclass(settings)
   request$settings$sampler <- proposal_name(settings$sampler, request$directed)
+  request$settings$sampler_code <- sampler_code(settings$sampler)
   request$output_dir <- output_directory(settings)
   request$settings$output_dir <- request$output_dir
   update <- NULL
@@ -257,40 +267,83 @@ labelled_matrix <- function(m, labels) {
 
 vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
                           settings = vexa_settings(), seed = NULL, start = NULL,
-                          directed = NULL) {
+                          directed = NULL, auto = TRUE) {
+  if (!is.logical(auto) || length(auto) != 1L || is.na(auto)) fail("auto must be TRUE or FALSE")
   network <- as_network(net, directed)
   model <- parse_effects(effects)
   values <- effect_values(start, model, "starting values")
   request <- task_request("estimation", network, model, values, attributes, covariates,
                           "estimate")
+  request$automatic <- auto
   result <- run_task(request, settings, seed)
   labels <- result$labels
   runs <- result$runs
-  last <- runs[[length(runs)]]
-  finished <- !last$degenerate
+  # The run the fit reports: the converged one, else the engine's best; when every run was
+  # degenerate there are no estimates, and the last run tells why.
+  reported <- as.integer(result$reported_run)
+  shown <- runs[[if (reported > 0L) reported else length(runs)]]
+  finished <- reported > 0L
   named <- function(x) if (length(x) == length(labels)) setNames(x, labels) else
     setNames(rep(NA_real_, length(labels)), labels)
-  trace <- last$trace
+  trace <- shown$trace
   colnames(trace) <- labels
   steps <- c("start", "phase 1", paste("sub-phase", seq_len(max(nrow(trace) - 2L, 0L)) - 1L))
   rownames(trace) <- steps[seq_len(nrow(trace))]
   fit <- list(
-    coefficients = named(if (finished) last$estimates else NULL),
-    std_errors = named(if (finished) last$standard_errors else NULL),
-    t_ratios = named(if (finished) last$t_ratios else NULL),
-    covariance = if (finished) labelled_matrix(last$covariance, labels) else
+    coefficients = named(if (finished) shown$estimates else NULL),
+    std_errors = named(if (finished) shown$standard_errors else NULL),
+    t_ratios = named(if (finished) shown$t_ratios else NULL),
+    covariance = if (finished) labelled_matrix(shown$covariance, labels) else
       matrix(NA_real_, length(labels), length(labels), dimnames = list(labels, labels)),
-    converged = isTRUE(result$converged), verdict = last$verdict,
-    largest_t = last$largest_t, overall_ratio = last$overall_ratio,
-    effective_sizes = named(last$effective_sizes),
+    converged = isTRUE(result$converged), verdict = shown$verdict,
+    verdicts = vapply(runs, function(run) run$verdict, ""), reported_run = reported,
+    auto = auto, largest_t = shown$largest_t, overall_ratio = shown$overall_ratio,
+    effective_sizes = named(shown$effective_sizes),
     confirmed = if (result$confirmed < 0) NA else result$confirmed == 1,
-    trace = trace, runs = runs, observed = named(last$observed),
+    trace = trace, runs = runs, observed = named(shown$observed),
     effects = model, attributes = attributes, covariates = covariates,
     network = network, seed = seed, settings = settings,
     output_dir = output_directory(settings), console = result$console,
     call = match.call())
   class(fit) <- "vexa_fit"
+  if (!fit$converged) {
+    warning(structure(class = c("vexa_not_converged", "warning", "condition"),
+                      list(message = sprintf("vexa: the fit did not converge (%s): %s",
+                                             fit$verdict, convergence_note(fit)),
+                           call = NULL)))
+  }
   fit
+}
+
+# What a fit that did not converge says of itself, in its warning and when printed: the run
+# whose estimates it reports, why they cannot be trusted, and what to try next.
+convergence_note <- function(fit) {
+  count <- length(fit$runs)
+  last <- fit$runs[[count]]
+  if (fit$reported_run == 0L) {
+    return(sprintf("every run (%d) was degenerate and left no estimates; %s", count,
+                   last$advice))
+  }
+  run <- fit$runs[[fit$reported_run]]
+  note <- if (fit$verdict == "converged but noisy") {
+    sprintf(paste("the estimates are those of run %d of %d, whose t-ratios (largest |t| %.3f)",
+                  "rest on too few effective draws to be judged; try a larger",
+                  "multiplication_factor%s%s"),
+            fit$reported_run, count, fit$largest_t,
+            if (run$suggested_factor > 0) sprintf(" (%d would give enough)", run$suggested_factor)
+            else "",
+            if (fit$auto) "" else ", or auto = TRUE, which draws until there are enough")
+  } else {
+    sprintf(paste("no run of %d converged; the estimates are those of run %d, whose largest",
+                  "|t| (%.3f) was the smallest; try more runs (vexa_settings(runs = %d), each",
+                  "going on from the last)%s or a larger multiplication_factor"),
+            count, fit$reported_run, fit$largest_t,
+            max(10L, 2L * as.integer(fit$settings$runs)), if (fit$auto) "" else ", auto = TRUE")
+  }
+  if (last$degenerate && fit$reported_run != count) {
+    note <- paste0(note, "; run ", count, " was degenerate: ", last$advice)
+  }
+  note
 }
 
 coef.vexa_fit <- function(object, ...) object$coefficients
@@ -303,10 +356,26 @@ network_words <- function(network) {
           network$n, ties, if (network$directed) "arcs" else "edges")
 }
 
+# The line that marks a fit that did not converge, before anything else is read of it.
+cat_not_converged <- function(fit) {
+  if (fit$converged) return(invisible())
+  mark <- sprintf("NOT CONVERGED (%s): %s", fit$verdict, convergence_note(fit))
+  cat(strwrap(mark, width = 0.9 * getOption("width"), exdent = 2), sep = "\n")
+}
+
+# Which run the estimates come from, of the runs made and the runs allowed.
+run_words <- function(fit) {
+  run <- if (fit$reported_run > 0L) fit$reported_run else length(fit$runs)
+  sprintf("Run %d of %d (at most %d)", run, length(fit$runs), as.integer(fit$settings$runs))
+}
+
 print.vexa_fit <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
   cat("vexa estimate of a ", network_words(x$network), "\n", sep = "")
-  cat(sprintf("Run %d of %d: %s (largest |t| %.3f, overall convergence ratio %.3f)\n\n",
-              length(x$runs), x$settings$runs, x$verdict, x$largest_t, x$overall_ratio))
+  cat_not_converged(x)
+  figures <- if (x$reported_run > 0L) {
+    sprintf(" (largest |t| %.3f, overall convergence ratio %.3f)", x$largest_t, x$overall_ratio)
+  } else ""
+  cat(run_words(x), ": ", x$verdict, figures, "\n\n", sep = "")
   print(cbind(Estimate = x$coefficients, `Std. Error` = x$std_errors,
               `Convergence t` = x$t_ratios), digits = digits)
   invisible(x)
@@ -323,13 +392,18 @@ summary.vexa_fit <- function(object, ...) {
 print.summary.vexa_fit <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
   fit <- x$fit
   cat("vexa estimate of a ", network_words(fit$network), "\n", sep = "")
-  cat("Call: ", paste(deparse(fit$call), collapse = "\n"), "\n\n", sep = "")
+  cat("Call: ", paste(deparse(fit$call), collapse = "\n"), "\n", sep = "")
+  cat_not_converged(fit)
+  cat("\n")
+  # Stars claim a significance that estimates of a run that did not converge cannot carry.
   stats::printCoefmat(x$coefficients, digits = digits, cs.ind = 1:2, tst.ind = 4L,
-                      zap.ind = 3L, P.values = TRUE, has.Pvalue = TRUE)
-  cat(sprintf("\nVerdict after %d of %d runs: %s\n", length(fit$runs), fit$settings$runs,
-              fit$verdict))
-  cat(sprintf("Largest convergence t-ratio %.3f, overall maximum convergence ratio %.3f\n",
-              fit$largest_t, fit$overall_ratio))
+                      zap.ind = 3L, P.values = TRUE, has.Pvalue = TRUE,
+                      signif.stars = fit$converged && isTRUE(getOption("show.signif.stars")))
+  cat(sprintf("\n%s: %s\n", run_words(fit), fit$verdict))
+  if (fit$reported_run > 0L) {
+    cat(sprintf("Largest convergence t-ratio %.3f, overall maximum convergence ratio %.3f\n",
+                fit$largest_t, fit$overall_ratio))
+  }
   if (length(fit$effective_sizes) > 0L && all(is.finite(fit$effective_sizes))) {
     cat(sprintf("Smallest effective sample size %.0f (%s)\n", min(fit$effective_sizes),
                 names(fit$effective_sizes)[which.min(fit$effective_sizes)]))
@@ -345,7 +419,7 @@ print.summary.vexa_fit <- function(x, digits = max(3L, getOption("digits") - 3L)
 # node count) with effects and parameters.
 model_source <- function(x, effects, parameters, attributes, covariates, directed) {
   if (inherits(x, "vexa_fit")) {
-    if (anyNA(x$coefficients)) fail("the fit has no estimates: its last run was degenerate")
+    if (anyNA(x$coefficients)) fail("the fit has no estimates: every run was degenerate")
     return(list(network = x$network, effects = x$effects,
                 values = unname(x$coefficients), attributes = x$attributes %||% attributes,
                 covariates = x$covariates %||% covariates))

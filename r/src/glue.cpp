@@ -15,6 +15,7 @@
 #include "base/errors.h"
 #include "entry/api.h"
 #include "estimation/diagnostics.h"
+#include "report/convergence_report.h"
 #include "simulation/gof_task.h"
 
 namespace {
@@ -140,7 +141,8 @@ List profile_list(const vexa::NetworkProfile& p) {
         Named("geodesics") = counts_of(p.geodesics), Named("triads") = counts_of(p.triads));
 }
 
-List estimation_runs(const vexa::EstimationRecord& e, int p) {
+List estimation_runs(const vexa::EstimationRecord& e,
+                     const std::vector<vexa::ParameterLabel>& labels, int p) {
     List runs(e.runs.size());
     for (size_t k = 0; k < e.runs.size(); ++k) {
         const vexa::EstimationRun& run = e.runs[k];
@@ -153,7 +155,7 @@ List estimation_runs(const vexa::EstimationRecord& e, int p) {
         if (!run.after_phase1.empty()) gains.push_back(NAN);
         for (const vexa::Subphase& s : run.subphases) gains.push_back(s.gain);
         const bool finished = !run.degenerate;
-        runs[static_cast<R_xlen_t>(k)] = List::create(
+        List one = List::create(
             Named("observed") = vector_of(run.observed),
             Named("trace") = matrix_of_rows(trace, static_cast<size_t>(p)),
             Named("gains") = vector_of(gains), Named("steps_per_draw") = run.steps_per_draw,
@@ -168,6 +170,11 @@ List estimation_runs(const vexa::EstimationRecord& e, int p) {
             Named("effective_sizes") = vector_of(check.effective_sizes),
             Named("check_t_ratios") = vector_of(check.t_ratios),
             Named("suggested_factor") = check.suggested_factor);
+        one["automatic"] = run.automatic;
+        one["phase3_draws"] = run.phase3_draws;
+        // Why a degenerate run stopped and what to change, in the words the console uses.
+        one["advice"] = run.degenerate ? vexa::degeneracy_advice(run, labels) : std::string();
+        runs[static_cast<R_xlen_t>(k)] = one;
     }
     return runs;
 }
@@ -340,7 +347,12 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
         r.covariate_name = Rcpp::as<std::string>(c["name"]);
         r.covariate = Rcpp::as<std::vector<double>>(c["values"]);
     }
-    set_options(r.options, seed, Rcpp::as<bool>(settings["check"]), -1);
+    // A sampler the user named binds the automatic mode too; one left unnamed (-1) lets it
+    // choose the proposal for the network.
+    set_options(r.options, seed, Rcpp::as<bool>(settings["check"]),
+                whole(settings, "sampler_code", -1));
+    r.options.automatic =
+        request.containsElementNamed("automatic") && Rcpp::as<bool>(request["automatic"]);
     r.keep_networks = Rcpp::as<bool>(request["keep_networks"]);
 
     BarState bar;
@@ -379,8 +391,9 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
                             Named("columns") = columns, Named("networks") = networks);
     if (records.estimation) {
         const vexa::EstimationRecord& e = *records.estimation;
-        out["runs"] = estimation_runs(e, p);
+        out["runs"] = estimation_runs(e, result.labels, p);
         out["converged"] = e.converged;
+        out["reported_run"] = e.reported_run;
         out["confirmed"] = e.confirmation ? (e.confirmation->confirmed ? 1 : 0) : -1;
         out["estimates"] = vector_of(e.estimates);
     }

@@ -2,16 +2,71 @@
 # must land on them, and its standard errors near the exact ones.
 
 test_that("the edge-only model estimates the log-odds of a tie", {
+  # Fitted as a user would, in the automatic mode: T ties of D dyads give log(T / (D - T)),
+  # with the standard error 1 / sqrt(D p (1 - p)).
   data(flomarriage, package = "vexa")
-  fit <- vexa_estimate(flomarriage, "edge", seed = 11, settings = quiet(runs = 10))
+  fit <- vexa_estimate(flomarriage, "edge", seed = 1, settings = quiet())
   dyads <- 16 * 15 / 2
   p <- 20 / dyads
+  exact_se <- sqrt(1 / (dyads * p * (1 - p)))
   expect_true(fit$converged)
-  expect_equal(unname(coef(fit)), log(p / (1 - p)), tolerance = 0.02)
-  expect_equal(unname(fit$std_errors), sqrt(1 / (dyads * p * (1 - p))), tolerance = 0.15)
+  expect_equal(fit$reported_run, length(fit$runs))
+  expect_lt(abs(unname(coef(fit)) - log(p / (1 - p))), 0.1 * exact_se)
+  expect_equal(unname(fit$std_errors), exact_se, tolerance = 0.15)
   expect_equal(dim(vcov(fit)), c(1L, 1L))
   expect_equal(names(coef(fit)), "edge")
-  expect_output(print(summary(fit)), "converged")
+  shown <- capture.output(print(summary(fit)))
+  expect_true(any(grepl("converged", shown)))
+  expect_false(any(grepl("NOT CONVERGED", shown)))
+  expect_true(any(grepl("Signif. codes", shown)))
+})
+
+test_that("the automatic mode chooses the proposal only when none is named", {
+  # On a sparse network it takes the tie/no-tie proposal: naming that one changes nothing,
+  # naming the toggle binds it.
+  data(flomarriage, package = "vexa")
+  edge <- function(sampler) {
+    coef(vexa_estimate(flomarriage, "edge", seed = 3, settings = quiet(sampler = sampler)))
+  }
+  chosen <- edge(NULL)
+  expect_identical(chosen, edge("tie_no_tie"))
+  expect_false(identical(chosen, edge("toggle")))
+})
+
+test_that("a fit that did not converge warns, is marked and reports its best run", {
+  # A Markov model of three 6-cliques in a chain: the star and triangle counts drive the
+  # model to the empty or the complete graph, and one run cannot settle it.
+  m <- matrix(0, 18, 18)
+  for (block in 0:2) m[block * 6 + 1:6, block * 6 + 1:6] <- 1
+  m[6, 7] <- m[7, 6] <- m[12, 13] <- m[13, 12] <- 1
+  expect_warning(markov <- vexa_estimate(m, c("edge", "2-star", "3-star", "Triangle"), seed = 1,
+                                         settings = quiet(runs = 1)),
+                 "did not converge", class = "vexa_not_converged")
+  expect_false(markov$converged)
+  expect_true(markov$verdict %in% c("not converged", "converged but noisy", "degenerate"))
+  for (shown in list(capture.output(print(markov)), capture.output(print(summary(markov))))) {
+    expect_true(any(grepl(paste0("^NOT CONVERGED \\(", markov$verdict, "\\)"), shown)))
+    expect_false(any(grepl("Signif. codes", shown)))
+  }
+
+  # Too short a phase 3 in the plain mode: no run converges, and the fit reports the run
+  # whose largest t-ratio was the smallest.
+  data(flomarriage, package = "vexa")
+  warned <- NULL
+  fit <- withCallingHandlers(
+    vexa_estimate(flomarriage, c("edge", AS = 2, AT = 2, A2P = 2), seed = 1, auto = FALSE,
+                  settings = quiet(runs = 2, multiplication_factor = 1, phase3_steps = 100)),
+    vexa_not_converged = function(w) {
+      warned <<- conditionMessage(w)
+      invokeRestart("muffleWarning")
+    })
+  expect_match(warned, sprintf("did not converge (%s)", fit$verdict), fixed = TRUE)
+  expect_match(warned, "more runs", fixed = TRUE)
+  largest <- vapply(fit$runs, function(run) if (run$degenerate) Inf else run$largest_t, 0)
+  expect_equal(fit$verdicts, vapply(fit$runs, function(run) run$verdict, ""))
+  expect_equal(fit$reported_run, which.min(largest))
+  expect_equal(unname(coef(fit)), fit$runs[[fit$reported_run]]$estimates)
+  expect_equal(fit$largest_t, min(largest))
 })
 
 test_that("arc and reciprocity estimate the dyad census's log-odds", {
@@ -54,7 +109,7 @@ test_that("a request and the bundled run file give the same estimate", {
   from_file <- vapply(strsplit(summary, "\t"), `[`, "", 2)
   data(flomarriage, package = "vexa")
   fit <- vexa_estimate(flomarriage, c("edge", AS = 2, AT = 2, A2P = 2), seed = 1,
-                       settings = quiet(runs = 10))
+                       settings = quiet(runs = 10), auto = FALSE)
   expect_equal(sprintf("%f", coef(fit)), from_file)
   expect_equal(nrow(fit$trace), 7L)
 })
