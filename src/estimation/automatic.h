@@ -33,22 +33,12 @@ struct AutoCarry {
     int32_t phase3_draws = 0;
 };
 
-// The largest integrated autocorrelation time (in draws) over the columns of `draws`; a
-// constant column, which has none, counts as independent.
-double slowest_autocorrelation(const Matrix& draws);
-
-// The smallest effective sample size over the columns of `draws`.
-double smallest_effective_size(const Matrix& draws);
-
 // What the next run takes from one that did not converge: steps per draw multiplied by the
 // autocorrelation its phase-3 draws still showed, and the phase-3 length that gives enough
 // effective draws at those steps.
 AutoCarry carry_after(const EstimationRun& run);
 
 namespace estimation_detail {
-
-// Appends the rows of `more` to `draws`.
-void append_rows(Matrix& draws, const Matrix& more);
 
 // Phase 1 of the automatic mode. False when the run stopped.
 template <class Store>
@@ -141,8 +131,8 @@ bool run_auto_phase3(RunState<Store>& r, SeedSource& seeds, const AutoCarry& car
         r.planned_draws += more;
         r.steps.total = r.planned_draws * std::ceil(r.K);
         std::vector<double> unused(r.count, 0.0);
-        append_rows(draws, draw_statistics(r.chain, r.theta, more, r.K, unused, r.observed_ties,
-                                           r.extreme, r.steps));
+        append_draw_rows(draws, draw_statistics(r.chain, r.theta, more, r.K, unused,
+                                                r.observed_ties, r.extreme, r.steps));
     }
     for (size_t k = 0; k < r.count; ++k) {
         double sum = 0.0;

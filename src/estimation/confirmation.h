@@ -21,21 +21,27 @@ struct Confirmation {
     bool confirmed = false;
 };
 
-inline constexpr int32_t confirmation_draws = 1000;
+// The long chain draws until every statistic has this many effective draws: a t-ratio's own
+// Monte Carlo error (about 1 / sqrt(effective draws)) is then at most 0.02, small against the
+// 0.1 it is judged by. It stops at the cap.
+inline constexpr int32_t confirmation_effective_draws = 2500;
+inline constexpr int32_t confirmation_cap = 25000;
+
+// The margin the judgement allows a t-ratio above 0.1: twice the chain's Monte Carlo error at
+// the effective draws it must reach. Fixed, so that a noisier chain does not pass more.
+inline constexpr double confirmation_t_margin = 0.04;
 
 // The long chain confirms a claim of convergence unless its draws speak against it: a t-ratio
-// above 0.1, or an overall ratio above 0.25, by more than twice the Monte Carlo error of the
-// chain itself (about 1 / sqrt(effective draws) for a t-ratio, sqrt(p / effective draws) for
-// the overall ratio, which maximises over p directions), or draws too few to judge at all.
+// above 0.1 by more than the fixed margin, an overall ratio above 0.25 by more than twice its
+// error at the effective draws required (sqrt(p / effective draws): it maximises over p
+// directions), or draws too few to judge.
 inline bool confirms(const ConvergenceCheck& check) {
-    if (!(check.smallest_effective_size >= enough_effective_draws)) return false;
-    for (size_t k = 0; k < check.t_ratios.size(); ++k) {
-        const double error = 1.0 / std::sqrt(check.effective_sizes[k]);
-        if (!(std::fabs(check.t_ratios[k]) <= t_ratio_limit + 2.0 * error)) return false;
-    }
+    if (!(check.smallest_effective_size >= confirmation_effective_draws)) return false;
+    for (const double t : check.t_ratios)
+        if (!(std::fabs(t) <= t_ratio_limit + confirmation_t_margin)) return false;
     const double p = static_cast<double>(check.t_ratios.size());
     return check.overall_ratio <=
-           overall_ratio_limit + 2.0 * std::sqrt(p / check.smallest_effective_size);
+           overall_ratio_limit + 2.0 * std::sqrt(p / confirmation_effective_draws);
 }
 
 // Runs the check on `chain` (a fresh chain on the observed network, its statistics the observed
@@ -48,28 +54,42 @@ Confirmation confirm_estimate(Chain<Store>& chain, const std::vector<double>& th
     const std::vector<double> observed(
         chain.statistics.begin(),
         chain.statistics.begin() + static_cast<std::ptrdiff_t>(theta.size()));
-    // The slowest statistic sets the spacing: two autocorrelation times apart, draws are near
-    // independent.
+    // The slowest statistic sets the spacing: an autocorrelation time apart, draws are close
+    // to independent, and the chain goes on until their effective number is enough anyway.
     double tau = 1.0;
     for (int k = 0; k < draws.cols; ++k) {
         const double t = autocorrelation_time(draws, k);
         if (std::isfinite(t)) tau = std::max(tau, t);
     }
-    c.thinning = std::ceil(2.0 * tau) * std::max(std::ceil(steps_per_draw), 1.0);
+    c.thinning = std::max(1.0, std::round(tau)) * std::max(std::ceil(steps_per_draw), 1.0);
     c.burn_in = 20.0 * c.thinning;
-    c.draws = confirmation_draws;
+    int batch = static_cast<int>(1.1 * confirmation_effective_draws);
     run_burn_in(chain, theta.data(), seeds, observer,
                 StageStarted{.stage = Stage::check_burn_in,
-                             .draws = c.draws,
+                             .draws = batch,
                              .steps_per_draw = c.thinning,
                              .steps = c.burn_in});
-    Matrix sample = make_matrix(c.draws, static_cast<int>(theta.size()), 0.0);
-    StepCount count{&observer, Stage::check, c.draws * std::ceil(c.thinning)};
-    for (int i = 0; i < c.draws; ++i) {
-        run_steps_counted(chain, theta.data(), c.thinning, count);
-        for (size_t k = 0; k < theta.size(); ++k)
-            sample[i][static_cast<int>(k)] = chain.statistics[k];
+    Matrix sample;
+    sample.cols = static_cast<int32_t>(theta.size());
+    StepCount count{&observer, Stage::check, batch * std::ceil(c.thinning)};
+    for (;;) {
+        Matrix more = make_matrix(batch, static_cast<int>(theta.size()), 0.0);
+        for (int i = 0; i < batch; ++i) {
+            run_steps_counted(chain, theta.data(), c.thinning, count);
+            for (size_t k = 0; k < theta.size(); ++k)
+                more[i][static_cast<int>(k)] = chain.statistics[k];
+        }
+        append_draw_rows(sample, more);
+        const double effective = smallest_effective_size(sample);
+        if (effective >= confirmation_effective_draws || sample.rows >= confirmation_cap) break;
+        // Effective draws grow in proportion to the draws: a tenth more than that predicts.
+        const double wanted =
+            sample.rows * (1.1 * confirmation_effective_draws / std::max(effective, 1.0) - 1.0);
+        batch = static_cast<int>(
+            std::min<double>(confirmation_cap - sample.rows, std::max(std::ceil(wanted), 100.0)));
+        count.total += batch * std::ceil(c.thinning);
     }
+    c.draws = sample.rows;
     c.check = check_convergence(sample, observed, factor);
     c.confirmed = confirms(c.check);
     return c;

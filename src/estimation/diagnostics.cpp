@@ -149,4 +149,29 @@ ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double
     return c;
 }
 
+void append_draw_rows(Matrix& draws, const Matrix& more) {
+    if (more.rows == 0) return;
+    draws.data.insert(draws.data.end(), more.data.begin(), more.data.end());
+    draws.rows += more.rows;
+}
+
+double slowest_autocorrelation(const Matrix& draws) {
+    double slowest = 1.0;
+    for (int k = 0; k < draws.cols; ++k) {
+        const double tau = autocorrelation_time(draws, k);
+        if (std::isfinite(tau)) slowest = std::max(slowest, tau);
+    }
+    return slowest;
+}
+
+double smallest_effective_size(const Matrix& draws) {
+    double smallest = static_cast<double>(draws.rows);
+    for (int k = 0; k < draws.cols; ++k) {
+        // A constant column has no autocorrelation to thin out; the phase-3 checks refuse it.
+        if (std::isfinite(autocorrelation_time(draws, k)))
+            smallest = std::min(smallest, effective_sample_size(draws, k));
+    }
+    return smallest;
+}
+
 }  // namespace vexa

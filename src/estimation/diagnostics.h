@@ -27,6 +27,16 @@ double effective_sample_size(const Matrix& draws, int column);
 // The integrated autocorrelation time of the same series (1 for independent draws).
 double autocorrelation_time(const Matrix& draws, int column);
 
+// The largest integrated autocorrelation time (in draws) over the columns of `draws`; a
+// constant column, which has none, counts as independent.
+double slowest_autocorrelation(const Matrix& draws);
+
+// The smallest effective sample size over the columns of `draws`; constant columns aside.
+double smallest_effective_size(const Matrix& draws);
+
+// Appends the rows of `more` (as many columns) to `draws`.
+void append_draw_rows(Matrix& draws, const Matrix& more);
+
 struct ConvergenceCheck {
     std::vector<double> t_ratios;  // (observed - mean) / standard deviation, per statistic
     std::vector<double> effective_sizes;

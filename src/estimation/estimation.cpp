@@ -7,12 +7,6 @@
 
 namespace vexa::estimation_detail {
 
-void append_rows(Matrix& draws, const Matrix& more) {
-    if (more.rows == 0) return;
-    draws.data.insert(draws.data.end(), more.data.begin(), more.data.end());
-    draws.rows += more.rows;
-}
-
 void accumulate_covariance(Matrix& D, Matrix& draws, const std::vector<double>& mean,
                            std::vector<double>& variance) {
     const int p = D.rows;
@@ -60,25 +54,6 @@ ConvergenceCheck verdict_on(const EstimationRun& run, int32_t multiplication_fac
         return check;
     }
     return check_convergence(run.phase3_draws_matrix, run.observed, multiplication_factor);
-}
-
-double slowest_autocorrelation(const Matrix& draws) {
-    double slowest = 1.0;
-    for (int k = 0; k < draws.cols; ++k) {
-        const double tau = autocorrelation_time(draws, k);
-        if (std::isfinite(tau)) slowest = std::max(slowest, tau);
-    }
-    return slowest;
-}
-
-double smallest_effective_size(const Matrix& draws) {
-    double smallest = static_cast<double>(draws.rows);
-    for (int k = 0; k < draws.cols; ++k) {
-        // A constant column has no autocorrelation to thin out; the phase-3 checks refuse it.
-        if (std::isfinite(autocorrelation_time(draws, k)))
-            smallest = std::min(smallest, effective_sample_size(draws, k));
-    }
-    return smallest;
 }
 
 bool estimation_detail::clearly_not_converged(const Matrix& draws,
