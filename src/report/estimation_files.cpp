@@ -41,12 +41,25 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
 }
 
 std::string reported_run_text(const EstimationRecord& record) {
-    if (record.converged || record.reported_run == 0) return "";
+    if (record.converged || record.runs.empty()) return "";
+    int degenerate = 0;
+    for (const EstimationRun& run : record.runs) degenerate += run.degenerate ? 1 : 0;
+    // Runs that found the model degenerate amid runs that did not converge speak of the
+    // model, not of the settings: more steps will not help.
+    const std::string model = degenerate == 0
+                                  ? ""
+                                  : format_message(
+                                        "; %d of %d runs found the model degenerate, so the model "
+                                        "is likely degenerate on this network",
+                                        degenerate, static_cast<int>(record.runs.size()));
+    if (record.reported_run == 0)
+        return format_message("no run converged%s: the estimates reported are the starting values",
+                              model.c_str());
     const size_t k = static_cast<size_t>(record.reported_run - 1);
     return format_message(
-        "no run converged: the estimates reported are those of run %d, whose largest t-ratio "
+        "no run converged%s: the estimates reported are those of run %d, whose largest t-ratio "
         "(%.3f) was the smallest",
-        record.reported_run, record.checks[k].largest_t);
+        model.c_str(), record.reported_run, record.checks[k].largest_t);
 }
 
 void write_reported_run(const OutputNames& names, const EstimationRecord& record) {
