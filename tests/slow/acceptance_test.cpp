@@ -61,9 +61,10 @@ double long_run_mean(Proposal proposal, double steps, uint32_t seed) {
 
 // The toggle's edge count forgets its past once every dyad has been visited (D steps, D the
 // dyads), so its mean over T steps has a relative standard error near sqrt(2 D / (T mean)) =
-// sqrt(2 / (T p)), p the probability of a tie, whatever the network's size or kind: 2e9 steps
-// give 0.18 %, so that 0.5 % is more than 2.5 errors away. The tie/no-tie proposal revisits
-// the ties far more often and needs a twentieth of that.
+// sqrt(2 / (T p)), p the probability of a tie, whatever the network's size or kind: 5e8 steps
+// give 0.36 %, so that the bound of 1 % is more than 2.5 errors away, and the 11 % that a
+// 15-bit uniform gives is ten bounds away. The tie/no-tie proposal revisits the ties far more
+// often and needs a fifth of that.
 template <class Store>
 void expect_exact_mean(Proposal proposal, double steps, uint32_t seed) {
     const double mean = long_run_mean<Store>(proposal, steps, seed);
@@ -71,16 +72,16 @@ void expect_exact_mean(Proposal proposal, double steps, uint32_t seed) {
     std::printf("%s, %s: long-run mean %.1f, exact %.1f (%+.2f %%)\n",
                 Store::kind == NetworkKind::graph ? "graph" : "digraph",
                 proposal_name(proposal, Store::kind), mean, exact, 100.0 * (mean / exact - 1.0));
-    EXPECT_NEAR(mean / exact, 1.0, 0.005) << proposal_name(proposal, Store::kind);
+    EXPECT_NEAR(mean / exact, 1.0, 0.01) << proposal_name(proposal, Store::kind);
 }
 
 TEST(Acceptance, SmallProbabilitiesGiveTheExactStationaryMeanOnGraphs) {
-    expect_exact_mean<SparseGraph>(Proposal::toggle, 2e9, 1);
+    expect_exact_mean<SparseGraph>(Proposal::toggle, 5e8, 1);
     expect_exact_mean<SparseGraph>(Proposal::tie_no_tie, 1e8, 2);
 }
 
 TEST(Acceptance, SmallProbabilitiesGiveTheExactStationaryMeanOnDigraphs) {
-    expect_exact_mean<SparseDigraph>(Proposal::toggle, 2e9, 3);
+    expect_exact_mean<SparseDigraph>(Proposal::toggle, 5e8, 3);
     expect_exact_mean<SparseDigraph>(Proposal::tie_no_tie, 1e8, 4);
 }
 

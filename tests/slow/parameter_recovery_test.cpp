@@ -128,7 +128,7 @@ TEST(ParameterRecovery, AlternatingModel) {
                     {"AS", -0.3, 2.0, int(GraphEffect::as)},
                     {"AT", 0.8, 2.0, int(GraphEffect::at)},
                     {"A2P", -0.1, 2.0, int(GraphEffect::a2p)}},
-                   100, 8);
+                   60, 8);
 }
 
 TEST(ParameterRecovery, DigraphModel) {
@@ -137,7 +137,7 @@ TEST(ParameterRecovery, DigraphModel) {
                      {{"arc", -1.8, 0.0, int(E::arc)},
                       {"reciprocity", 1.5, 0.0, int(E::reciprocity)},
                       {"AT-T", 0.4, 2.0, int(E::at_t)}},
-                     30, 6);
+                     20, 6);
 }
 
 }  // namespace
