@@ -5,7 +5,7 @@
 # Usage: bench/estimation_wall_time.sh [BUILD_DIR] [SEEDS]
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
-build="${1:-$root/build}"
+build="$(realpath -m "${1:-$root/build}")"
 seeds="${2:-3}"
 [ -x "$build/vexa" ] || BUILD_TARGETS=vexa_cli bash "$root/scripts/build.sh" "$build"
 work="$(mktemp -d)"
