@@ -108,24 +108,16 @@ bool run_auto_phase3(RunState<Store>& r, SeedSource& seeds, const AutoCarry& car
     r.run.phase3_cap = auto_phase3_cap;
     r.planned_draws += 1.1 * (N3 - r.settings.phase3_steps);
     r.steps.total = r.planned_draws * std::ceil(r.K);
-    r.steps.stage = Stage::phase3;
-    r.observer.tell(StageStarted{
-        .stage = Stage::phase3, .draws = N3, .steps_per_draw = r.K, .steps = N3 * std::ceil(r.K)});
-    seeds.reseed(*r.chain.rng);
-    run_steps_counted(r.chain, r.theta.data(), N3 * 0.1 * r.K, r.steps);
-    Matrix draws =
-        draw_statistics(r.chain, r.theta, N3, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
+    Matrix draws = start_phase3(r, seeds, N3);
     for (;;) {
         r.run.phase3_effective_draws = smallest_effective_size(draws);
         if (r.extreme || draws.rows >= auto_phase3_cap ||
             r.run.phase3_effective_draws >= auto_effective_draws ||
             clearly_not_converged(draws, r.run.observed))
             break;
-        // Effective draws grow in proportion to the draws: ask for a tenth more than that
-        // predicts, at least a tenth of what there is.
+        // At least a tenth of what there is.
         const double wanted =
-            draws.rows *
-            (1.1 * auto_effective_draws / std::max(r.run.phase3_effective_draws, 1.0) - 1.0);
+            more_draws_wanted(draws.rows, r.run.phase3_effective_draws, auto_effective_draws);
         const int more = static_cast<int>(std::min<double>(
             auto_phase3_cap - draws.rows, std::max(std::ceil(wanted), draws.rows / 10.0 + 1.0)));
         r.planned_draws += more;

@@ -82,9 +82,8 @@ Confirmation confirm_estimate(Chain<Store>& chain, const std::vector<double>& th
         append_draw_rows(sample, more);
         const double effective = smallest_effective_size(sample);
         if (effective >= confirmation_effective_draws || sample.rows >= confirmation_cap) break;
-        // Effective draws grow in proportion to the draws: a tenth more than that predicts.
         const double wanted =
-            sample.rows * (1.1 * confirmation_effective_draws / std::max(effective, 1.0) - 1.0);
+            more_draws_wanted(sample.rows, effective, confirmation_effective_draws);
         batch = static_cast<int>(
             std::min<double>(confirmation_cap - sample.rows, std::max(std::ceil(wanted), 100.0)));
         count.total += batch * std::ceil(c.thinning);

@@ -149,6 +149,10 @@ ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double
     return c;
 }
 
+double more_draws_wanted(int rows, double effective, double target) {
+    return rows * (1.1 * target / std::max(effective, 1.0) - 1.0);
+}
+
 void append_draw_rows(Matrix& draws, const Matrix& more) {
     if (more.rows == 0) return;
     draws.data.insert(draws.data.end(), more.data.begin(), more.data.end());

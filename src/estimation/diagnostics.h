@@ -34,6 +34,11 @@ double slowest_autocorrelation(const Matrix& draws);
 // The smallest effective sample size over the columns of `draws`; constant columns aside.
 double smallest_effective_size(const Matrix& draws);
 
+// How many draws to add to `rows` draws of `effective` effective ones to reach `target`:
+// effective draws grow in proportion to the draws, so as many as that predicts, and a tenth
+// more.
+double more_draws_wanted(int rows, double effective, double target);
+
 // Appends the rows of `more` (as many columns) to `draws`.
 void append_draw_rows(Matrix& draws, const Matrix& more);
 

@@ -350,20 +350,23 @@ bool finish_phase3(RunState<Store>& r, Matrix final_draws) {
     return true;
 }
 
-// Phase 3's draws at the estimate, refused when a statistic did not vary or sat far from its
-// observed value. False when the run stopped.
+// Phase 3's first N3 draws at the estimate, after a burn-in of a tenth of them; their mean is
+// left in r.mean.
 template <class Store>
-bool run_phase3(RunState<Store>& r, SeedSource& seeds) {
-    const int N3 = r.settings.phase3_steps;
-    r.run.phase3_draws = N3;
+Matrix start_phase3(RunState<Store>& r, SeedSource& seeds, int N3) {
     r.steps.stage = Stage::phase3;
     r.observer.tell(StageStarted{
         .stage = Stage::phase3, .draws = N3, .steps_per_draw = r.K, .steps = N3 * std::ceil(r.K)});
     seeds.reseed(*r.chain.rng);
     run_steps_counted(r.chain, r.theta.data(), N3 * 0.1 * r.K, r.steps);
-    Matrix final_draws =
-        draw_statistics(r.chain, r.theta, N3, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
-    return finish_phase3(r, std::move(final_draws));
+    return draw_statistics(r.chain, r.theta, N3, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
+}
+
+// Phase 3's draws at the estimate, refused when a statistic did not vary or sat far from its
+// observed value. False when the run stopped.
+template <class Store>
+bool run_phase3(RunState<Store>& r, SeedSource& seeds) {
+    return finish_phase3(r, start_phase3(r, seeds, r.settings.phase3_steps));
 }
 
 // The estimates, their standard errors and the t-ratios.

@@ -58,15 +58,7 @@ TEST(GraphEstimation, SameCategoryModelHasItsClosedForm) {
     file.nodes = n;
     file.network_file = "faux.mesa.high.txt";
     file.effects = {{"edge", {0.0, 0.0}}};
-    file.attribute_sections =
-        "attributes\n1\nbinary\n0\ncontinuous\n0\ncategorical\n1\n3\nfile\n"
-        "faux.mesa.high_attributes.txt\n\n";
-    for (const char* attribute : {"Grade", "Race", "Sex"}) {
-        const int included = std::string(attribute) == "Grade" ? 1 : 0;
-        file.attribute_sections += std::string(attribute) + "_same\n" + std::to_string(included) +
-                                   "\n0\n" + attribute + "_different\n0\n0\n";
-    }
-    file.attribute_sections += "covariates\n0\n";
+    file.attribute_sections = testing::grade_same_category_sections();
     file.factor = 40;
     file.runs = 10;
     run_vexa(dir, file, 2);

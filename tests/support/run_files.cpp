@@ -113,6 +113,18 @@ std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t 
     });
 }
 
+std::string grade_same_category_sections() {
+    std::string sections =
+        "attributes\n1\nbinary\n0\ncontinuous\n0\ncategorical\n1\n3\nfile\n"
+        "faux.mesa.high_attributes.txt\n\n";
+    for (const std::string attribute : {"Grade", "Race", "Sex"}) {
+        const int included = attribute == "Grade" ? 1 : 0;
+        sections += attribute + "_same\n" + std::to_string(included) + "\n0\n" + attribute +
+                    "_different\n0\n0\n";
+    }
+    return sections + "covariates\n0\n";
+}
+
 int value_line(const std::string& text, const std::string& label) {
     const std::vector<std::string> lines = lines_of(text);
     for (size_t k = 0; k + 1 < lines.size(); ++k)

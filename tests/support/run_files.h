@@ -60,6 +60,10 @@ GraphRunFile on_network(const std::string& dir, const std::string& network,
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
                      bool confirm = false, int* status = nullptr, bool automatic = false);
 
+// The attribute and covariate sections of the school network (faux.mesa.high_attributes.txt:
+// Grade, Race and Sex as categories) with only Grade's same-category effect included.
+std::string grade_same_category_sections();
+
 // The line (from 1) of the value that follows the first label line `label` of a run file's
 // text (0 when there is none).
 int value_line(const std::string& text, const std::string& label);
