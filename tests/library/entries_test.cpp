@@ -104,6 +104,29 @@ TEST(LibraryEntries, RunFilesNamedBeyondAsciiOpenThroughBothEntries) {
     EXPECT_EQ(count_of(text_of(out / "estimation_jni.txt"), heading), 2u);
 }
 
+TEST(LibraryEntries, TheOptionsEntryRunsAutomaticallyAndReturnsAStatus) {
+    const ScratchDirectory scratch("options");
+    fs::copy_file(fs::path(VEXA_TEST_DATA_DIR) / "flomarriage.txt", "flomarriage.txt");
+    fs::create_directory("out");
+    std::string run = text_of(fs::path(VEXA_TEST_DATA_DIR) / "jni_run.txt");
+    run.replace(run.find("%WORK%/out"), 10, "out");
+    run.replace(run.find("%WORK%/flomarriage.txt"), 22, "flomarriage.txt");
+    std::ofstream("run.txt", std::ios::binary) << run;
+
+    // Edge alone: the automatic mode's start is the exact estimate, and the fit converges.
+    EXPECT_EQ(vexa_run_options("run.txt", VEXA_AUTO | VEXA_FIXED_SEED, 7), VEXA_COMPLETE);
+    const std::string verdicts = text_of("out/convergence_jni.txt");
+    EXPECT_NE(verdicts.find("verdict\tconverged"), std::string::npos) << verdicts;
+    EXPECT_NE(verdicts.find("phase-3 draws"), std::string::npos) << "not the automatic mode";
+
+    // An option this library does not know runs nothing; a missing run file is a failure.
+    fs::remove_all("out");
+    fs::create_directory("out");
+    EXPECT_EQ(vexa_run_options("run.txt", 0x100u, 7), VEXA_FAILED);
+    EXPECT_TRUE(fs::is_empty("out"));
+    EXPECT_EQ(vexa_run_options("none.txt", VEXA_AUTO, 0), VEXA_FAILED);
+}
+
 TEST(LibraryEntries, PathsThatNameNoRunFileEndTheRunWithZero) {
     const ScratchDirectory scratch("no_run_file");
     EXPECT_EQ(vexa_run(bytes(u8"fehlt-ß.txt").c_str()), 0);
