@@ -49,6 +49,7 @@ Term<Store> term_of(const EffectRow<Store>& row, size_t index, int32_t slot, flo
     term.variant = row.about.variant;
     term.carried = row.about.carried;
     term.clique_order = row.about.clique_order;
+    term.reads = row.about.reads;
     term.change = row.change;
     term.total = row.total;
     if (row.about.alternating()) {

@@ -10,7 +10,7 @@
 //
 // Every table has the same columns, the fields of CatalogueRow in order:
 //   id | update report column summary simulation gof sample spss format (EffectLabels)
-//      | lambda integral clique carried variant (EffectDescription) | change total
+//      | lambda integral clique carried variant reads (EffectDescription) | change total
 
 #include <array>
 #include <cstddef>
@@ -31,11 +31,12 @@ struct CatalogueRow {
     int8_t clique_order;
     bool carried;
     int16_t variant;
+    TieReads reads;
     ChangeFn<Store> change;
     TotalFn<Store> total;
 
     constexpr EffectDescription about() const {
-        return {labels, lambda_default, integral, clique_order, carried, variant};
+        return {labels, lambda_default, integral, clique_order, carried, variant, reads};
     }
 };
 

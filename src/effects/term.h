@@ -57,6 +57,13 @@ using ChangeFn = double (*)(const Store& store, const Term<Store>& term, const W
 template <class Store>
 using TotalFn = double (*)(const Store& store, const Term<Store>& term, const Workspace& workspace);
 
+// What an effect's change statistic reads of the network beyond the tie it toggles: nothing
+// (under the effect every tie is independent of the others), the reverse tie of a digraph's
+// dyad (dyads are independent of each other), or other ties. A model whose effects read
+// nothing beyond the dyad has a likelihood that factors over the dyads and can be maximised
+// exactly.
+enum class TieReads : int8_t { nothing, reverse, network };
+
 // Everything about an effect but its functions: what readers and writers need.
 struct EffectDescription {
     EffectLabels labels;
@@ -65,6 +72,7 @@ struct EffectDescription {
     int8_t clique_order = 0;      // cliques up to this size are read (0: none)
     bool carried = true;          // false: the chain does not carry it; counted afresh at samples
     int16_t variant = 0;          // the member of a family that a shared function computes
+    TieReads reads = TieReads::network;
 
     bool alternating() const { return lambda_default != 0.0f; }
 };
@@ -79,12 +87,13 @@ struct EffectRow {
 // One included effect of a run, ready for the combiner.
 template <class Store>
 struct Term {
-    int32_t row = 0;          // its catalogue row
-    int32_t slot = -1;        // index into the parameter and statistics vectors
-    int16_t variant = 0;      // copied from the row
-    bool carried = true;      // copied from the row
-    int8_t clique_order = 0;  // copied from the row
-    float lambda = 0.0f;      // the run's lambda (its default when the run file gave 0)
+    int32_t row = 0;                     // its catalogue row
+    int32_t slot = -1;                   // index into the parameter and statistics vectors
+    int16_t variant = 0;                 // copied from the row
+    bool carried = true;                 // copied from the row
+    int8_t clique_order = 0;             // copied from the row
+    TieReads reads = TieReads::network;  // copied from the row
+    float lambda = 0.0f;                 // the run's lambda (its default when the run file gave 0)
     WeightTable weights{};
     GainTable gains{};
     ChangeFn<Store> change = nullptr;

@@ -18,7 +18,7 @@
 #include "entry/embedding.h"
 #include "entry/memory_plan.h"
 #include "entry/run_context.h"
-#include "estimation/pseudo_likelihood.h"
+#include "estimation/exact_likelihood.h"
 #include "model/parameter_vector.h"
 #include "model/terms.h"
 #include "network/sparse_digraph.h"
@@ -229,16 +229,18 @@ EstimationSettings estimation_settings(const RunSettings& s);
 // than from the data: no place to start a chain.
 inline constexpr double plausible_start_limit = 30.0;
 
-// The automatic mode starts from the maximum pseudo-likelihood estimate when it is finite and
-// plausible, else from the run file's values; the console says which.
+// The automatic mode starts from the maximum likelihood estimate where a model of independent
+// dyads has it exactly, else from the maximum pseudo-likelihood estimate when it is finite and
+// plausible, else from the run file's values; the console says which. True when the start is
+// the exact estimate.
 template <class Store>
-void start_from_pseudo_likelihood(RunContext& context, ChainSetup<Store>& setup,
+bool start_from_pseudo_likelihood(RunContext& context, ChainSetup<Store>& setup,
                                   std::vector<double>& parameters, Console& console) {
     Rng rng;
     context.seeds.reseed(rng);
     const auto count = static_cast<int32_t>(parameters.size());
     const PseudoLikelihood fit =
-        pseudo_likelihood(setup.observed, setup.terms, count, setup.mask.get(), rng);
+        starting_estimate(setup.observed, setup.terms, count, setup.sampler, rng);
     bool plausible = fit.finite;
     for (const double value : fit.estimates)
         plausible = plausible && std::fabs(value) <= plausible_start_limit;
@@ -246,11 +248,19 @@ void start_from_pseudo_likelihood(RunContext& context, ChainSetup<Store>& setup,
         console.text.say(
             "vexa: the pseudo-likelihood has no usable maximum; starting from the run file's "
             "values\n");
-        return;
+        return false;
     }
     parameters = fit.estimates;
+    if (fit.exact) {
+        console.text.say(
+            "vexa: starting from the maximum likelihood estimate, exact for a model of "
+            "independent dyads (%lld dyads); phase 2 is not needed\n",
+            static_cast<long long>(fit.dyads_used));
+        return true;
+    }
     console.text.say("vexa: starting from the pseudo-likelihood estimate (%lld dyads%s)\n",
                      static_cast<long long>(fit.dyads_used), fit.sampled ? ", sampled" : "");
+    return false;
 }
 
 // The files an estimation leaves at its end: the end statistics, the change statistics and
@@ -287,7 +297,8 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
     Listeners listeners;
     start_console(listeners, context);
     if (context.automatic)
-        start_from_pseudo_likelihood(context, setup, parameters, listeners.console);
+        settings.exact_start =
+            start_from_pseudo_likelihood(context, setup, parameters, listeners.console);
     if (context.write_files) {
         write_estimation_start(context.names, s.network_name, settings, s.estimation_runs);
         listeners.parts.push_back(

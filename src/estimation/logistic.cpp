@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace vexa {
 
@@ -143,20 +144,91 @@ std::vector<double> column_scales(const LogisticCases& cases) {
     return s;
 }
 
-}  // namespace
-
-LogisticFit fit_logistic(const LogisticCases& cases) {
+// A case of several alternatives: eta_k = x_k . beta for each; the chosen one's eta less
+// log sum exp eta_k is its log-likelihood. `eta` has room for the alternatives.
+double choice_log_normaliser(const ChoiceCases& cases, size_t c, const std::vector<double>& beta,
+                             std::vector<double>& eta) {
     const auto p = static_cast<size_t>(cases.columns);
+    const auto K = static_cast<size_t>(cases.alternatives);
+    const double* rows = cases.x.data() + c * K * p;
+    double top = -std::numeric_limits<double>::infinity();
+    for (size_t k = 0; k < K; ++k) {
+        eta[k] = linear_predictor(rows + k * p, beta);
+        top = std::max(top, eta[k]);
+    }
+    double sum = 0.0;
+    for (size_t k = 0; k < K; ++k) sum += std::exp(eta[k] - top);
+    return top + std::log(sum);
+}
+
+double log_likelihood(const ChoiceCases& cases, const std::vector<double>& beta) {
+    std::vector<double> eta(static_cast<size_t>(cases.alternatives), 0.0);
+    double sum = 0.0;
+    for (size_t c = 0; c < cases.chosen.size(); ++c) {
+        const double normaliser = choice_log_normaliser(cases, c, beta, eta);
+        sum += eta[cases.chosen[c]] - normaliser;
+    }
+    return sum;
+}
+
+// The score (chosen less expected regressors) and the information (their covariance over the
+// alternatives), on the scale s, the information in its lower triangle.
+void score_and_information(const ChoiceCases& cases, const std::vector<double>& beta,
+                           const std::vector<double>& s, std::vector<double>& score,
+                           std::vector<double>& information) {
+    const auto p = static_cast<size_t>(cases.columns);
+    const auto K = static_cast<size_t>(cases.alternatives);
+    std::vector<double> eta(K, 0.0), mean(p, 0.0);
+    std::fill(score.begin(), score.end(), 0.0);
+    std::fill(information.begin(), information.end(), 0.0);
+    for (size_t c = 0; c < cases.chosen.size(); ++c) {
+        const double* rows = cases.x.data() + c * K * p;
+        const double normaliser = choice_log_normaliser(cases, c, beta, eta);
+        std::fill(mean.begin(), mean.end(), 0.0);
+        for (size_t k = 0; k < K; ++k) {
+            const double chance = std::exp(eta[k] - normaliser);
+            const double* row = rows + k * p;
+            for (size_t a = 0; a < p; ++a) {
+                mean[a] += chance * row[a];
+                const double left = chance * row[a];
+                for (size_t b = 0; b <= a; ++b) information[a * p + b] += left * row[b];
+            }
+        }
+        const double* chosen = rows + cases.chosen[c] * p;
+        for (size_t a = 0; a < p; ++a) {
+            score[a] += chosen[a] - mean[a];
+            for (size_t b = 0; b <= a; ++b) information[a * p + b] -= mean[a] * mean[b];
+        }
+    }
+    for (size_t a = 0; a < p; ++a) {
+        score[a] *= s[a];
+        for (size_t b = 0; b <= a; ++b) information[a * p + b] *= s[a] * s[b];
+    }
+}
+
+// As for the logistic cases: 1 / sqrt of a quarter of each column's sum of squares over every
+// alternative, so that the first information matrix has a diagonal near one.
+std::vector<double> column_scales(const ChoiceCases& cases) {
+    const auto p = static_cast<size_t>(cases.columns);
+    std::vector<double> s(p, 0.0);
+    for (size_t at = 0; at < cases.x.size(); ++at) s[at % p] += 0.25 * cases.x[at] * cases.x[at];
+    for (double& v : s) {
+        if (!(v > 0.0) || !std::isfinite(v)) return {};
+        v = 1.0 / std::sqrt(v);
+    }
+    return s;
+}
+
+// Newton-Raphson with step halving from zero, on the scale s, for any cases that have a
+// log_likelihood and a score_and_information. `total_weight` scales the stopping rule.
+template <class Cases>
+LogisticFit newton_fit(const Cases& cases, const std::vector<double>& s, double total_weight) {
+    const size_t p = s.size();
     LogisticFit fit;
     fit.coefficients.assign(p, 0.0);
-    if (p == 0 || cases.y.empty()) return fit;
-    if (!std::isfinite(cases.tie_weight) || !std::isfinite(cases.non_tie_weight)) return fit;
-    const std::vector<double> s = column_scales(cases);
-    if (s.empty()) return fit;
     std::vector<double> beta(p, 0.0), trial(p, 0.0), score(p, 0.0), step(p, 0.0);
     std::vector<double> information(p * p, 0.0);
     double current = log_likelihood(cases, beta);
-    const double total_weight = weight_sum(cases);
     while (fit.iterations < logistic_iteration_limit) {
         ++fit.iterations;
         score_and_information(cases, beta, s, score, information);
@@ -187,6 +259,33 @@ LogisticFit fit_logistic(const LogisticCases& cases) {
         }
     }
     return fit;
+}
+
+}  // namespace
+
+LogisticFit fit_logistic(const LogisticCases& cases) {
+    LogisticFit fit;
+    fit.coefficients.assign(static_cast<size_t>(cases.columns), 0.0);
+    if (cases.columns == 0 || cases.y.empty()) return fit;
+    if (!std::isfinite(cases.tie_weight) || !std::isfinite(cases.non_tie_weight)) return fit;
+    const std::vector<double> s = column_scales(cases);
+    if (s.empty()) return fit;
+    return newton_fit(cases, s, weight_sum(cases));
+}
+
+LogisticFit fit_choices(const ChoiceCases& cases) {
+    LogisticFit fit;
+    fit.coefficients.assign(static_cast<size_t>(cases.columns), 0.0);
+    if (cases.columns == 0 || cases.alternatives < 2 || cases.chosen.empty()) return fit;
+    if (cases.x.size() != cases.chosen.size() * static_cast<size_t>(cases.alternatives) *
+                              static_cast<size_t>(cases.columns))
+        return fit;
+    for (const uint8_t chosen : cases.chosen) {
+        if (chosen >= cases.alternatives) return fit;
+    }
+    const std::vector<double> s = column_scales(cases);
+    if (s.empty()) return fit;
+    return newton_fit(cases, s, static_cast<double>(cases.chosen.size()));
 }
 
 }  // namespace vexa

@@ -23,6 +23,9 @@ struct EstimationSettings {
     // The automatic mode: the steps between draws from the chain's measured autocorrelation and
     // phase 3 until every statistic has enough effective draws (see automatic.h).
     bool automatic = false;
+    // The start is the maximum likelihood estimate itself (a model of independent dyads): the
+    // automatic mode then has nothing for phase 2 to find and goes from phase 1 to phase 3.
+    bool exact_start = false;
 };
 
 // Why a run stopped as degenerate.
@@ -88,6 +91,7 @@ struct EstimationRun {
     double phase2_autocorrelation = 0.0;  // in the last sub-phase
     int32_t phase3_cap = 0;
     double phase3_effective_draws = 0.0;
+    bool phase2_skipped = false;  // the start was the exact maximum likelihood estimate
 };
 
 namespace estimation_detail {

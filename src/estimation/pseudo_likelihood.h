@@ -2,9 +2,9 @@
 // The maximum pseudo-likelihood estimate (MPLE) of a model, written once for every store type:
 // the logistic regression of each dyad's tie indicator on its change statistics, the change
 // of the statistics when the dyad's tie is added with the rest of the network as observed.
-// For a model whose dyads are independent (edges, reciprocity, attribute effects of dyads) it
-// is the maximum likelihood estimate itself; for any other it is a cheap starting point for the
-// stochastic approximation.
+// For a model whose ties are independent (edges, attribute effects of dyads) it is the maximum
+// likelihood estimate itself (exact_likelihood.h says when); for any other it is a cheap
+// starting point for the stochastic approximation.
 //
 // Small networks enter dyad by dyad. Large ones enter through a sample stratified by outcome:
 // ties and non-ties drawn separately, each case weighted by the inverse of its stratum's
@@ -34,6 +34,7 @@ struct PseudoLikelihood {
     int64_t ties_used = 0;          // of which ties
     bool sampled = false;           // the dyads were sampled rather than all visited
     int32_t iterations = 0;         // Newton steps taken
+    bool exact = false;             // the maximum likelihood estimate itself (exact_likelihood.h)
 };
 
 // Up to `exact_dyads` allowed dyads every dyad enters: 250,000 is a graph of about 700 nodes

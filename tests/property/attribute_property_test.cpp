@@ -222,6 +222,7 @@ void check_case(const AttributeCase& c) {
                 store, terms, [&](double change, double difference, const std::string& what) {
                     EXPECT_EQ(change, difference) << name << " " << what;
                 });
+            testing::check_reads_claim(store, terms);
             EXPECT_EQ(check_bookkeeping(store), "");
             EXPECT_TRUE(Fixture::adjacency(store).cells == matrix.cells);
         }

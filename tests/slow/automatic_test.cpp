@@ -52,15 +52,8 @@ Tally fit_seeds(const std::string& tag, const std::string& dir, const GraphRunFi
 }
 
 GraphRunFile faux_mesa_homophily(const std::string& dir) {
-    for (const char* name : {"faux.mesa.high.txt", "faux.mesa.high_attributes.txt"}) {
-        std::filesystem::copy_file(testing::data_path(name), dir + "/" + name,
-                                   std::filesystem::copy_options::overwrite_existing);
-    }
-    GraphRunFile file;
-    file.nodes = 205;
-    file.network_file = "faux.mesa.high.txt";
+    GraphRunFile file = testing::on_school_network(dir);
     file.effects = {{"edge", {0.0, 0.0}}, {"AT", {0.0, 1.284}}};
-    file.attribute_sections = testing::grade_same_category_sections();
     return file;
 }
 

@@ -96,6 +96,14 @@ GraphRunFile on_network(const std::string& dir, const std::string& network, Netw
     return file;
 }
 
+GraphRunFile on_school_network(const std::string& dir) {
+    write_text(dir + "/faux.mesa.high_attributes.txt",
+               read_text(data_path("faux.mesa.high_attributes.txt")));
+    GraphRunFile file = on_network(dir, "faux.mesa.high.txt", NetworkKind::graph, 205);
+    file.attribute_sections = grade_same_category_sections();
+    return file;
+}
+
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed, bool confirm,
                      int* status, bool automatic) {
     const WorkingDirectory here(dir);

@@ -52,6 +52,11 @@ struct GraphRunFile {
 GraphRunFile on_network(const std::string& dir, const std::string& network,
                         NetworkKind kind = NetworkKind::graph, int nodes = 16);
 
+// A run file on the school network (faux.mesa.high, 205 nodes) with Grade's same-category
+// effect included and no structural effect yet; the network and its attributes are copied into
+// `dir`.
+GraphRunFile on_school_network(const std::string& dir);
+
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
 // With `confirm`, a converged estimation is checked with a long chain.

@@ -4,7 +4,7 @@
 // stratified sample through edge alone, which its weights keep exact; and data without a
 // finite maximum must say so, promptly.
 
-#include "estimation/pseudo_likelihood.h"
+#include "estimation/exact_likelihood.h"
 
 #include <gtest/gtest.h>
 
@@ -33,25 +33,31 @@ std::vector<Term<Store>> structural(const std::vector<int>& rows) {
     return make_terms<Store>(testing::model_of(Store::kind, rows));
 }
 
-// Edge (slot 0) and the same-category effect of one categorical attribute (slot 1).
-Model homophily_model(const std::vector<double>& categories) {
-    Model model = testing::model_of(NetworkKind::graph, {int(GraphEffect::edge)});
-    AttributeSection& section = model.section(AttributeKind::categorical);
-    const size_t rows =
-        attribute_catalogue(NetworkKind::graph, AttributeKind::categorical).rows.size();
+// The structural rows, then one attribute effect of one attribute (the last slot).
+Model attribute_model(NetworkKind kind, const std::vector<int>& structural_rows,
+                      AttributeKind which, int effect, const std::vector<double>& values) {
+    Model model = testing::model_of(kind, structural_rows);
+    AttributeSection& section = model.section(which);
+    const size_t rows = attribute_catalogue(kind, which).rows.size();
     section.given = true;
     section.count = 1;
-    section.names = {"group"};
-    section.data = {categories};
-    section.missing = {std::vector<uint8_t>(categories.size(), 0)};
+    section.names = {"a"};
+    section.data = {values};
+    section.missing = {std::vector<uint8_t>(values.size(), 0)};
     section.included.assign(rows, {0});
     section.value.assign(rows, {0.0});
     section.slot.assign(rows, {-1});
-    section.included[size_t(GraphCategoricalEffect::same)][0] = 1;
-    section.slot[size_t(GraphCategoricalEffect::same)][0] = 1;
+    section.included[size_t(effect)][0] = 1;
+    section.slot[size_t(effect)][0] = static_cast<int32_t>(structural_rows.size());
     section.included_count = 1;
     model.attributes_given = true;
     return model;
+}
+
+// Edge (slot 0) and the same-category effect of one categorical attribute (slot 1).
+Model homophily_model(const std::vector<double>& categories) {
+    return attribute_model(NetworkKind::graph, {int(GraphEffect::edge)}, AttributeKind::categorical,
+                           int(GraphCategoricalEffect::same), categories);
 }
 
 template <class Store>
@@ -112,6 +118,85 @@ TEST(PseudoLikelihood, DyadIndependentModelsGiveTheirClosedForms) {
     ASSERT_TRUE(fit.finite);
     EXPECT_NEAR(fit.estimates[0], -std::log(2.0), 1e-6);
     EXPECT_NEAR(fit.estimates[1], 2.0 * std::log(2.0), 1e-6);
+}
+
+TEST(ExactLikelihood, DyadModelsSolveTheirMomentEquations) {
+    // Arc, reciprocity and the arcs sent by the nodes of a binary attribute: each dyad is one of
+    // four states, and at the maximum the expected statistics, summed over the dyads from their
+    // states' chances (counted here from the states, not from change statistics), equal the
+    // observed ones. The pseudo-likelihood, which conditions each arc on the observed reverse
+    // arc, misses them.
+    const std::vector<double> senders{1, 0, 1, 1, 0, 0, 1, 0};
+    const std::vector<std::pair<int, int>> arcs{{0, 1}, {1, 0}, {1, 2}, {3, 4}, {4, 3},
+                                                {4, 5}, {5, 6}, {6, 5}, {0, 3}, {3, 0},
+                                                {2, 7}, {7, 1}, {6, 0}, {5, 3}, {2, 6}};
+    Digraph d = store_of<Digraph>(8, arcs);
+    const Digraph before = d;
+    const Model model = attribute_model(
+        NetworkKind::digraph, {int(DigraphEffect::arc), int(DigraphEffect::reciprocity)},
+        AttributeKind::binary, int(DigraphBinaryEffect::sender), senders);
+    const auto terms = make_terms<Digraph>(model);
+    SamplerSettings free;
+    Rng rng;
+    const PseudoLikelihood fit = starting_estimate(d, terms, 3, free, rng);
+    ASSERT_TRUE(fit.finite && fit.exact);
+    EXPECT_TRUE(testing::same_store(d, before));
+    EXPECT_EQ(fit.dyads_used, 28);
+    const std::vector<double> observed = testing::totals_of(d, terms, 3);
+    std::vector<double> expected(3, 0.0);
+    for (int i = 0; i < 8; ++i) {
+        for (int j = i + 1; j < 8; ++j) {
+            double norm = 0.0, moments[3] = {0.0, 0.0, 0.0};
+            for (int state = 0; state < 4; ++state) {  // bit 0: i -> j, bit 1: j -> i
+                const int forward = state & 1, backward = state >> 1;
+                const double s[3] = {double(forward + backward), double(forward * backward),
+                                     forward * senders[size_t(i)] + backward * senders[size_t(j)]};
+                const double w = std::exp(fit.estimates[0] * s[0] + fit.estimates[1] * s[1] +
+                                          fit.estimates[2] * s[2]);
+                norm += w;
+                for (int k = 0; k < 3; ++k) moments[k] += w * s[k];
+            }
+            for (int k = 0; k < 3; ++k) expected[size_t(k)] += moments[k] / norm;
+        }
+    }
+    for (size_t k = 0; k < 3; ++k) EXPECT_NEAR(expected[k], observed[k], 1e-8) << k;
+    const PseudoLikelihood pseudo = mple(d, terms, 3);
+    ASSERT_TRUE(pseudo.finite && !pseudo.exact);
+    EXPECT_GT(std::fabs(pseudo.estimates[2] - fit.estimates[2]), 1e-3);
+
+    // Arc and reciprocity alone: the four-state fit is the dyad census's closed form.
+    const std::vector<std::pair<int, int>> census{{0, 1}, {1, 0}, {2, 3}, {3, 2}, {4, 5}, {5, 4},
+                                                  {0, 2}, {3, 1}, {4, 6}, {6, 0}, {5, 2}};
+    SparseDigraph sparse = store_of<SparseDigraph>(7, census);
+    const PseudoLikelihood closed = dyad_likelihood(
+        sparse,
+        structural<SparseDigraph>({int(DigraphEffect::arc), int(DigraphEffect::reciprocity)}), 2);
+    ASSERT_TRUE(closed.finite);
+    EXPECT_NEAR(closed.estimates[0], std::log(5.0 / 26.0), 1e-9);
+    EXPECT_NEAR(closed.estimates[1], std::log(4.0 * 3.0 * 13.0 / 25.0), 1e-9);
+}
+
+TEST(ExactLikelihood, OnlyModelsOfIndependentDyadsOverEveryNetworkAreExact) {
+    Rng rng;
+    Graph g = store_of<Graph>(6, {{0, 1}, {0, 2}, {3, 4}, {4, 5}, {0, 3}, {1, 4}, {2, 5}});
+    const Model model = homophily_model({1, 1, 1, 2, 2, 2});  // the terms read its values
+    const auto homophily = make_terms<Graph>(model);
+    SamplerSettings sampler;
+    EXPECT_TRUE(starting_estimate(g, homophily, 2, sampler, rng).exact);
+    sampler.proposal = Proposal::tie_no_tie;
+    EXPECT_TRUE(starting_estimate(g, homophily, 2, sampler, rng).exact);
+    // A dependent model; a proposal that keeps the number of ties; a degree cap that binds; a
+    // sample of dyads: each leaves the pseudo-likelihood a start only.
+    const auto stars = structural<Graph>({int(GraphEffect::edge), int(GraphEffect::star2)});
+    EXPECT_FALSE(starting_estimate(g, stars, 2, sampler, rng).exact);
+    sampler.proposal = Proposal::swap;
+    EXPECT_FALSE(starting_estimate(g, homophily, 2, sampler, rng).exact);
+    sampler.proposal = Proposal::toggle;
+    sampler.max_degree = 3;
+    EXPECT_FALSE(starting_estimate(g, homophily, 2, sampler, rng).exact);
+    sampler.max_degree = 9999;
+    const PseudoLikelihood sampled = starting_estimate(g, homophily, 2, sampler, rng, {5, 3, 3});
+    EXPECT_TRUE(sampled.sampled && !sampled.exact);
 }
 
 TEST(PseudoLikelihood, DependentModelsSolveTheirScoreEquations) {
