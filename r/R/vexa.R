@@ -321,7 +321,7 @@ convergence_note <- function(fit) {
   count <- length(fit$runs)
   last <- fit$runs[[count]]
   if (fit$reported_run == 0L) {
-    return(sprintf("every run (%d) was degenerate and left no estimates; %s", count,
+    return(sprintf("every run (%d) stopped before phase 3 and left no estimates; %s", count,
                    last$advice))
   }
   run <- fit$runs[[fit$reported_run]]

@@ -159,7 +159,7 @@ List estimation_runs(const vexa::EstimationRecord& e,
             Named("observed") = vector_of(run.observed),
             Named("trace") = matrix_of_rows(trace, static_cast<size_t>(p)),
             Named("gains") = vector_of(gains), Named("steps_per_draw") = run.steps_per_draw,
-            Named("degenerate") = run.degenerate, Named("stage") = run.stage,
+            Named("degenerate") = run.degenerate && !run.astray, Named("stage") = run.stage,
             Named("culprit") = run.culprit + 1,
             Named("estimates") = finished ? vector_of(run.estimates) : NumericVector(),
             Named("standard_errors") = finished ? vector_of(run.standard_errors) : NumericVector(),
@@ -173,7 +173,9 @@ List estimation_runs(const vexa::EstimationRecord& e,
         one["automatic"] = run.automatic;
         one["phase3_draws"] = run.phase3_draws;
         // Why a degenerate run stopped and what to change, in the words the console uses.
-        one["advice"] = run.degenerate ? vexa::degeneracy_advice(run, labels) : std::string();
+        one["advice"] = run.astray       ? vexa::astray_text(run, labels)
+                        : run.degenerate ? vexa::degeneracy_advice(run, labels)
+                                         : std::string();
         runs[static_cast<R_xlen_t>(k)] = one;
     }
     return runs;

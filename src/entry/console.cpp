@@ -49,13 +49,17 @@ void stage_started(Console& c, const StageStarted& e) {
 
 void run_ended(Console& c, const RunEnded& e) {
     const EstimationRun& run = e.record;
-    if (run.degenerate) c.text.say("  degenerate model: %s\n", degeneracy_text(run.degeneracy));
+    if (run.degenerate && !run.astray)
+        c.text.say("  degenerate model: %s\n", degeneracy_text(run.degeneracy));
     // A digraph's runs also print their t-ratios, as the front end reads them.
     if (c.kind == NetworkKind::digraph && !run.t_ratios.empty()) {
         for (const double t : run.t_ratios) c.text.say("%lf\t", t);
         c.text.say("\n");
     }
-    if (run.degenerate) {
+    if (run.astray) {
+        c.text.say("vexa: run %d did not converge: %s\n", e.run,
+                   astray_text(run, c.labels).c_str());
+    } else if (run.degenerate) {
         c.text.say("vexa: run %d found the model degenerate: %s\n", e.run,
                    degeneracy_advice(run, c.labels).c_str());
     } else {

@@ -34,6 +34,16 @@ struct EstimationRecord {
 // The verdict on a run: its t-ratios and effective sample sizes decide, not the quoted flag.
 ConvergenceCheck verdict_on(const EstimationRun& run, int32_t multiplication_factor);
 
+// Whether a run that stopped is taken for a path gone astray rather than a degenerate model.
+// A parameter that runs off in phase 2, a chain that collapses there to the empty or the
+// complete network, or phase-3 draws far from the observed network show either a model that
+// puts its weight on networks unlike the observed one or a path steered badly from a start
+// far from the estimate (phase 1's covariance, measured there, misjudges the steps once the
+// parameters have travelled, and can carry them into another mode of a model near a phase
+// transition). The first time, with runs still to go, it is taken for the latter: the next
+// run starts again with half the gain, and a model that stops so again is named degenerate.
+bool went_astray(const EstimationRun& run, bool previous_stopped, bool last_run);
+
 // The run whose estimates an estimation reports (from 1): the converged one, else the
 // non-degenerate run whose largest t-ratio was smallest (the last of equals); 0 when every run
 // was degenerate.
@@ -54,12 +64,17 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
     Chain<Store> chain = setup.chain_on(working, p, rng);
     Matrix D = make_matrix(p, p, 0.0);
     AutoCarry carry;
+    EstimationSettings run_settings = settings;
+    bool previous_stopped = false;
     for (int32_t run = 1; run <= runs && !record.converged; ++run) {
         // A run after the first starts from a clean D, even after a degenerate run left it
         // partly reduced.
         if (run > 1) D = make_matrix(p, p, 0.0);
         observer.tell(RunStarted{run, runs});
-        EstimationRun result = estimate(chain, parameters, D, settings, seeds, observer, carry);
+        EstimationRun result = estimate(chain, parameters, D, run_settings, seeds, observer, carry);
+        result.astray = went_astray(result, previous_stopped, run == runs);
+        previous_stopped = result.degenerate;
+        if (result.astray) run_settings.start_a_value *= 0.5f;
         const ConvergenceCheck check = verdict_on(result, settings.multiplication_factor);
         record.converged = check.verdict == Verdict::converged;
         if (run == runs || record.converged)

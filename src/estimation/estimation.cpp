@@ -50,10 +50,17 @@ const char* degeneracy_text(Degeneracy why) {
 ConvergenceCheck verdict_on(const EstimationRun& run, int32_t multiplication_factor) {
     if (run.degenerate) {
         ConvergenceCheck check;
-        check.verdict = Verdict::degenerate;
+        check.verdict = run.astray ? Verdict::not_converged : Verdict::degenerate;
         return check;
     }
     return check_convergence(run.phase3_draws_matrix, run.observed, multiplication_factor);
+}
+
+bool went_astray(const EstimationRun& run, bool previous_stopped, bool last_run) {
+    const bool steered_off = (run.stage == 2 && (run.degeneracy == Degeneracy::runaway ||
+                                                 run.degeneracy == Degeneracy::extreme_network)) ||
+                             (run.stage == 3 && run.degeneracy == Degeneracy::far_statistic);
+    return run.degenerate && steered_off && !previous_stopped && !last_run;
 }
 
 bool estimation_detail::clearly_not_converged(const Matrix& draws,

@@ -66,6 +66,10 @@ struct EstimationRun {
     std::vector<double> phase1_means;
     bool degenerate = false;  // the run stopped at `stage`; nothing of later stages is filled
     Degeneracy degeneracy = Degeneracy::none;
+    // The run stopped in phase 2, but its path is taken to have gone astray from a start far
+    // from the estimate rather than to show a degenerate model (see went_astray): its verdict
+    // is "not converged".
+    bool astray = false;
     int32_t stage = 1;     // the last phase the run reached
     int32_t culprit = -1;  // the parameter that ran away, or the statistic that stayed fixed
     double culprit_from = 0.0, culprit_to = 0.0;  // its value before and when it was caught

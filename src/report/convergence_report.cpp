@@ -72,6 +72,22 @@ std::string degeneracy_advice(const EstimationRun& run, const std::vector<Parame
     return "";
 }
 
+std::string astray_text(const EstimationRun& run, const std::vector<ParameterLabel>& labels) {
+    const std::string name = name_at(labels, run.culprit);
+    std::string what = "the chain reached the empty or the complete network in phase 2";
+    if (run.degeneracy == Degeneracy::runaway) {
+        what = format_message("the parameter of %s ran away from %g to %g in phase 2", name.c_str(),
+                              run.culprit_from, run.culprit_to);
+    } else if (run.degeneracy == Degeneracy::far_statistic) {
+        what = format_message(
+            "the phase-3 draws of %s stayed far from its observed value (mean %g, observed %g)",
+            name.c_str(), run.culprit_to, run.culprit_from);
+    }
+    return what +
+           ", taken for a path gone astray from a start far from the estimate; the next run "
+           "starts again from the starting values with half the gain";
+}
+
 std::string confirmation_summary(bool confirmed, const ConvergenceCheck& check,
                                  const std::vector<ParameterLabel>& labels) {
     return format_message(

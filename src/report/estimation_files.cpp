@@ -30,7 +30,10 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
         covariance.close();
     }
     OutFile verdicts(names.convergence, OpenMode::append);
-    if (record.degenerate) {
+    if (record.astray) {
+        print(verdicts, "Run %d\nverdict\tnot converged\nreason\t%s\n\n", run,
+              astray_text(record, labels).c_str());
+    } else if (record.degenerate) {
         print(verdicts, "Run %d\nverdict\tdegenerate\nreason\t%s\n\n", run,
               degeneracy_advice(record, labels).c_str());
     } else {
@@ -43,7 +46,7 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
 std::string reported_run_text(const EstimationRecord& record) {
     if (record.converged || record.runs.empty()) return "";
     int degenerate = 0;
-    for (const EstimationRun& run : record.runs) degenerate += run.degenerate ? 1 : 0;
+    for (const EstimationRun& run : record.runs) degenerate += run.degenerate && !run.astray;
     // Runs that found the model degenerate amid runs that did not converge speak of the
     // model, not of the settings: more steps will not help.
     const std::string model = degenerate == 0

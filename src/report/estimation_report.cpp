@@ -8,6 +8,14 @@ namespace vexa {
 
 namespace {
 
+// The line a run that stopped ends its report with: a path taken to have gone astray is not a
+// verdict on the model.
+const char* stopped_line(const EstimationRun& run) {
+    return run.astray ? "Not converged: the parameters went astray; the next run starts again "
+                        "with half the gain\n"
+                      : "Degenerate Model!\n";
+}
+
 void print_values(FILE* out, const char* heading, const std::vector<double>& values) {
     print(out, "%s", heading);
     for (const double value : values) print(out, "%f\t", value);
@@ -56,7 +64,7 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
         print(out, "\n");
     }
     if (run.degenerate && run.stage == 2) {
-        print(out, "Degenerate Model!\n");
+        print(out, "%s", stopped_line(run));
         return;
     }
     print_values(out, "END PHASE2 parameter:", run.after_phase2);
@@ -67,7 +75,7 @@ void write_estimation_run(FILE* out, const EstimationRun& run,
           run.phase3_draws, run.steps_per_draw);
     print_values(out, "mean statistics in phase3:", run.phase3_means);
     if (run.degenerate) {
-        print(out, "Degenerate Model!\n");
+        print(out, "%s", stopped_line(run));
         return;
     }
     write_estimation_summary(out, labels, run.estimates, run.standard_errors, run.t_ratios,

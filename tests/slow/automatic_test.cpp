@@ -22,9 +22,10 @@ using testing::GraphRunFile;
 
 struct Tally {
     int fits = 0;
-    int first_run = 0;  // converged in the first run
-    int claims = 0;     // converged in some run
-    int confirmed = 0;  // and confirmed by the long chain
+    int first_run = 0;   // converged in the first run
+    int claims = 0;      // converged in some run
+    int confirmed = 0;   // and confirmed by the long chain
+    int degenerate = 0;  // runs that called the model degenerate
 };
 
 // Fits `file` in `dir` with the automatic mode and the long-chain check, once per seed.
@@ -42,6 +43,7 @@ Tally fit_seeds(const std::string& tag, const std::string& dir, const GraphRunFi
         tally.first_run += first ? 1 : 0;
         tally.claims += claimed ? 1 : 0;
         tally.confirmed += confirmed ? 1 : 0;
+        tally.degenerate += verdicts.find("verdict\tdegenerate") != std::string::npos ? 1 : 0;
         std::printf("%s seed %d:%s%s\n", tag.c_str(), seed, first ? " first run" : "",
                     claimed ? (confirmed ? " confirmed" : " NOT CONFIRMED") : " not converged");
         std::fflush(stdout);
@@ -65,10 +67,11 @@ int school_seeds() {
     return seeds > 0 ? seeds : 2;
 }
 
-// Nearly every fit converges in its first run, and the long chain confirms at least 95 claims
-// in 100.
+// Nearly every fit converges in its first run, no run calls a good model degenerate, and the
+// long chain confirms at least 95 claims in 100.
 void expect_first_try(const Tally& t) {
     EXPECT_GE(t.first_run * 10, t.fits * 9);
+    EXPECT_EQ(t.degenerate, 0) << "a good model was called degenerate";
     EXPECT_GE(t.confirmed * 100, t.claims * 95);
 }
 
