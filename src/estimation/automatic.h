@@ -68,9 +68,11 @@ bool run_auto_phase1(RunState<Store>& r, const AutoCarry& carry) {
         if (r.extreme || attempt == auto_phase1_attempts ||
             r.run.phase1_autocorrelation <= auto_independent_time)
             break;
-        // A short series cannot show an autocorrelation time much above a tenth of its length:
-        // grow by at most tenfold and measure again.
-        r.K *= std::min(std::ceil(r.run.phase1_autocorrelation), 10.0);
+        // Growing the steps by tau / 2 brings consecutive draws to about the independence
+        // wanted; growing by tau would make them fully independent at twice the steps, no
+        // more effective draws per step. A short series cannot show an autocorrelation time
+        // much above a tenth of its length: grow by at most tenfold and measure again.
+        r.K *= std::min(std::ceil(r.run.phase1_autocorrelation / auto_independent_time), 10.0);
     }
     return finish_phase1(r, draws);
 }
@@ -78,8 +80,8 @@ bool run_auto_phase1(RunState<Store>& r, const AutoCarry& carry) {
 // The steps per draw after sub-phase k: near the estimate the chain may mix far more slowly
 // than at the start, where phase 1 measured it. From the third sub-phase on, the parameters
 // move little within a sub-phase, and its iterations show how the chain mixes there; while
-// they are far from independent, the steps per draw grow by their autocorrelation time (at
-// most tenfold at a time, as a short series cannot show more).
+// they are far from independent, the steps per draw grow as in phase 1 (by half their
+// autocorrelation time, at most tenfold at a time).
 template <class Store>
 void space_draws_after_subphase(RunState<Store>& r, int k) {
     Matrix trace;
@@ -90,7 +92,7 @@ void space_draws_after_subphase(RunState<Store>& r, int k) {
     if (k < 2) return;
     r.run.phase2_autocorrelation = slowest_autocorrelation(trace);
     if (r.run.phase2_autocorrelation > auto_independent_time) {
-        r.K *= std::min(std::ceil(r.run.phase2_autocorrelation), 10.0);
+        r.K *= std::min(std::ceil(r.run.phase2_autocorrelation / auto_independent_time), 10.0);
         r.run.steps_per_draw = r.K;
     }
 }
