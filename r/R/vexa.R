@@ -528,19 +528,26 @@ print.vexa_gof <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
   invisible(x)
 }
 
-vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL) {
+vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto = TRUE) {
   if (!is.character(run_file) || length(run_file) != 1L || is.na(run_file)) {
     fail("run_file must be one file name")
   }
   if (!is.logical(check) || length(check) != 1L || is.na(check)) {
     fail("check must be TRUE or FALSE")
   }
+  if (!is.logical(auto) || length(auto) != 1L || is.na(auto)) fail("auto must be TRUE or FALSE")
   if (!is.null(sampler) && !(sampler %in% 0:3)) fail("sampler must be 0, 1, 2 or 3")
   started <- Sys.time()
   result <- .vexa_run_file(path.expand(run_file), check_seed(seed), check,
-                           if (is.null(sampler)) -1L else as.integer(sampler))
+                           if (is.null(sampler)) -1L else as.integer(sampler), auto)
   if (nzchar(result$console)) message(sub("\n$", "", result$console))
   if (nzchar(result$error)) stop(vexa_error(result$error))
+  if (isTRUE(result$not_converged)) {
+    warning(structure(class = c("vexa_not_converged", "warning", "condition"),
+                      list(message = paste("vexa: the estimation ended without a converged run;",
+                                           "its convergence file says why"),
+                           call = NULL)))
+  }
   written <- function(dir, pattern) {
     if (!dir.exists(dir)) return(character())
     files <- list.files(dir, pattern = pattern, full.names = TRUE)

@@ -410,9 +410,10 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
 }
 
 // [[Rcpp::export(.vexa_run_file)]]
-List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler) {
+List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic) {
     vexa::RunOptions options;
     set_options(options, seed, check, sampler);
+    options.automatic = automatic;
     // Moves no bar, but lets the user interrupt the run.
     BarState bar;
     const vexa::Observer interrupts = bar_observer(bar);
@@ -420,5 +421,6 @@ List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler) {
     const vexa::FileRunResult result = vexa::run_file_request(run_file, options);
     return List::create(Named("error") = result.error, Named("console") = result.console,
                         Named("output_dir") = result.output_directory,
-                        Named("name") = result.network_name);
+                        Named("name") = result.network_name,
+                        Named("not_converged") = result.not_converged);
 }

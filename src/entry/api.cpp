@@ -187,7 +187,7 @@ FileRunResult run_file_request(const std::string& run_file, const RunOptions& op
         }
         RunOptions quiet = options;
         quiet.console = console.get();
-        run_driver(run_file, quiet);
+        result.not_converged = run_driver(run_file, quiet) == RunOutcome::not_converged;
     });
     result.console = read_back(console.file);
     return result;

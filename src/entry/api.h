@@ -82,6 +82,7 @@ struct FileRunResult {
     std::string console;
     std::string output_directory;
     std::string network_name;
+    bool not_converged = false;  // an estimation ended without a converged run
 };
 FileRunResult run_file_request(const std::string& run_file, const RunOptions& options) noexcept;
 
