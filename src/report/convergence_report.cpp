@@ -140,23 +140,28 @@ void write_convergence_block(FILE* out, const char* heading, const ConvergenceCh
 
 std::string automatic_choices(const EstimationRun& run) {
     if (!run.automatic) return "";
-    const char* skipped =
-        run.phase2_skipped
-            ? "phase 2\tnot run: the start is the maximum likelihood estimate, exact for a model "
-              "of independent dyads\n"
-            : "";
-    return skipped +
-           format_message(
-               "steps per draw\t%.0f in phases 1 and 2, %.0f in phase 3 (the multiplication factor "
-               "gives %.0f; the slowest statistic's autocorrelation time was %.2f draws in phase 1 "
-               "and "
-               "%.2f in the last sub-phase)\n"
-               "phase-3 draws\t%d (at most %d; the smallest effective sample size %.0f of %d "
-               "wanted)\n",
+    const std::string draws = format_message(
+        "phase-3 draws\t%d (at most %d; the smallest effective sample size %.0f of %d wanted)\n",
+        run.phase3_draws, run.phase3_cap, run.phase3_effective_draws, auto_effective_draws);
+    if (run.phase2_skipped) {
+        return format_message(
+                   "phase 2\tnot run: the start is the maximum likelihood estimate, exact for a "
+                   "model of independent dyads\n"
+                   "steps per draw\t%.0f in phases 1 and 3 (the multiplication factor gives "
+                   "%.0f; the slowest statistic's autocorrelation time was %.2f draws in phase "
+                   "1)\n",
+                   std::ceil(run.steps_per_draw), std::ceil(run.factor_steps_per_draw),
+                   run.phase1_autocorrelation) +
+               draws;
+    }
+    return format_message(
+               "steps per draw\t%.0f in phases 1 and 2, %.0f in phase 3 (the multiplication "
+               "factor gives %.0f; the slowest statistic's autocorrelation time was %.2f draws "
+               "in phase 1 and %.2f in the last sub-phase)\n",
                std::ceil(run.phase1_steps_per_draw), std::ceil(run.steps_per_draw),
                std::ceil(run.factor_steps_per_draw), run.phase1_autocorrelation,
-               run.phase2_autocorrelation, run.phase3_draws, run.phase3_cap,
-               run.phase3_effective_draws, auto_effective_draws);
+               run.phase2_autocorrelation) +
+           draws;
 }
 
 }  // namespace vexa
