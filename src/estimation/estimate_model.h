@@ -83,7 +83,8 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
         recount(chain);
         // A runaway parameter is no place to start the next run from.
         if (result.degenerate) parameters = start;
-        carry = carry_after(result);
+        carry = carry_after(result, check);
+        if (!carry.newton_start.empty()) parameters = carry.newton_start;
         record.runs.push_back(std::move(result));
         record.checks.push_back(check);
         observer.tell(RunEnded{run, record.runs.back(), record.checks.back()});

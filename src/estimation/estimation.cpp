@@ -73,7 +73,7 @@ bool estimation_detail::clearly_not_converged(const Matrix& draws,
     return false;
 }
 
-AutoCarry carry_after(const EstimationRun& run) {
+AutoCarry carry_after(const EstimationRun& run, const ConvergenceCheck& check) {
     AutoCarry carry;
     if (!run.automatic || run.degenerate) return carry;
     // The next run's phase 1 measures the mixing again at its start, the estimate of this
@@ -81,6 +81,22 @@ AutoCarry carry_after(const EstimationRun& run) {
     // that reached the effective draws wanted.
     carry.steps_per_draw = run.steps_per_draw;
     if (run.phase3_effective_draws >= auto_effective_draws) carry.phase3_draws = run.phase3_draws;
+    if (check.verdict == Verdict::converged || check.t_ratios.size() != run.estimates.size())
+        return carry;
+    for (const double t : check.t_ratios) {
+        if (!(std::fabs(t) <= auto_newton_t_limit)) return carry;
+    }
+    const int p = static_cast<int>(run.estimates.size());
+    std::vector<double> start = run.estimates;
+    for (int j = 0; j < p; ++j) {
+        for (int l = 0; l < p; ++l) {
+            const auto k = static_cast<size_t>(l);
+            start[static_cast<size_t>(j)] -=
+                run.covariance[j][l] * (run.phase3_means[k] - run.observed[k]);
+        }
+        if (!std::isfinite(start[static_cast<size_t>(j)])) return carry;
+    }
+    carry.newton_start = std::move(start);
     return carry;
 }
 

@@ -28,8 +28,10 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     const bool phase1_done = settings.automatic ? run_auto_phase1(r, carry) : run_phase1(r);
     if (!phase1_done) return std::move(r.run);
     float a = settings.start_a_value;
-    r.run.phase2_skipped = settings.automatic && settings.exact_start;
-    const int subphases = r.run.phase2_skipped ? 0 : settings.subphase_count;
+    if (settings.automatic && settings.exact_start) r.run.phase2_skipped = Phase2Skip::exact_start;
+    if (settings.automatic && !carry.newton_start.empty())
+        r.run.phase2_skipped = Phase2Skip::newton_step;
+    const int subphases = r.run.phase2_skipped != Phase2Skip::no ? 0 : settings.subphase_count;
     for (int k = 0; k < subphases; ++k) {
         if (k == 1) a = a + a;  // sub-phases 0 and 1 both run with the starting gain
         if (!run_subphase(r, k, a)) return std::move(r.run);

@@ -143,14 +143,18 @@ std::string automatic_choices(const EstimationRun& run) {
     const std::string draws = format_message(
         "phase-3 draws\t%d (at most %d; the smallest effective sample size %.0f of %d wanted)\n",
         run.phase3_draws, run.phase3_cap, run.phase3_effective_draws, auto_effective_draws);
-    if (run.phase2_skipped) {
+    if (run.phase2_skipped != Phase2Skip::no) {
+        const char* why = run.phase2_skipped == Phase2Skip::exact_start
+                              ? "the start is the maximum likelihood estimate, exact for a model "
+                                "of independent dyads"
+                              : "the start is the last run's estimate moved by one Newton step "
+                                "from its phase-3 draws";
         return format_message(
-                   "phase 2\tnot run: the start is the maximum likelihood estimate, exact for a "
-                   "model of independent dyads\n"
+                   "phase 2\tnot run: %s\n"
                    "steps per draw\t%.0f in phases 1 and 3 (the multiplication factor gives "
                    "%.0f; the slowest statistic's autocorrelation time was %.2f draws in phase "
                    "1)\n",
-                   std::ceil(run.steps_per_draw), std::ceil(run.factor_steps_per_draw),
+                   why, std::ceil(run.steps_per_draw), std::ceil(run.factor_steps_per_draw),
                    run.phase1_autocorrelation) +
                draws;
     }

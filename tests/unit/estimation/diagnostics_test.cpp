@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -121,6 +122,53 @@ TEST(ReportedRun, TheConvergedRunElseTheSmallestLargestTRatio) {
         reported_run(record_of({{Verdict::not_converged, inf}, {Verdict::not_converged, inf}})), 2);
     EXPECT_EQ(reported_run(record_of({{Verdict::degenerate, 0.0}, {Verdict::degenerate, 0.0}})), 0);
     EXPECT_EQ(reported_run(record_of({})), 0);
+}
+
+TEST(AutomaticCarry, ANearMissHandsOnANewtonStepToTheEstimate) {
+    // Edge and a same-group effect over 60 dyads within groups (30 ties) and 60 between (12):
+    // the maximum likelihood estimate is edge = logit(12/60), same = logit(30/60) - edge.
+    // A run that stopped a third of a standard error off, its phase-3 moments exact, hands
+    // on a start within a hundredth of a standard error of it.
+    const double within = 60, between = 60;
+    const auto logit = [](double p) { return std::log(p / (1.0 - p)); };
+    const double edge = logit(12.0 / 60.0), same = logit(30.0 / 60.0) - edge;
+    const auto run_at = [&](double a, double b) {
+        const double pw = 1.0 / (1.0 + std::exp(-(a + b))), pb = 1.0 / (1.0 + std::exp(-a));
+        const double vw = within * pw * (1 - pw), vb = between * pb * (1 - pb);
+        // Var(edges) = vw + vb, Cov(edges, same) = Var(same) = vw; C is its inverse.
+        const double det = (vw + vb) * vw - vw * vw;
+        EstimationRun run;
+        run.automatic = true;
+        run.estimates = {a, b};
+        run.observed = {42.0, 30.0};
+        run.phase3_means = {within * pw + between * pb, within * pw};
+        run.covariance = make_matrix(2, 2, 0.0);
+        run.covariance[0][0] = vw / det;
+        run.covariance[0][1] = run.covariance[1][0] = -vw / det;
+        run.covariance[1][1] = (vw + vb) / det;
+        ConvergenceCheck check;
+        check.verdict = Verdict::not_converged;
+        check.t_ratios = {(42.0 - run.phase3_means[0]) / std::sqrt(vw + vb),
+                          (30.0 - run.phase3_means[1]) / std::sqrt(vw)};
+        return std::pair{run, check};
+    };
+    const double se_edge = std::sqrt(1.0 / (between * 0.2 * 0.8));
+    const double se_same = std::sqrt(1.0 / (within * 0.25) + 1.0 / (between * 0.16));
+    auto [run, check] = run_at(edge + 0.33 * se_edge, same - 0.33 * se_same);
+    AutoCarry carry = carry_after(run, check);
+    ASSERT_EQ(carry.newton_start.size(), 2u);
+    EXPECT_NEAR(carry.newton_start[0], edge, 0.01 * se_edge);
+    EXPECT_NEAR(carry.newton_start[1], same, 0.01 * se_same);
+
+    // Too far for the statistics to move linearly, converged, or stopped: no step.
+    std::tie(run, check) = run_at(edge + 2.0 * se_edge, same);
+    EXPECT_TRUE(carry_after(run, check).newton_start.empty());
+    std::tie(run, check) = run_at(edge, same);
+    check.verdict = Verdict::converged;
+    EXPECT_TRUE(carry_after(run, check).newton_start.empty());
+    run.degenerate = true;
+    check.verdict = Verdict::degenerate;
+    EXPECT_TRUE(carry_after(run, check).newton_start.empty());
 }
 
 }  // namespace
