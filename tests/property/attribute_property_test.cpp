@@ -52,25 +52,6 @@ Values random_values(AttributeKind kind, int n, uint32_t seed) {
     return v;
 }
 
-Model attribute_model(NetworkKind network, AttributeKind kind, int row, const Values& values) {
-    Model model = empty_model(network);
-    AttributeSection& section = model.section(kind);
-    section.given = true;
-    section.count = 1;
-    section.names = {"a"};
-    section.data = {values.data};
-    section.missing = {values.missing};
-    const size_t rows = attribute_catalogue(network, kind).rows.size();
-    section.included.assign(rows, {0});
-    section.value.assign(rows, {0.0});
-    section.slot.assign(rows, {-1});
-    section.included[static_cast<size_t>(row)][0] = 1;
-    section.slot[static_cast<size_t>(row)][0] = 0;
-    section.included_count = 1;
-    model.attributes_given = true;
-    return model;
-}
-
 double choose2(double m) { return m >= 2 ? m * (m - 1) / 2 : 0.0; }
 
 // The graph effects from their definitions, by the name the run file gives them.
@@ -208,7 +189,8 @@ void check_case(const AttributeCase& c) {
         for (const auto& [matrix, description] : Fixture::networks(n)) {
             SCOPED_TRACE(description);
             const Values values = random_values(c.kind, n, seed++);
-            const Model model = attribute_model(c.network, c.kind, c.row, values);
+            const Model model = testing::with_attribute_effect(empty_model(c.network), c.kind,
+                                                               c.row, values.data, values.missing);
             const std::vector<Term<Store>> terms = make_terms<Store>(model);
             Store store = Fixture::build(matrix);
             double truth = 0.0;

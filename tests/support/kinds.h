@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "effects/catalogue.h"
 #include "effects/combiner.h"
 #include "effects/graph/graph_catalogue.h"
 #include "model/model.h"
@@ -171,6 +172,30 @@ inline Model model_of(NetworkKind kind, const std::vector<int>& rows) {
         model.structural[static_cast<size_t>(row)].lambda =
             structural_catalogue(kind).rows[static_cast<size_t>(row)].lambda_default;
     }
+    return model;
+}
+
+// `model` with one effect of one attribute included at the next slot after its structural
+// effects: catalogue row `row` of the attribute kind `which`, the attribute's values (per node;
+// a covariate n x n) and missing flags (empty: none missing).
+inline Model with_attribute_effect(Model model, AttributeKind which, int row,
+                                   const std::vector<double>& values,
+                                   std::vector<uint8_t> missing = {}) {
+    if (missing.empty()) missing.assign(values.size(), 0);
+    AttributeSection& section = model.section(which);
+    const size_t rows = attribute_catalogue(model.kind, which).rows.size();
+    section.given = true;
+    section.count = 1;
+    section.names = {"a"};
+    section.data = {values};
+    section.missing = {std::move(missing)};
+    section.included.assign(rows, {0});
+    section.value.assign(rows, {0.0});
+    section.slot.assign(rows, {-1});
+    section.included[static_cast<size_t>(row)][0] = 1;
+    section.slot[static_cast<size_t>(row)][0] = model.structural_included;
+    section.included_count = 1;
+    model.attributes_given = true;
     return model;
 }
 

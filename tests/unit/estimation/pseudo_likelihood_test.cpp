@@ -33,31 +33,11 @@ std::vector<Term<Store>> structural(const std::vector<int>& rows) {
     return make_terms<Store>(testing::model_of(Store::kind, rows));
 }
 
-// The structural rows, then one attribute effect of one attribute (the last slot).
-Model attribute_model(NetworkKind kind, const std::vector<int>& structural_rows,
-                      AttributeKind which, int effect, const std::vector<double>& values) {
-    Model model = testing::model_of(kind, structural_rows);
-    AttributeSection& section = model.section(which);
-    const size_t rows = attribute_catalogue(kind, which).rows.size();
-    section.given = true;
-    section.count = 1;
-    section.names = {"a"};
-    section.data = {values};
-    section.missing = {std::vector<uint8_t>(values.size(), 0)};
-    section.included.assign(rows, {0});
-    section.value.assign(rows, {0.0});
-    section.slot.assign(rows, {-1});
-    section.included[size_t(effect)][0] = 1;
-    section.slot[size_t(effect)][0] = static_cast<int32_t>(structural_rows.size());
-    section.included_count = 1;
-    model.attributes_given = true;
-    return model;
-}
-
 // Edge (slot 0) and the same-category effect of one categorical attribute (slot 1).
 Model homophily_model(const std::vector<double>& categories) {
-    return attribute_model(NetworkKind::graph, {int(GraphEffect::edge)}, AttributeKind::categorical,
-                           int(GraphCategoricalEffect::same), categories);
+    return testing::with_attribute_effect(
+        testing::model_of(NetworkKind::graph, {int(GraphEffect::edge)}), AttributeKind::categorical,
+        int(GraphCategoricalEffect::same), categories);
 }
 
 template <class Store>
@@ -132,8 +112,9 @@ TEST(ExactLikelihood, DyadModelsSolveTheirMomentEquations) {
                                                 {2, 7}, {7, 1}, {6, 0}, {5, 3}, {2, 6}};
     Digraph d = store_of<Digraph>(8, arcs);
     const Digraph before = d;
-    const Model model = attribute_model(
-        NetworkKind::digraph, {int(DigraphEffect::arc), int(DigraphEffect::reciprocity)},
+    const Model model = testing::with_attribute_effect(
+        testing::model_of(NetworkKind::digraph,
+                          {int(DigraphEffect::arc), int(DigraphEffect::reciprocity)}),
         AttributeKind::binary, int(DigraphBinaryEffect::sender), senders);
     const auto terms = make_terms<Digraph>(model);
     SamplerSettings free;
