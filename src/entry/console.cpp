@@ -49,7 +49,7 @@ void stage_started(Console& c, const StageStarted& e) {
 
 void run_ended(Console& c, const RunEnded& e) {
     const EstimationRun& run = e.record;
-    if (run.degenerate && !run.astray)
+    if (named_degenerate(run))
         c.text.say("  degenerate model: %s\n", degeneracy_text(run.degeneracy));
     // A digraph's runs also print their t-ratios, as the front end reads them.
     if (c.kind == NetworkKind::digraph && !run.t_ratios.empty()) {

@@ -56,11 +56,7 @@ Confirmation confirm_estimate(Chain<Store>& chain, const std::vector<double>& th
         chain.statistics.begin() + static_cast<std::ptrdiff_t>(theta.size()));
     // The slowest statistic sets the spacing: an autocorrelation time apart, draws are close
     // to independent, and the chain goes on until their effective number is enough anyway.
-    double tau = 1.0;
-    for (int k = 0; k < draws.cols; ++k) {
-        const double t = autocorrelation_time(draws, k);
-        if (std::isfinite(t)) tau = std::max(tau, t);
-    }
+    const double tau = slowest_autocorrelation(draws);
     c.thinning = std::max(1.0, std::round(tau)) * std::max(std::ceil(steps_per_draw), 1.0);
     c.burn_in = 20.0 * c.thinning;
     int batch = static_cast<int>(1.1 * confirmation_effective_draws);

@@ -67,9 +67,9 @@ struct EstimationRun {
     std::vector<double> phase1_means;
     bool degenerate = false;  // the run stopped at `stage`; nothing of later stages is filled
     Degeneracy degeneracy = Degeneracy::none;
-    // The run stopped in phase 2, but its path is taken to have gone astray from a start far
-    // from the estimate rather than to show a degenerate model (see went_astray): its verdict
-    // is "not converged".
+    // The run stopped, but its path is taken to have gone astray from a start far from the
+    // estimate rather than to show a degenerate model (see went_astray): its verdict is "not
+    // converged".
     bool astray = false;
     int32_t stage = 1;     // the last phase the run reached
     int32_t culprit = -1;  // the parameter that ran away, or the statistic that stayed fixed
@@ -98,5 +98,8 @@ struct EstimationRun {
     double phase3_effective_draws = 0.0;
     Phase2Skip phase2_skipped = Phase2Skip::no;
 };
+
+// Whether the run named the model degenerate: it stopped, and not as a path gone astray.
+inline bool named_degenerate(const EstimationRun& run) { return run.degenerate && !run.astray; }
 
 }  // namespace vexa

@@ -17,8 +17,8 @@ namespace vexa {
 // One sentence on why a degenerate run stopped and what a user can do; `labels` in summary style.
 std::string degeneracy_advice(const EstimationRun& run, const std::vector<ParameterLabel>& labels);
 
-// Why a run that stopped in phase 2 was not taken to show a degenerate model (run.astray),
-// and what the next run does.
+// Why a run that stopped was not taken to show a degenerate model (run.astray), and what the
+// next run does.
 std::string astray_text(const EstimationRun& run, const std::vector<ParameterLabel>& labels);
 
 // One sentence on the check: its verdict and figures, and the warning and suggested

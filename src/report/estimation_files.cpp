@@ -46,7 +46,7 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
 std::string reported_run_text(const EstimationRecord& record) {
     if (record.converged || record.runs.empty()) return "";
     int degenerate = 0;
-    for (const EstimationRun& run : record.runs) degenerate += run.degenerate && !run.astray;
+    for (const EstimationRun& run : record.runs) degenerate += named_degenerate(run);
     // Runs that found the model degenerate amid runs that did not converge speak of the
     // model, not of the settings: more steps will not help.
     const std::string model = degenerate == 0
