@@ -234,7 +234,7 @@ inline constexpr double plausible_start_limit = 30.0;
 // plausible, else from the run file's values; the console says which. True when the start is
 // the exact estimate.
 template <class Store>
-bool start_from_pseudo_likelihood(RunContext& context, ChainSetup<Store>& setup,
+bool automatic_start(RunContext& context, ChainSetup<Store>& setup,
                                   std::vector<double>& parameters, Console& console) {
     Rng rng;
     context.seeds.reseed(rng);
@@ -298,7 +298,7 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
     start_console(listeners, context);
     if (context.automatic)
         settings.exact_start =
-            start_from_pseudo_likelihood(context, setup, parameters, listeners.console);
+            automatic_start(context, setup, parameters, listeners.console);
     if (context.write_files) {
         write_estimation_start(context.names, s.network_name, settings, s.estimation_runs);
         listeners.parts.push_back(

@@ -83,9 +83,7 @@ PseudoLikelihood dyad_likelihood(Store& network, const std::vector<Term<Store>>&
             cases.chosen.push_back(static_cast<uint8_t>((forward ? 1 : 0) + (backward ? 2 : 0)));
         }
     }
-    for (const double value : cases.x) {
-        if (!std::isfinite(value)) return result;
-    }
+    // A change that is not finite leaves its column's scale so, and the fit refuses it.
     result.dyads_used = cases.size();
     const LogisticFit fit = fit_choices(cases);
     result.iterations = fit.iterations;
