@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "network/digraph.h"
-#include "network/graph.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 
@@ -87,28 +86,12 @@ TEST(Automatic, ClosedFormsAreReachedInTheFirstRun) {
 
     // Edge and Grade's same-category effect on the school network: the log-odds of a tie
     // between grades, and the log odds ratio of a tie within a grade.
-    const Graph school = read_graph(testing::data_path("faux.mesa.high.txt"), 205);
-    std::vector<int> grade;
-    for (const std::string& line :
-         testing::lines_of(testing::read_text(testing::data_path("faux.mesa.high_attributes.txt"))))
-        if (!line.empty() && line[0] != 'G') grade.push_back(std::stoi(line));
-    ASSERT_EQ(grade.size(), 205u);
-    double ties[2] = {0, 0}, dyads[2] = {0, 0};  // between grades, within a grade
-    for (int i = 0; i < 205; ++i) {
-        for (int j = i + 1; j < 205; ++j) {
-            const int within = grade[i] == grade[j] ? 1 : 0;
-            dyads[within] += 1;
-            ties[within] += has_edge(school, i, j) ? 1 : 0;
-        }
-    }
-    const double between = std::log(ties[0] / (dyads[0] - ties[0]));
     const MakeRunFile homophily = [](const std::string& dir) {
         testing::GraphRunFile file = testing::on_school_network(dir);
         file.effects = {{"edge", {0, 0}}};
         return file;
     };
-    expect_exact(homophily, "automatic_homophily",
-                 {between, std::log(ties[1] / (dyads[1] - ties[1])) - between});
+    expect_exact(homophily, "automatic_homophily", testing::school_homophily_estimates());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "support/run_files.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <regex>
@@ -102,6 +103,30 @@ GraphRunFile on_school_network(const std::string& dir) {
     GraphRunFile file = on_network(dir, "faux.mesa.high.txt", NetworkKind::graph, 205);
     file.attribute_sections = grade_same_category_sections();
     return file;
+}
+
+std::vector<double> school_homophily_estimates() {
+    std::istringstream matrix(read_text(data_path("faux.mesa.high.txt")));
+    std::istringstream attributes(read_text(data_path("faux.mesa.high_attributes.txt")));
+    std::string word;
+    attributes >> word >> word >> word;  // Grade Race Sex
+    std::vector<std::string> grade;
+    for (std::string g, race, sex; attributes >> g >> race >> sex;) grade.push_back(g);
+    const size_t n = grade.size();
+    double pairs[2] = {0, 0}, ties[2] = {0, 0};  // between, within
+    for (size_t i = 0; i < n; ++i) {
+        for (size_t j = 0; j < n; ++j) {
+            int cell = 0;
+            matrix >> cell;
+            if (j <= i) continue;
+            const int same = grade[i] == grade[j] ? 1 : 0;
+            pairs[same] += 1;
+            ties[same] += cell;
+        }
+    }
+    const auto logit = [](double tied, double all) { return std::log(tied / (all - tied)); };
+    const double edge = logit(ties[0], pairs[0]);
+    return {edge, logit(ties[1], pairs[1]) - edge};
 }
 
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed, bool confirm,

@@ -57,6 +57,11 @@ GraphRunFile on_network(const std::string& dir, const std::string& network,
 // `dir`.
 GraphRunFile on_school_network(const std::string& dir);
 
+// The maximum likelihood estimates of edge and Grade's same-category effect on the school
+// network, counted from its files: the log-odds of a tie between grades, and the log odds
+// ratio of a tie within a grade.
+std::vector<double> school_homophily_estimates();
+
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
 // With `confirm`, a converged estimation is checked with a long chain.
