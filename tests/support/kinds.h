@@ -265,10 +265,10 @@ void check_reads_claim(const Store& store, const std::vector<Term<Store>>& terms
     const int n = store.node_count;
     if (reads == TieReads::network || n > 12) return;
     const bool graph = Store::kind == NetworkKind::graph;
+    Store same = store;  // change_of_adding leaves it as it found it
     for (int i = 0; i < n; ++i) {
         for (int j = graph ? i + 1 : 0; j < n; ++j) {
             if (i == j) continue;
-            Store same = store;
             Store flipped = store;
             for (int a = 0; a < n; ++a) {
                 for (int b = graph ? a + 1 : 0; b < n; ++b) {
