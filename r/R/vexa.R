@@ -307,12 +307,16 @@ vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
     call = match.call())
   class(fit) <- "vexa_fit"
   if (!fit$converged) {
-    warning(structure(class = c("vexa_not_converged", "warning", "condition"),
-                      list(message = sprintf("vexa: the fit did not converge (%s): %s",
-                                             fit$verdict, convergence_note(fit)),
-                           call = NULL)))
+    warn_not_converged(sprintf("vexa: the fit did not converge (%s): %s", fit$verdict,
+                               convergence_note(fit)))
   }
   fit
+}
+
+# A warning of class vexa_not_converged, which a script can catch apart from other warnings.
+warn_not_converged <- function(message) {
+  warning(structure(class = c("vexa_not_converged", "warning", "condition"),
+                    list(message = message, call = NULL)))
 }
 
 # What a fit that did not converge says of itself, in its warning and when printed: the run
@@ -543,10 +547,8 @@ vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto 
   if (nzchar(result$console)) message(sub("\n$", "", result$console))
   if (nzchar(result$error)) stop(vexa_error(result$error))
   if (isTRUE(result$not_converged)) {
-    warning(structure(class = c("vexa_not_converged", "warning", "condition"),
-                      list(message = paste("vexa: the estimation ended without a converged run;",
-                                           "its convergence file says why"),
-                           call = NULL)))
+    warn_not_converged(paste("vexa: the estimation ended without a converged run;",
+                             "its convergence file says why"))
   }
   written <- function(dir, pattern) {
     if (!dir.exists(dir)) return(character())
