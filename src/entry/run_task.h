@@ -234,8 +234,8 @@ inline constexpr double plausible_start_limit = 30.0;
 // plausible, else from the run file's values; the console says which. True when the start is
 // the exact estimate.
 template <class Store>
-bool automatic_start(RunContext& context, ChainSetup<Store>& setup,
-                                  std::vector<double>& parameters, Console& console) {
+bool automatic_start(RunContext& context, ChainSetup<Store>& setup, std::vector<double>& parameters,
+                     Console& console) {
     Rng rng;
     context.seeds.reseed(rng);
     const auto count = static_cast<int32_t>(parameters.size());
@@ -297,8 +297,7 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
     Listeners listeners;
     start_console(listeners, context);
     if (context.automatic)
-        settings.exact_start =
-            automatic_start(context, setup, parameters, listeners.console);
+        settings.exact_start = automatic_start(context, setup, parameters, listeners.console);
     if (context.write_files) {
         write_estimation_start(context.names, s.network_name, settings, s.estimation_runs);
         listeners.parts.push_back(
