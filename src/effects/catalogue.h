@@ -50,6 +50,8 @@ Term<Store> term_of(const EffectRow<Store>& row, size_t index, int32_t slot, flo
     term.carried = row.about.carried;
     term.clique_order = row.about.clique_order;
     term.reads = row.about.reads;
+    term.needs = row.about.needs;
+    term.helps = row.about.helps;
     term.change = row.change;
     term.total = row.total;
     if (row.about.alternating()) {

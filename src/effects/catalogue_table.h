@@ -10,7 +10,8 @@
 //
 // Every table has the same columns, the fields of CatalogueRow in order:
 //   id | update report column summary simulation gof sample spss format (EffectLabels)
-//      | lambda integral clique carried variant reads (EffectDescription) | change total
+//      | lambda integral clique carried variant reads needs (EffectDescription) | change total
+//      | helps (optional)
 
 #include <array>
 #include <cstddef>
@@ -32,13 +33,29 @@ struct CatalogueRow {
     bool carried;
     int16_t variant;
     TieReads reads;
+    Bookkeeping needs;
     ChangeFn<Store> change;
     TotalFn<Store> total;
+    // Rarely given, so it ends the row (and may be left out).
+    Bookkeeping helps = Bookkeeping::none;
 
     constexpr EffectDescription about() const {
-        return {labels, lambda_default, integral, clique_order, carried, variant, reads};
+        return {labels,  lambda_default, integral, clique_order, carried,
+                variant, reads,          needs,    helps};
     }
 };
+
+// The names the tables' needs column spells its entries with.
+namespace needs_column {
+inline constexpr Bookkeeping no_counts = Bookkeeping::none;
+inline constexpr Bookkeeping all_counts = Bookkeeping::all;
+inline constexpr Bookkeeping partners = Bookkeeping::shared_partners;
+inline constexpr Bookkeeping triangles = Bookkeeping::triangles;
+inline constexpr Bookkeeping partners_triangles = partners | triangles;
+inline constexpr Bookkeeping paths = Bookkeeping::two_paths;
+inline constexpr Bookkeeping senders = Bookkeeping::common_senders;
+inline constexpr Bookkeeping receivers = Bookkeeping::common_receivers;
+}  // namespace needs_column
 
 template <class Id, class Store, std::size_t N>
 using CatalogueTable = std::array<CatalogueRow<Id, Store>, N>;

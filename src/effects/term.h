@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "effects/labels.h"
+#include "network/bookkeeping.h"
 
 namespace vexa {
 
@@ -73,6 +74,12 @@ struct EffectDescription {
     bool carried = true;          // false: the chain does not carry it; counted afresh at samples
     int16_t variant = 0;          // the member of a family that a shared function computes
     TieReads reads = TieReads::network;
+    // The pair and triangle counts its change and total read from the store: a chain's store
+    // keeps the union over its terms and drops the rest.
+    Bookkeeping needs = Bookkeeping::all;
+    // Counts its change reads, when the store keeps them, only to do less work (to stop a walk
+    // early, say); its values are the same without them.
+    Bookkeeping helps = Bookkeeping::none;
 
     bool alternating() const { return lambda_default != 0.0f; }
 };
@@ -87,13 +94,15 @@ struct EffectRow {
 // One included effect of a run, ready for the combiner.
 template <class Store>
 struct Term {
-    int32_t row = 0;                     // its catalogue row
-    int32_t slot = -1;                   // index into the parameter and statistics vectors
-    int16_t variant = 0;                 // copied from the row
-    bool carried = true;                 // copied from the row
-    int8_t clique_order = 0;             // copied from the row
-    TieReads reads = TieReads::network;  // copied from the row
-    float lambda = 0.0f;                 // the run's lambda (its default when the run file gave 0)
+    int32_t row = 0;                        // its catalogue row
+    int32_t slot = -1;                      // index into the parameter and statistics vectors
+    int16_t variant = 0;                    // copied from the row
+    bool carried = true;                    // copied from the row
+    int8_t clique_order = 0;                // copied from the row
+    TieReads reads = TieReads::network;     // copied from the row
+    Bookkeeping needs = Bookkeeping::all;   // copied from the row
+    Bookkeeping helps = Bookkeeping::none;  // copied from the row
+    float lambda = 0.0f;  // the run's lambda (its default when the run file gave 0)
     WeightTable weights{};
     GainTable gains{};
     ChangeFn<Store> change = nullptr;
@@ -104,6 +113,22 @@ struct Term {
     const double* values = nullptr;
     const uint8_t* missing = nullptr;
 };
+
+// The pair and triangle counts the terms read: what a store must keep for a chain of them.
+template <class Store>
+Bookkeeping needs_of(const std::vector<Term<Store>>& terms) {
+    Bookkeeping needs = Bookkeeping::none;
+    for (const Term<Store>& term : terms) needs |= term.needs;
+    return needs;
+}
+
+// The counts that would save the terms work, beyond what they need.
+template <class Store>
+Bookkeeping helps_of(const std::vector<Term<Store>>& terms) {
+    Bookkeeping helps = Bookkeeping::none;
+    for (const Term<Store>& term : terms) helps |= term.helps;
+    return helps;
+}
 
 // w(m): 0 below 0, 1 at 0, the table entry up to the cap and the cap's entry beyond it.
 template <class Store>

@@ -137,6 +137,11 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
     setup.sampler.max_degree = s.degree_cap;
     setup.sampler.mask = setup.mask.get();
     check_proposals_possible(setup.observed, setup.sampler);
+    // Files of every sample's counts read them all; otherwise a chain keeps what its terms read.
+    const bool samples_read_counts =
+        s.task == Task::simulation && context.write_files && s.outputs.read_counts();
+    setup.keeps =
+        samples_read_counts ? Bookkeeping::all : chain_keeps(setup.terms, setup.sampler.proposal);
 }
 
 // The console of a sampling task and, when the run writes files, its SPSS syntax (loading

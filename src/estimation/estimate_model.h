@@ -60,7 +60,7 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
     record.runs_allowed = runs;
     const auto p = static_cast<int32_t>(start.size());
     std::vector<double> parameters = start;
-    Store working = setup.observed;
+    Store working = setup.chain_store();
     Chain<Store> chain = setup.chain_on(working, p, rng);
     Matrix D = make_matrix(p, p, 0.0);
     AutoCarry carry;
@@ -79,7 +79,7 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
         record.converged = check.verdict == Verdict::converged;
         if (run == runs || record.converged)
             record.end_statistics = statistics_of(working, setup.terms, p);
-        working = setup.observed;
+        working = setup.chain_store();
         recount(chain);
         // A runaway parameter is no place to start the next run from.
         if (result.degenerate) parameters = start;
@@ -95,7 +95,7 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
         parameters = record.runs[static_cast<size_t>(record.reported_run - 1)].estimates;
     }
     if (record.converged && confirm) {
-        Store fresh = setup.observed;
+        Store fresh = setup.chain_store();
         Chain<Store> fresh_chain = setup.chain_on(fresh, p, rng);
         const EstimationRun& last = record.runs.back();
         record.confirmation =

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <tuple>
+#include <utility>
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
@@ -160,28 +161,43 @@ void update_two_paths(Digraph& d, int i, int j, int added) {
     const size_t n = as_size(d.node_count);
     const size_t row_i = as_size(i) * n;
     const size_t row_j = as_size(j) * n;
-    uint16_t* senders = d.common_senders.data();
-    uint16_t* receivers = d.common_receivers.data();
-    uint16_t* paths = d.two_paths.data();
     // i is now (or no longer) a common sender of j and each other receiver k of i.
-    for (const int32_t k : d.out_neighbours(i)) {
-        if (k == j) continue;
-        bump(senders, as_size(k) * n + as_size(j), delta);
-        bump(senders, row_j + as_size(k), delta);
+    if (keeps(d.kept, Bookkeeping::common_senders)) {
+        uint16_t* senders = d.common_senders.data();
+        for (const int32_t k : d.out_neighbours(i)) {
+            if (k == j) continue;
+            bump(senders, as_size(k) * n + as_size(j), delta);
+            bump(senders, row_j + as_size(k), delta);
+        }
     }
     // j is a common receiver of i and each other sender k of j.
-    for (const int32_t k : d.in_neighbours(j)) {
-        if (k == i) continue;
-        bump(receivers, as_size(k) * n + as_size(i), delta);
-        bump(receivers, row_i + as_size(k), delta);
+    if (keeps(d.kept, Bookkeeping::common_receivers)) {
+        uint16_t* receivers = d.common_receivers.data();
+        for (const int32_t k : d.in_neighbours(j)) {
+            if (k == i) continue;
+            bump(receivers, as_size(k) * n + as_size(i), delta);
+            bump(receivers, row_i + as_size(k), delta);
+        }
     }
     // The paths k->i->j and i->j->k.
-    for (const int32_t k : d.in_neighbours(i)) {
-        if (k != j) bump(paths, as_size(k) * n + as_size(j), delta);
+    if (keeps(d.kept, Bookkeeping::two_paths)) {
+        uint16_t* paths = d.two_paths.data();
+        for (const int32_t k : d.in_neighbours(i)) {
+            if (k != j) bump(paths, as_size(k) * n + as_size(j), delta);
+        }
+        for (const int32_t k : d.out_neighbours(j)) {
+            if (k != i) bump(paths, row_i + as_size(k), delta);
+        }
     }
-    for (const int32_t k : d.out_neighbours(j)) {
-        if (k != i) bump(paths, row_i + as_size(k), delta);
-    }
+}
+
+void keep_only(Digraph& d, Bookkeeping keep) {
+    const auto drop = [](auto& values) { std::exchange(values, {}); };
+    if (!keeps(keep, Bookkeeping::two_paths)) drop(d.two_paths);
+    if (!keeps(keep, Bookkeeping::common_senders)) drop(d.common_senders);
+    if (!keeps(keep, Bookkeeping::common_receivers)) drop(d.common_receivers);
+    d.kept = d.kept & keep &
+             (Bookkeeping::two_paths | Bookkeeping::common_senders | Bookkeeping::common_receivers);
 }
 
 Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes) {
@@ -271,7 +287,10 @@ std::string check_bookkeeping(const Digraph& d) {
                               d.arc_count, d.mutual_count, static_cast<long long>(arcs),
                               static_cast<long long>(mutual_ends / 2));
     }
-    for (int a = 0; a < n; ++a) {
+    const bool paths_kept = keeps(d.kept, Bookkeeping::two_paths);
+    const bool senders_kept = keeps(d.kept, Bookkeeping::common_senders);
+    const bool receivers_kept = keeps(d.kept, Bookkeeping::common_receivers);
+    for (int a = 0; a < n && (paths_kept || senders_kept || receivers_kept); ++a) {
         for (int b = 0; b < n; ++b) {
             if (a == b) continue;
             int32_t paths = 0, senders = 0, receivers = 0;
@@ -280,13 +299,15 @@ std::string check_bookkeeping(const Digraph& d) {
                 senders += std::popcount(d.in_row(a)[w] & d.in_row(b)[w]);
                 receivers += std::popcount(d.out_row(a)[w] & d.out_row(b)[w]);
             }
-            if (paths != d.paths(a, b) || senders != d.senders(a, b) ||
-                receivers != d.receivers(a, b)) {
+            const bool wrong_paths = paths_kept && paths != d.paths(a, b);
+            const bool wrong_senders = senders_kept && senders != d.senders(a, b);
+            const bool wrong_receivers = receivers_kept && receivers != d.receivers(a, b);
+            if (wrong_paths || wrong_senders || wrong_receivers) {
                 return format_message(
                     "pair %d, %d holds two-paths %d, common senders %d, common receivers %d; "
                     "recount %d %d %d",
-                    a, b, d.paths(a, b), d.senders(a, b), d.receivers(a, b), paths, senders,
-                    receivers);
+                    a, b, paths_kept ? d.paths(a, b) : -1, senders_kept ? d.senders(a, b) : -1,
+                    receivers_kept ? d.receivers(a, b) : -1, paths, senders, receivers);
             }
         }
     }

@@ -2,8 +2,9 @@
 // The digraph store: one directed network of n nodes without loops, with the bookkeeping that
 // change statistics and descriptive statistics read instead of recounting: arc and mutual-dyad
 // counts, in-, out- and mutual degrees with the two degree histograms, and three n x n matrices
-// of two-path counts. Everything is kept current on every toggle (add_arc or remove_arc, then
-// update_two_paths), so a sampler step never recounts.
+// of two-path counts. Everything kept is current on every toggle (add_arc or remove_arc, then
+// update_two_paths), so a sampler step never recounts. A store keeps all three matrices until
+// keep_only drops those a chain's model does not read.
 //
 // The adjacency is held twice as bit rows of 64-bit words: the out rows (arc i->j is bit j of
 // row i) and their transpose, the in rows (bit i of row j). Scans of a node's senders are then
@@ -24,6 +25,7 @@
 #include "base/compiler.h"
 #include "base/large_allocator.h"
 #include "base/matrix_text.h"
+#include "network/bookkeeping.h"
 #include "network/network_kind.h"
 
 namespace vexa {
@@ -67,6 +69,8 @@ struct Digraph {
     int32_t arc_count = 0;
     int32_t mutual_count = 0;  // mutual dyads, each counted once
     int32_t row_words = 0;     // 64-bit words per adjacency row
+    // Which of the three pair matrices the store keeps; those it does not keep are empty.
+    Bookkeeping kept = Bookkeeping::all;
 
     // n rows of row_words each: arc i->j is bit j%64 of word j/64 of out row i, and bit i%64 of
     // word i/64 of in row j. Bits beyond the last node stay clear.
@@ -136,9 +140,14 @@ double digraph_store_bytes(int n);
 void add_arc(Digraph& digraph, int i, int j);
 void remove_arc(Digraph& digraph, int i, int j);
 
-// Brings the three two-path matrices up to date after add_arc (added = 1) or remove_arc (any
-// other value) of i->j. Cost: one pass over the out- and in-neighbours of i and j.
+// Brings the pair matrices the store keeps up to date after add_arc (added = 1) or remove_arc
+// (any other value) of i->j. Cost: one pass over the out- and in-neighbours of i and j for
+// each matrix kept.
 void update_two_paths(Digraph& digraph, int i, int j, int added);
+
+// Drops (and frees) the matrices `keep` leaves out; it never adds one back. What is kept stays
+// exactly as it was, so a trimmed store's totals and changes equal the full store's.
+void keep_only(Digraph& digraph, Bookkeeping keep);
 
 // The names a sampler calls for any store.
 inline bool has_tie(const Digraph& digraph, int i, int j) { return digraph.has_arc(i, j); }
@@ -159,10 +168,12 @@ inline void prefetch_dyad(const Digraph& d, int i, int j) {
     prefetch(d.in_lists.row(i));
     prefetch(d.in_lists.row(j));
     const size_t ij = Digraph::offset(i, d.node_count) + static_cast<size_t>(j);
-    prefetch(d.two_paths.data() + ij);
-    prefetch(d.common_receivers.data() + ij);
-    prefetch(d.common_senders.data() + ij);
-    prefetch(d.paths_row(j) + i);
+    if (!d.two_paths.empty()) {
+        prefetch(d.two_paths.data() + ij);
+        prefetch(d.paths_row(j) + i);
+    }
+    if (!d.common_receivers.empty()) prefetch(d.common_receivers.data() + ij);
+    if (!d.common_senders.empty()) prefetch(d.common_senders.data() + ij);
 }
 
 // The combiner's hooks: a digraph's effects share no counts that a totals pass or a proposal
@@ -190,9 +201,9 @@ double density(const Digraph& digraph);
 // Arcs per node (the mean in-degree, and the mean out-degree).
 double mean_degree(const Digraph& digraph);
 
-// Recounts every piece of bookkeeping from the out rows alone (the in rows and the neighbour
-// lists included) and returns a description of the first disagreement, or an empty string
-// when the store is consistent. O(n^2 words).
+// Recounts every piece of bookkeeping the store keeps from the out rows alone (the in rows and
+// the neighbour lists included) and returns a description of the first disagreement, or an empty
+// string when the store is consistent. O(n^2 words).
 std::string check_bookkeeping(const Digraph& digraph);
 
 // Whether bit b of an adjacency row is set.

@@ -106,6 +106,7 @@ Graph::Graph(const Graph& other)
     : node_count(other.node_count),
       edge_count(other.edge_count),
       row_words(other.row_words),
+      kept(other.kept),
       adjacency(other.adjacency),
       shared_partners(other.shared_partners),
       degree_histogram(other.degree_histogram),
@@ -124,6 +125,7 @@ Graph& Graph::operator=(const Graph& other) {
     node_count = other.node_count;
     edge_count = other.edge_count;
     row_words = other.row_words;
+    kept = other.kept;
     adjacency = other.adjacency;
     shared_partners = other.shared_partners;
     degree_histogram = other.degree_histogram;
@@ -165,8 +167,37 @@ void remove_edge(Graph& g, int i, int j) {
     }
 }
 
+namespace {
+
+// Triangles alone, without the pair counts: every common neighbour k of i and j closes (or
+// opens) one triangle at k, and i and j each gain (or lose) one per common neighbour.
+void update_triangles(Graph& g, int i, int j, int32_t delta) {
+    const uint64_t* row_i = g.row(i);
+    int32_t s = 0;
+    for (const int32_t k : g.neighbours_of(j)) {
+        if (k == i || !row_has(row_i, k)) continue;
+        ++s;
+        const int32_t t = g.triangles[as_size(k)];
+        g.triangles[as_size(k)] = t + delta;
+        move_count(g.triangle_histogram, t, t + delta);
+    }
+    if (s == 0) return;
+    for (const int v : {i, j}) {
+        const int32_t t = g.triangles[as_size(v)];
+        g.triangles[as_size(v)] = t + delta * s;
+        move_count(g.triangle_histogram, t, t + delta * s);
+    }
+}
+
+}  // namespace
+
 void update_shared_partners(Graph& g, int i, int j, int added) {
     const int32_t delta = added == 1 ? 1 : -1;
+    const bool count_triangles = keeps(g.kept, Bookkeeping::triangles);
+    if (!keeps(g.kept, Bookkeeping::shared_partners)) {
+        if (count_triangles) update_triangles(g, i, j, delta);
+        return;
+    }
     const size_t n = as_size(g.node_count);
     int32_t* partners = g.shared_partners.data();
     int32_t* partners_i = partners + as_size(i) * n;
@@ -177,8 +208,8 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
     int32_t* triangles = g.triangles.data();
     int32_t* triangle_histogram = g.triangle_histogram.data();
     // Every neighbour k of `from` other than `to` now shares (or no longer shares) partner
-    // `from` with `to`: the pair {k, to} moves by delta. The partner itself (in the lists after
-    // an addition) is not its own shared partner.
+    // `from` with `to`: the pair {k, to} moves by delta, in both halves of the matrix. The
+    // partner itself (in the lists after an addition) is not its own shared partner.
     const auto move_pairs = [&](size_t from, int to, int32_t* partners_to, size_t column_to,
                                 const uint64_t* closing_row) {
         for (const int32_t k : g.neighbours_of(static_cast<int>(from))) {
@@ -199,15 +230,28 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
         }
     };
     move_pairs(column_i, j, partners_j, column_j, nullptr);
-    move_pairs(column_j, i, partners_i, column_i, g.row(i));
+    move_pairs(column_j, i, partners_i, column_i, count_triangles ? g.row(i) : nullptr);
     const int32_t s = partners_i[column_j];
-    if (s != 0) {
+    if (s != 0 && count_triangles) {
         for (const int v : {i, j}) {
             const int32_t old_value = triangles[v];
             triangles[v] = old_value + delta * s;
             move_count(g.triangle_histogram, old_value, old_value + delta * s);
         }
     }
+}
+
+void keep_only(Graph& g, Bookkeeping keep) {
+    const auto drop = [](auto& values) { std::exchange(values, {}); };
+    if (!keeps(keep, Bookkeeping::shared_partners)) {
+        drop(g.shared_partners);
+        drop(g.shared_partner_histogram);
+    }
+    if (!keeps(keep, Bookkeeping::triangles)) {
+        drop(g.triangles);
+        drop(g.triangle_histogram);
+    }
+    g.kept = g.kept & keep & (Bookkeeping::shared_partners | Bookkeeping::triangles);
 }
 
 Graph read_graph(const std::string& path, int n, MatrixNotes* notes) {
@@ -254,6 +298,9 @@ std::string check_bookkeeping(const Graph& g) {
         return format_message("edge count %d, degrees sum to %lld", g.edge_count,
                               static_cast<long long>(degree_sum));
     }
+    const bool partners_kept = keeps(g.kept, Bookkeeping::shared_partners);
+    const bool triangles_kept = keeps(g.kept, Bookkeeping::triangles);
+    if (!partners_kept && !triangles_kept) return {};
     std::vector<int32_t> partner_histogram(n >= 1 ? as_size(n) - 1 : 0, 0);
     for (int a = 0; a < n; ++a) {
         for (int b = a + 1; b < n; ++b) {
@@ -261,7 +308,7 @@ std::string check_bookkeeping(const Graph& g) {
                 return format_message("adjacency not symmetric at %d, %d", a, b);
             }
             const int32_t s = common_neighbour_count(g, a, b);
-            if (g.partners(a, b) != s || g.partners(b, a) != s) {
+            if (partners_kept && (g.partners(a, b) != s || g.partners(b, a) != s)) {
                 return format_message("shared partners of %d, %d are %d/%d, recount %d", a, b,
                                       g.partners(a, b), g.partners(b, a), s);
             }
@@ -272,9 +319,10 @@ std::string check_bookkeeping(const Graph& g) {
             }
         }
     }
-    if (partner_histogram != g.shared_partner_histogram) {
+    if (partners_kept && partner_histogram != g.shared_partner_histogram) {
         return "shared-partner histogram disagrees with a recount";
     }
+    if (!triangles_kept) return {};
     std::vector<int32_t> triangle_histogram(g.triangle_histogram.size(), 0);
     for (int a = 0; a < n; ++a) {
         // Each triangle at a was counted once from each of its two edges at a.

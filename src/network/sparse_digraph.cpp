@@ -77,16 +77,30 @@ void remove_arc(SparseDigraph& d, int i, int j) {
 void update_two_paths(SparseDigraph& d, int i, int j, int added) {
     const int32_t delta = added == 1 ? 1 : -1;
     // i is now (or no longer) a common sender of j and each other receiver k of i.
-    move_pairs(d.common_senders, d.out_neighbours(i), j, delta,
-               [j](int k) { return PairTable::key(k, j); });
+    if (keeps(d.kept, Bookkeeping::common_senders)) {
+        move_pairs(d.common_senders, d.out_neighbours(i), j, delta,
+                   [j](int k) { return PairTable::key(k, j); });
+    }
     // j is a common receiver of i and each other sender k of j.
-    move_pairs(d.common_receivers, d.in_neighbours(j), i, delta,
-               [i](int k) { return PairTable::key(k, i); });
+    if (keeps(d.kept, Bookkeeping::common_receivers)) {
+        move_pairs(d.common_receivers, d.in_neighbours(j), i, delta,
+                   [i](int k) { return PairTable::key(k, i); });
+    }
     // The paths k->i->j and i->j->k.
-    move_pairs(d.two_paths, d.in_neighbours(i), j, delta,
-               [j](int k) { return PairTable::ordered_key(k, j); });
-    move_pairs(d.two_paths, d.out_neighbours(j), i, delta,
-               [i](int k) { return PairTable::ordered_key(i, k); });
+    if (keeps(d.kept, Bookkeeping::two_paths)) {
+        move_pairs(d.two_paths, d.in_neighbours(i), j, delta,
+                   [j](int k) { return PairTable::ordered_key(k, j); });
+        move_pairs(d.two_paths, d.out_neighbours(j), i, delta,
+                   [i](int k) { return PairTable::ordered_key(i, k); });
+    }
+}
+
+void keep_only(SparseDigraph& d, Bookkeeping keep) {
+    if (!keeps(keep, Bookkeeping::two_paths)) d.two_paths = PairTable{};
+    if (!keeps(keep, Bookkeeping::common_senders)) d.common_senders = PairTable{};
+    if (!keeps(keep, Bookkeeping::common_receivers)) d.common_receivers = PairTable{};
+    d.kept = d.kept & keep &
+             (Bookkeeping::two_paths | Bookkeeping::common_senders | Bookkeeping::common_receivers);
 }
 
 SparseDigraph read_sparse_digraph(const std::string& path, int n, MatrixNotes* notes) {
@@ -196,13 +210,16 @@ std::string check_bookkeeping(const SparseDigraph& d) {
     }
     const auto outs = [&d](int v) { return d.out_neighbours(v); };
     const auto ins = [&d](int v) { return d.in_neighbours(v); };
-    std::string found = recount_pairs(d, d.two_paths, true, "two-paths", outs, outs,
-                                      [&d](int a, int b) { return d.paths(a, b); });
-    if (found.empty()) {
+    std::string found;
+    if (keeps(d.kept, Bookkeeping::two_paths)) {
+        found = recount_pairs(d, d.two_paths, true, "two-paths", outs, outs,
+                              [&d](int a, int b) { return d.paths(a, b); });
+    }
+    if (found.empty() && keeps(d.kept, Bookkeeping::common_senders)) {
         found = recount_pairs(d, d.common_senders, false, "common senders", ins, outs,
                               [&d](int a, int b) { return d.senders(a, b); });
     }
-    if (found.empty()) {
+    if (found.empty() && keeps(d.kept, Bookkeeping::common_receivers)) {
         found = recount_pairs(d, d.common_receivers, false, "common receivers", outs, ins,
                               [&d](int a, int b) { return d.receivers(a, b); });
     }

@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "base/matrix_text.h"
+#include "network/bookkeeping.h"
 #include "network/network_kind.h"
 #include "network/pair_table.h"
 
@@ -39,6 +40,8 @@ struct SparseDigraph {
     int32_t node_count = 0;
     int32_t arc_count = 0;
     int32_t mutual_count = 0;  // mutual dyads, each counted once
+    // Which of the three pair tables the store keeps; those it does not keep stay empty.
+    Bookkeeping kept = Bookkeeping::all;
 
     std::vector<std::vector<int32_t>> out_lists;  // receivers of each node, in dense order
     std::vector<std::vector<int32_t>> in_lists;   // senders of each node, in dense order
@@ -83,6 +86,8 @@ void remove_arc(SparseDigraph& digraph, int i, int j);
 // The three two-path counts after add_arc (added = 1) or remove_arc (any other value) of i->j.
 // Cost: one pass over the out- and in-neighbours of i and j, a table update each.
 void update_two_paths(SparseDigraph& digraph, int i, int j, int added);
+// Drops (and frees) the tables `keep` leaves out, as the dense store's keep_only.
+void keep_only(SparseDigraph& digraph, Bookkeeping keep);
 
 // Reads an n x n matrix file as read_digraph does (the same notes and errors).
 SparseDigraph read_sparse_digraph(const std::string& path, int n, MatrixNotes* notes = nullptr);

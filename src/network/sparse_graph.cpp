@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
@@ -106,10 +107,13 @@ void remove_edge(SparseGraph& g, int i, int j) {
 
 void update_shared_partners(SparseGraph& g, int i, int j, int added) {
     const int32_t delta = added == 1 ? 1 : -1;
+    const bool count_partners = keeps(g.kept, Bookkeeping::shared_partners);
+    const bool count_triangles = keeps(g.kept, Bookkeeping::triangles);
+    if (!count_partners && !count_triangles) return;
     int64_t* partner_histogram = g.shared_partner_histogram.data();
     // Every neighbour k of `from` other than `to` now shares (or no longer shares) partner
     // `from` with `to`: the pair {k, to} moves by delta.
-    const auto move_pairs = [&](int from, int to, bool closing) {
+    const auto move_pairs = [&](int from, int to) {
         const std::vector<int32_t>& list = g.neighbours[as_size(from)];
         for (const int32_t k : list) {
             if (k != to) g.shared_partners.prefetch(PairTable::key(k, to));
@@ -123,18 +127,40 @@ void update_shared_partners(SparseGraph& g, int i, int j, int added) {
             }
             partner_histogram[value] += 1;
             partner_histogram[value - delta] -= 1;
-            // A common neighbour k closes (or opens) the triangle i, j, k.
-            if (closing && g.marks[as_size(k)] != 0) move_triangles(g, as_size(k), delta);
         }
     };
+    if (count_partners) {
+        move_pairs(i, j);
+        move_pairs(j, i);
+    }
+    if (!count_triangles) return;
+    // A common neighbour k closes (or opens) the triangle i, j, k.
     for (const int32_t k : g.neighbours[as_size(i)]) g.marks[as_size(k)] = 1;
-    move_pairs(i, j, false);
-    move_pairs(j, i, true);
+    int32_t s = 0;
+    for (const int32_t k : g.neighbours[as_size(j)]) {
+        if (k == i || g.marks[as_size(k)] == 0) continue;
+        ++s;
+        move_triangles(g, as_size(k), delta);
+    }
     for (const int32_t k : g.neighbours[as_size(i)]) g.marks[as_size(k)] = 0;
-    const int32_t s = g.partners(i, j);
     if (s != 0) {
         for (const int v : {i, j}) move_triangles(g, as_size(v), delta * s);
     }
+}
+
+void keep_only(SparseGraph& g, Bookkeeping keep) {
+    const auto drop = [](auto& values) { std::exchange(values, {}); };
+    if (!keeps(keep, Bookkeeping::shared_partners)) {
+        drop(g.shared_partners);
+        drop(g.partner_filter);
+        drop(g.shared_partner_histogram);
+    }
+    if (!keeps(keep, Bookkeeping::triangles)) {
+        drop(g.triangles);
+        drop(g.triangle_histogram);
+        drop(g.marks);
+    }
+    g.kept = g.kept & keep & (Bookkeeping::shared_partners | Bookkeeping::triangles);
 }
 
 SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes) {
@@ -206,10 +232,24 @@ std::string check_triangles(const SparseGraph& g, const std::vector<int64_t>& tw
     return {};
 }
 
+// The pair {a, c}, with s partners by the recount, against the filter and the table.
+std::string partner_fault(const SparseGraph& g, int a, int c, int32_t s) {
+    if (!SparseGraph::may_share(g.filter_of(a), c) || !SparseGraph::may_share(g.filter_of(c), a))
+        return format_message("the partner filter of %d, %d misses its pair", a, c);
+    if (g.partners(a, c) != s) {
+        return format_message("shared partners of %d, %d are %d, recount %d", a, c,
+                              g.partners(a, c), s);
+    }
+    return {};
+}
+
 }  // namespace
 
 std::string check_bookkeeping(const SparseGraph& g) {
     if (std::string fault = check_lists(g); !fault.empty()) return fault;
+    const bool partners_kept = keeps(g.kept, Bookkeeping::shared_partners);
+    const bool triangles_kept = keeps(g.kept, Bookkeeping::triangles);
+    if (!partners_kept && !triangles_kept) return {};
     const int n = g.node_count;
     const size_t nodes = as_size(n);
     // Shared partners of a and every c > a, counted over the two-paths a - b - c.
@@ -228,13 +268,8 @@ std::string check_bookkeeping(const SparseGraph& g) {
         }
         for (const int32_t c : touched) {
             const int32_t s = count[as_size(c)];
-            if (!SparseGraph::may_share(g.filter_of(a), c) ||
-                !SparseGraph::may_share(g.filter_of(c), a)) {
-                return format_message("the partner filter of %d, %d misses its pair", a, c);
-            }
-            if (g.partners(a, c) != s) {
-                return format_message("shared partners of %d, %d are %d, recount %d", a, c,
-                                      g.partners(a, c), s);
+            if (partners_kept) {
+                if (std::string fault = partner_fault(g, a, c, s); !fault.empty()) return fault;
             }
             partner_histogram[as_size(s)] += 1;
             ++pairs_held;
@@ -245,6 +280,7 @@ std::string check_bookkeeping(const SparseGraph& g) {
             count[as_size(c)] = 0;
         }
     }
+    if (!partners_kept) return check_triangles(g, triangles);
     if (pairs_held != g.shared_partners.size()) {
         return format_message("the pair table holds %zu pairs, the recount %zu",
                               g.shared_partners.size(), pairs_held);
@@ -253,7 +289,7 @@ std::string check_bookkeeping(const SparseGraph& g) {
     if (partner_histogram != g.shared_partner_histogram) {
         return "shared-partner histogram disagrees with a recount";
     }
-    return check_triangles(g, triangles);
+    return triangles_kept ? check_triangles(g, triangles) : std::string{};
 }
 
 }  // namespace vexa

@@ -24,6 +24,7 @@
 
 #include "base/compiler.h"
 #include "base/matrix_text.h"
+#include "network/bookkeeping.h"
 #include "network/network_kind.h"
 #include "network/pair_table.h"
 
@@ -40,6 +41,9 @@ struct SparseGraph {
     // The dense store's 64-bit words per adjacency row: the common-neighbour walk takes the
     // same path as the dense store's (and so meets the neighbours in the same order) by it.
     int32_t row_words = 0;
+    // What the store keeps of shared partners (the table, its filter and histogram) and
+    // triangles; the containers of what it does not keep are empty.
+    Bookkeeping kept = Bookkeeping::all;
 
     std::vector<std::vector<int32_t>> neighbours;  // n lists, in the dense store's order
     PairTable shared_partners;                     // pairs with at least one shared partner
@@ -100,9 +104,12 @@ inline bool has_edge(const SparseGraph& graph, int i, int j) {
 // the neighbour lists; no-ops when the edge is already in the requested state.
 void add_edge(SparseGraph& graph, int i, int j);
 void remove_edge(SparseGraph& graph, int i, int j);
-// Shared partners, triangles and both histograms after add_edge (added = 1) or remove_edge.
-// Cost: one pass over the neighbours of i and j, a table update each.
+// Shared partners, triangles and both histograms after add_edge (added = 1) or remove_edge, as
+// far as the store keeps them. Cost: one pass over the neighbours of i and j, a table update
+// each.
 void update_shared_partners(SparseGraph& graph, int i, int j, int added);
+// Drops (and frees) the counts `keep` leaves out, as the dense store's keep_only.
+void keep_only(SparseGraph& graph, Bookkeeping keep);
 
 // Reads an n x n matrix file as read_graph does.
 SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes = nullptr);
@@ -125,6 +132,7 @@ inline void update_after_toggle(SparseGraph& graph, int i, int j, int added) {
 inline int64_t tie_count(const SparseGraph& graph) { return graph.edge_count; }
 // Asks ahead for the partner filters of both ends and the table slot of the pair.
 inline void prefetch_dyad(const SparseGraph& graph, int i, int j) {
+    if (graph.partner_filter.empty()) return;
     prefetch(graph.filter_of(i));
     prefetch(graph.filter_of(j));
     graph.shared_partners.prefetch(PairTable::key(i, j));

@@ -54,6 +54,11 @@ struct SampleOutputs {
     bool triangle_distribution = false;
     bool twopath_distribution = false;
     bool et0nt_distribution = false;
+
+    // Whether a sample's rows read the store's pair and triangle counts.
+    bool read_counts() const {
+        return cluster_giant || triangle_distribution || twopath_distribution || et0nt_distribution;
+    }
 };
 
 }  // namespace vexa

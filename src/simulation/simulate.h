@@ -36,6 +36,7 @@ SimulationRecord simulate(ChainSetup<Store>& setup, const std::vector<double>& p
     record.plan = plan;
     const auto p = static_cast<int32_t>(parameters.size());
     Store& network = setup.observed;
+    keep_only(network, setup.keeps);
     Chain<Store> chain = setup.chain_on(network, p, rng);
     run_burn_in(chain, parameters.data(), burn_in, seeds, observer);
     seeds.reseed(rng);

@@ -205,6 +205,7 @@ void check_case(const AttributeCase& c) {
                     EXPECT_EQ(change, difference) << name << " " << what;
                 });
             testing::check_reads_claim(store, terms);
+            testing::check_needs_claim(store, terms);
             EXPECT_EQ(check_bookkeeping(store), "");
             EXPECT_TRUE(Fixture::adjacency(store).cells == matrix.cells);
         }

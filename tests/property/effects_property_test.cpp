@@ -107,6 +107,7 @@ std::vector<double> check_row(const RowCase& c) {
         }
         testing::check_changes_against_totals(store, terms, expect_same);
         testing::check_reads_claim(store, terms);
+        testing::check_needs_claim(store, terms);
         EXPECT_EQ(check_bookkeeping(store), "");
         EXPECT_TRUE(Fixture::adjacency(store).cells == matrix.cells)
             << "the toggles restored the network";

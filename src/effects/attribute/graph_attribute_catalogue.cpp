@@ -11,6 +11,7 @@ namespace vexa {
 namespace {
 
 using enum TieReads;  // the tables' reads column
+using namespace needs_column;
 using namespace attribute_terms;
 using Binary = GraphBinaryEffect;
 using Continuous = GraphContinuousEffect;
@@ -22,47 +23,47 @@ using Covariate = GraphCovariateEffect;
 // clang-format off
 template <class S>
 constexpr auto binary = std::to_array<CatalogueRow<Binary, S>>({
-    // id                  update         report         column         summary        simulation     gof            sample         spss           format   lambda integral clique carried variant          reads    change                         total
-    {Binary::activity,    {"activity",    "activity",    "activity",    "activity",    "activity",    "activity",    "activity",    "activity",    "F8.0"}, 0.0f,  true,    0,     true,   dyad_sum,        nothing, change_tie_value<S>,           total_tie_value<S>},
-    {Binary::interaction, {"interaction", "interaction", "interaction", "interaction", "interaction", "interaction", "interaction", "interaction", "F8.0"}, 0.0f,  true,    0,     true,   dyad_product,    nothing, change_tie_value<S>,           total_tie_value<S>},
-    {Binary::o1au,        {"O1au",        "O1au",        "o1au",        "o1au",        "O1au",        "o1au",        "o1au",        "o1au",        "F8.0"}, 0.0f,  true,    0,     true,   node_o1au,       network, change_node_statistic<S>,      total_node_statistic<S>},
-    {Binary::o1bu,        {"O1bu",        "O1bu",        "o1bu",        "o1bu",        "O1bu",        "o1bu",        "o1bu",        "o1bu",        "F8.0"}, 0.0f,  true,    0,     true,   node_o1bu,       network, change_node_statistic<S>,      total_node_statistic<S>},
-    {Binary::o2au,        {"O2au",        "O2au",        "o2au",        "o2au",        "O2au",        "o2au",        "o2au",        "o2au",        "F8.0"}, 0.0f,  true,    0,     true,   node_o2au,       network, change_node_statistic<S>,      total_node_statistic<S>},
-    {Binary::o2b,         {"O2b",         "O2b",         "o2bu",        "o2b",         "O2b",         "o2bu",        "o2bu",        "o2bu",        "F8.0"}, 0.0f,  true,    0,     true,   node_o2b,        network, change_node_statistic<S>,      total_node_statistic<S>},
-    {Binary::o3u,         {"O3u",         "O3u",         "o3u",         "o3u",         "O3u",         "o3u",         "o3u",         "o3u",         "F8.0"}, 0.0f,  true,    0,     true,   node_o3u,        network, change_node_statistic<S>,      total_node_statistic<S>},
-    {Binary::t1u,         {"T1u",         "T1u",         "t1u",         "t1u",         "T1u",         "t1u",         "t1u",         "t1u",         "F8.0"}, 0.0f,  true,    0,     true,   triangle_single, network, change_triangle_sum<S, false>, total_triangle_sum<S, false>},
-    {Binary::t2u,         {"T2u",         "T2u",         "t2u",         "t2u",         "T2u",         "t2u",         "t2u",         "t2u",         "F8.0"}, 0.0f,  true,    0,     true,   triangle_pairs,  network, change_triangle_sum<S, false>, total_triangle_sum<S, false>},
-    {Binary::t3u,         {"T3u",         "T3u",         "t3u",         "t3u",         "T3u",         "t3u",         "t3u",         "t3u",         "F8.0"}, 0.0f,  true,    0,     true,   triangle_all,    network, change_triangle_sum<S, false>, total_triangle_sum<S, false>},
-    {Binary::et1,         {"ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "F8.0"}, 0.0f,  true,    0,     true,   node_et1,        network, change_node_statistic<S>,      total_node_statistic<S>},
-    {Binary::et2,         {"ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "F8.0"}, 0.0f,  true,    0,     true,   node_et2,        network, change_node_statistic<S>,      total_node_statistic<S>},
-    {Binary::et0,         {"ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "F8.0"}, 0.0f,  true,    0,     true,   et0,             network, change_edge_triangle<S>,       total_edge_triangle<S>},
-    {Binary::etnt,        {"ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "F8.0"}, 0.0f,  true,    0,     true,   etnt,            network, change_edge_triangle<S>,       total_edge_triangle<S>},
+    // id                  update         report         column         summary        simulation     gof            sample         spss           format   lambda integral clique carried variant          reads    needs               change                         total
+    {Binary::activity,    {"activity",    "activity",    "activity",    "activity",    "activity",    "activity",    "activity",    "activity",    "F8.0"}, 0.0f,  true,    0,     true,   dyad_sum,        nothing, no_counts,          change_tie_value<S>,           total_tie_value<S>},
+    {Binary::interaction, {"interaction", "interaction", "interaction", "interaction", "interaction", "interaction", "interaction", "interaction", "F8.0"}, 0.0f,  true,    0,     true,   dyad_product,    nothing, no_counts,          change_tie_value<S>,           total_tie_value<S>},
+    {Binary::o1au,        {"O1au",        "O1au",        "o1au",        "o1au",        "O1au",        "o1au",        "o1au",        "o1au",        "F8.0"}, 0.0f,  true,    0,     true,   node_o1au,       network, partners_triangles, change_node_statistic<S>,      total_node_statistic<S>},
+    {Binary::o1bu,        {"O1bu",        "O1bu",        "o1bu",        "o1bu",        "O1bu",        "o1bu",        "o1bu",        "o1bu",        "F8.0"}, 0.0f,  true,    0,     true,   node_o1bu,       network, partners_triangles, change_node_statistic<S>,      total_node_statistic<S>},
+    {Binary::o2au,        {"O2au",        "O2au",        "o2au",        "o2au",        "O2au",        "o2au",        "o2au",        "o2au",        "F8.0"}, 0.0f,  true,    0,     true,   node_o2au,       network, partners_triangles, change_node_statistic<S>,      total_node_statistic<S>},
+    {Binary::o2b,         {"O2b",         "O2b",         "o2bu",        "o2b",         "O2b",         "o2bu",        "o2bu",        "o2bu",        "F8.0"}, 0.0f,  true,    0,     true,   node_o2b,        network, partners_triangles, change_node_statistic<S>,      total_node_statistic<S>},
+    {Binary::o3u,         {"O3u",         "O3u",         "o3u",         "o3u",         "O3u",         "o3u",         "o3u",         "o3u",         "F8.0"}, 0.0f,  true,    0,     true,   node_o3u,        network, partners_triangles, change_node_statistic<S>,      total_node_statistic<S>},
+    {Binary::t1u,         {"T1u",         "T1u",         "t1u",         "t1u",         "T1u",         "t1u",         "t1u",         "t1u",         "F8.0"}, 0.0f,  true,    0,     true,   triangle_single, network, partners,           change_triangle_sum<S, false>, total_triangle_sum<S, false>},
+    {Binary::t2u,         {"T2u",         "T2u",         "t2u",         "t2u",         "T2u",         "t2u",         "t2u",         "t2u",         "F8.0"}, 0.0f,  true,    0,     true,   triangle_pairs,  network, partners,           change_triangle_sum<S, false>, total_triangle_sum<S, false>},
+    {Binary::t3u,         {"T3u",         "T3u",         "t3u",         "t3u",         "T3u",         "t3u",         "t3u",         "t3u",         "F8.0"}, 0.0f,  true,    0,     true,   triangle_all,    network, partners,           change_triangle_sum<S, false>, total_triangle_sum<S, false>},
+    {Binary::et1,         {"ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "ET1",         "F8.0"}, 0.0f,  true,    0,     true,   node_et1,        network, partners_triangles, change_node_statistic<S>,      total_node_statistic<S>},
+    {Binary::et2,         {"ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "ET2",         "F8.0"}, 0.0f,  true,    0,     true,   node_et2,        network, partners_triangles, change_node_statistic<S>,      total_node_statistic<S>},
+    {Binary::et0,         {"ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "ET0",         "F8.0"}, 0.0f,  true,    0,     true,   et0,             network, partners_triangles, change_edge_triangle<S>,       total_edge_triangle<S>},
+    {Binary::etnt,        {"ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "ETNT",        "F8.0"}, 0.0f,  true,    0,     true,   etnt,            network, partners_triangles, change_edge_triangle<S>,       total_edge_triangle<S>},
 });
 
 template <class S>
 constexpr auto continuous = std::to_array<CatalogueRow<Continuous, S>>({
-    // id                     update                report  column  summary simulation gof     sample  spss    format   lambda integral clique carried variant          reads    change               total
-    {Continuous::sum,        {"sum_of_Continuous",  "sum",  "sum",  "sum",  "sum",     "sum",  "sum",  "sum",  "F8.4"}, 0.0f,  false,   0,     true,   dyad_sum,        nothing, change_tie_value<S>, total_tie_value<S>},
-    {Continuous::difference, {"diff_of_Continuous", "diff", "diff", "diff", "diff",    "diff", "diff", "diff", "F8.4"}, 0.0f,  false,   0,     true,   dyad_difference, nothing, change_tie_value<S>, total_tie_value<S>},
-    {Continuous::product,    {"prod_of_Continuous", "prod", "prod", "prod", "prod",    "prod", "prod", "prod", "F8.4"}, 0.0f,  false,   0,     true,   dyad_product,    nothing, change_tie_value<S>, total_tie_value<S>},
+    // id                     update                report  column  summary simulation gof     sample  spss    format   lambda integral clique carried variant          reads    needs               change               total
+    {Continuous::sum,        {"sum_of_Continuous",  "sum",  "sum",  "sum",  "sum",     "sum",  "sum",  "sum",  "F8.4"}, 0.0f,  false,   0,     true,   dyad_sum,        nothing, no_counts,          change_tie_value<S>, total_tie_value<S>},
+    {Continuous::difference, {"diff_of_Continuous", "diff", "diff", "diff", "diff",    "diff", "diff", "diff", "F8.4"}, 0.0f,  false,   0,     true,   dyad_difference, nothing, no_counts,          change_tie_value<S>, total_tie_value<S>},
+    {Continuous::product,    {"prod_of_Continuous", "prod", "prod", "prod", "prod",    "prod", "prod", "prod", "F8.4"}, 0.0f,  false,   0,     true,   dyad_product,    nothing, no_counts,          change_tie_value<S>, total_tie_value<S>},
 });
 
 template <class S>
 constexpr auto categorical = std::to_array<CatalogueRow<Categorical, S>>({
-    // id                     update                     report           column   summary     simulation       gof              sample   spss      format   lambda integral clique carried variant         reads    change               total
-    {Categorical::same,      {"Same_Category_edge",      "same_Category", "sameC", "matching", "same_Category", "same_Category", "sameC", "sameEC", "F8.0"}, 0.0f,  true,    0,     true,   dyad_same,      nothing, change_tie_value<S>, total_tie_value<S>},
-    {Categorical::different, {"Different_Category_edge", "diff_Category", "diffC", "mismatch", "diff_Category", "diff_Category", "diffC", "diffEC", "F8.0"}, 0.0f,  true,    0,     true,   dyad_different, nothing, change_tie_value<S>, total_tie_value<S>},
+    // id                     update                     report           column   summary     simulation       gof              sample   spss      format   lambda integral clique carried variant         reads    needs               change               total
+    {Categorical::same,      {"Same_Category_edge",      "same_Category", "sameC", "matching", "same_Category", "same_Category", "sameC", "sameEC", "F8.0"}, 0.0f,  true,    0,     true,   dyad_same,      nothing, no_counts,          change_tie_value<S>, total_tie_value<S>},
+    {Categorical::different, {"Different_Category_edge", "diff_Category", "diffC", "mismatch", "diff_Category", "diff_Category", "diffC", "diffEC", "F8.0"}, 0.0f,  true,    0,     true,   dyad_different, nothing, no_counts,          change_tie_value<S>, total_tie_value<S>},
 });
 
 template <class S>
 constexpr auto covariate = std::to_array<CatalogueRow<Covariate, S>>({
-    // id              update  report  column  summary simulation gof     sample  spss    format   lambda integral clique carried variant          reads    change                        total
-    {Covariate::edge, {"edge", "edge", "edge", "edge", "edge",    "edge", "edge", "edge", "F8.4"}, 0.0f,  false,   0,     true,   dyad_covariate,  nothing, change_tie_value<S>,          total_tie_value<S>},
-    {Covariate::s21,  {"S21",  "S21",  "S21",  "S21",  "S21",     "S21",  "S21",  "s21",  "F8.4"}, 0.0f,  false,   0,     true,   star21,          network, change_covariate_star<S>,     total_covariate_star<S>},
-    {Covariate::s22,  {"S22",  "S22",  "S22",  "S22",  "S22",     "S22",  "S22",  "s22",  "F8.4"}, 0.0f,  false,   0,     true,   star22,          network, change_covariate_star<S>,     total_covariate_star<S>},
-    {Covariate::t1,   {"T1",   "t1",   "t1",   "t1",   "t1",      "t1",   "t1",   "t1",   "F8.4"}, 0.0f,  false,   0,     true,   triangle_single, network, change_triangle_sum<S, true>, total_triangle_sum<S, true>},
-    {Covariate::t2,   {"T2",   "t2",   "t2",   "t2",   "t2",      "t2",   "t2",   "t2",   "F8.4"}, 0.0f,  false,   0,     true,   triangle_pairs,  network, change_triangle_sum<S, true>, total_triangle_sum<S, true>},
-    {Covariate::t3,   {"T3",   "t3",   "t3",   "t3",   "t3",      "t3",   "t3",   "t3",   "F8.4"}, 0.0f,  false,   0,     true,   triangle_all,    network, change_triangle_sum<S, true>, total_triangle_sum<S, true>},
+    // id              update  report  column  summary simulation gof     sample  spss    format   lambda integral clique carried variant          reads    needs               change                        total
+    {Covariate::edge, {"edge", "edge", "edge", "edge", "edge",    "edge", "edge", "edge", "F8.4"}, 0.0f,  false,   0,     true,   dyad_covariate,  nothing, no_counts,          change_tie_value<S>,          total_tie_value<S>},
+    {Covariate::s21,  {"S21",  "S21",  "S21",  "S21",  "S21",     "S21",  "S21",  "s21",  "F8.4"}, 0.0f,  false,   0,     true,   star21,          network, no_counts,          change_covariate_star<S>,     total_covariate_star<S>},
+    {Covariate::s22,  {"S22",  "S22",  "S22",  "S22",  "S22",     "S22",  "S22",  "s22",  "F8.4"}, 0.0f,  false,   0,     true,   star22,          network, no_counts,          change_covariate_star<S>,     total_covariate_star<S>},
+    {Covariate::t1,   {"T1",   "t1",   "t1",   "t1",   "t1",      "t1",   "t1",   "t1",   "F8.4"}, 0.0f,  false,   0,     true,   triangle_single, network, partners,           change_triangle_sum<S, true>, total_triangle_sum<S, true>},
+    {Covariate::t2,   {"T2",   "t2",   "t2",   "t2",   "t2",      "t2",   "t2",   "t2",   "F8.4"}, 0.0f,  false,   0,     true,   triangle_pairs,  network, partners,           change_triangle_sum<S, true>, total_triangle_sum<S, true>},
+    {Covariate::t3,   {"T3",   "t3",   "t3",   "t3",   "t3",      "t3",   "t3",   "t3",   "F8.4"}, 0.0f,  false,   0,     true,   triangle_all,    network, partners,           change_triangle_sum<S, true>, total_triangle_sum<S, true>},
 });
 // clang-format on
 

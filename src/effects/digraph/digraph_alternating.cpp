@@ -12,6 +12,7 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <type_traits>
 
@@ -90,20 +91,27 @@ inline void tally(std::array<int64_t, weight_table_cap + 1>& counts, int value) 
 // brings the arc's own term and one more two-path to every arc it closes a triangle with.
 
 // AT-T, L of a->b = P(a,b) (paths a->x->b). The new arc makes i->j->y beside each arc i->y with
-// j->y, and x->i->j beside each arc x->j with x->i. O(min out degree + min in degree), nothing
-// when R(i,j) = S(i,j) = 0.
+// j->y, and x->i->j beside each arc x->j with x->i. O(min out degree + min in degree); nothing
+// when R(i,j) = S(i,j) = 0 and the store keeps those counts. It needs only the two-paths: a
+// store that keeps no common receivers or senders (a model without the effects that read them
+// saves their upkeep on every accepted toggle) has the walks run their shorter lists whole,
+// meeting the same members in the same order.
 template <class D>
 double triangle_transitive(const D& d, const Term<D>& term, int i, int j, int fix) {
     const ArcsAt<D> at_i(d, i);
     const ArcsAt<D> at_j(d, j);
+    constexpr int unknown = std::numeric_limits<int>::max();
+    const int receivers =
+        keeps(d.kept, Bookkeeping::common_receivers) ? d.receivers(i, j) : unknown;
+    const int senders = keeps(d.kept, Bookkeeping::common_senders) ? d.senders(i, j) : unknown;
     double sum = lambda_of(term) * (1.0 - w(term, d.paths(i, j)));
     for_each_common(
         d.out_neighbours(i), [&](int y) { return at_i.out(y); }, d.out_neighbours(j),
-        [&](int y) { return at_j.out(y); }, d.receivers(i, j),
+        [&](int y) { return at_j.out(y); }, receivers,
         [&](int y) { sum += gain(term, d.paths(i, y) + fix); });
     for_each_common(
         d.in_neighbours(i), [&](int x) { return at_i.in(x); }, d.in_neighbours(j),
-        [&](int x) { return at_j.in(x); }, d.senders(i, j),
+        [&](int x) { return at_j.in(x); }, senders,
         [&](int x) { sum += gain(term, d.paths(x, j) + fix); });
     return sum;
 }

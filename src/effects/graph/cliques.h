@@ -19,7 +19,7 @@ void fill_clique_changes(const Graph& graph, Workspace& workspace, int i, int j)
 void prepare_totals(const Graph& graph, Workspace& workspace);
 inline void prepare_change(const Graph& graph, Workspace& workspace, int i, int j) {
     // Most terms read the pair's shared partners, far away in an n x n matrix: ask for it now.
-    prefetch(graph.partners_row(i) + j);
+    if (!graph.shared_partners.empty()) prefetch(graph.partners_row(i) + j);
     if (workspace.clique_depth >= 1) fill_clique_changes(graph, workspace, i, j);
 }
 
@@ -29,9 +29,7 @@ void fill_clique_changes(const SparseGraph& graph, Workspace& workspace, int i, 
 void prepare_totals(const SparseGraph& graph, Workspace& workspace);
 inline void prepare_change(const SparseGraph& graph, Workspace& workspace, int i, int j) {
     // The partner filters of both ends, which most terms read first.
-    prefetch(graph.filter_of(i));
-    prefetch(graph.filter_of(j));
-    graph.shared_partners.prefetch(PairTable::key(i, j));
+    prefetch_dyad(graph, i, j);
     if (workspace.clique_depth >= 1) fill_clique_changes(graph, workspace, i, j);
 }
 

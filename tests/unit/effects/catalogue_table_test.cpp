@@ -16,11 +16,17 @@ struct ToyStore {};
 using ToyRow = CatalogueRow<Toy, ToyStore>;
 
 constexpr ToyRow row(Toy id, const char* update, const char* sample) {
-    return {id,      {update, "r", update, "s", "s", "g", sample, sample, "F8.0"},
-            0.0f,    true,
-            0,       true,
-            0,       TieReads::network,
-            nullptr, nullptr};
+    return {id,
+            {update, "r", update, "s", "s", "g", sample, sample, "F8.0"},
+            0.0f,
+            true,
+            0,
+            true,
+            0,
+            TieReads::network,
+            Bookkeeping::all,
+            nullptr,
+            nullptr};
 }
 
 // b has no run-file entry.
