@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "sampler/runs.h"
@@ -30,19 +31,21 @@ double chi_square_limit(int df) {
 template <class Store>
 void expect_exact_distribution(int n, const std::vector<int>& rows,
                                const std::vector<double>& theta, int thin, int cells,
-                               int (*cell)(const Store&)) {
+                               int (*cell)(const Store&), const DyadMask* mask = nullptr,
+                               const std::vector<std::pair<int, int>>& fixed_ties = {}) {
     using Fixture = testing::KindFixture<Store>;
     const std::vector<Term<Store>> terms = make_terms<Store>(testing::model_of(Store::kind, rows));
     std::vector<std::pair<int, int>> dyads;
     for (int a = 0; a < n; ++a) {
         for (int b = Store::kind == NetworkKind::graph ? a + 1 : 0; b < n; ++b) {
-            if (a != b) dyads.emplace_back(a, b);
+            if (a != b && (mask == nullptr || mask->allows(a, b))) dyads.emplace_back(a, b);
         }
     }
     std::vector<double> exact(static_cast<size_t>(cells), 0.0);
     double total = 0.0;
     for (uint32_t bits = 0; bits < (1u << dyads.size()); ++bits) {
         typename Fixture::Matrix m(n);
+        for (const auto& [a, b] : fixed_ties) m.set(a, b, true);
         for (size_t d = 0; d < dyads.size(); ++d) {
             if ((bits >> d) & 1u) m.set(dyads[d].first, dyads[d].second, true);
         }
@@ -55,11 +58,13 @@ void expect_exact_distribution(int n, const std::vector<int>& rows,
     }
     for (double& p : exact) p /= total;
     for (const Proposal proposal : {Proposal::toggle, Proposal::tie_no_tie}) {
-        Store store = Fixture::build(typename Fixture::Matrix(n));
+        typename Fixture::Matrix start(n);
+        for (const auto& [a, b] : fixed_ties) start.set(a, b, true);
+        Store store = Fixture::build(start);
         Rng rng;
         rng.seed(11 + static_cast<uint32_t>(proposal));
         Chain<Store> chain = make_chain(store, terms, static_cast<int32_t>(theta.size()),
-                                        SamplerSettings{.proposal = proposal}, rng);
+                                        SamplerSettings{.proposal = proposal, .mask = mask}, rng);
         const int samples = 40000;
         std::vector<double> observed(exact.size(), 0.0);
         for (int s = 0; s < samples; ++s) {
@@ -95,6 +100,24 @@ TEST(TieNoTie, SamplesTheExactDistributionOfASmallDigraphLikeTheToggle) {
                                        {-0.7, 0.9, -0.2, 0.3}, 30, 13 * 7, [](const Digraph& d) {
                                            return d.arc_count * 7 + d.mutual_count;
                                        });
+}
+
+TEST(TieNoTie, KeepsTheExactDistributionWhereAConstraintFixesOneArcOfADyad) {
+    // The digraph proposal also picks the reverse of a present arc; where the constraint fixes
+    // that reverse arc (0->1 stays present and 2->3 absent, while 1->0 and 3->2 may change) the
+    // pick proposes nothing, a fixed arc is never picked from, and the distribution over the
+    // allowed arcs must stay exact.
+    DyadMask mask = make_dyad_mask(4, NetworkKind::digraph);
+    for (int a = 0; a < 4; ++a) {
+        for (int b = 0; b < 4; ++b) {
+            const bool fixed = (a == 0 && b == 1) || (a == 2 && b == 3);
+            if (a != b && !fixed) allow_dyad(mask, NetworkKind::digraph, a, b);
+        }
+    }
+    expect_exact_distribution<Digraph>(
+        4, {int(DigraphEffect::arc), int(DigraphEffect::reciprocity), int(DigraphEffect::at_t)},
+        {-0.5, 1.2, 0.3}, 30, 12 * 7,
+        [](const Digraph& d) { return d.arc_count * 7 + d.mutual_count; }, &mask, {{0, 1}});
 }
 
 }  // namespace
