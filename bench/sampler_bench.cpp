@@ -15,6 +15,7 @@
 #include "model/terms.h"
 #include "network/graph.h"
 #include "sampler/runs.h"
+#include "school_model.h"
 
 namespace {
 
@@ -61,36 +62,12 @@ BENCHMARK(BM_SamplerProposals)->Arg(1000)->Arg(5000);
 // The school network (205 nodes, 203 ties) under edge + AT (lambda e^0.25) at its estimate,
 // with and without the same-grade term: what a homophily term costs a proposal.
 void BM_SchoolNetworkProposals(benchmark::State& state) {
-    const bool with_grade = state.range(0) != 0;
-    const std::filesystem::path examples = VEXA_EXAMPLES_DIR;
-    Model model = empty_model(NetworkKind::graph);
-    for (const GraphEffect effect : {GraphEffect::edge, GraphEffect::at}) {
-        EffectSetting& setting = model.structural[static_cast<size_t>(effect)];
-        setting.slot = model.structural_included++;
-        setting.lambda = effect == GraphEffect::at ? 1.2840254f : 0.0f;
-    }
-    std::vector<double> parameters{-6.29, 1.46};
-    if (with_grade) {
-        AttributeSection& section = model.section(AttributeKind::categorical);
-        AttributeData data =
-            read_attribute_file((examples / "faux.mesa.high_attributes.txt").string(),
-                                AttributeKind::categorical, 3, 205);
-        section.given = true;
-        section.count = 3;
-        section.names = data.names;
-        section.data = data.data;
-        section.missing = data.missing;
-        const CatalogueView& catalogue =
-            attribute_catalogue(NetworkKind::graph, AttributeKind::categorical);
-        section.included.assign(catalogue.rows.size(), std::vector<int32_t>(3, 0));
-        section.included[static_cast<size_t>(GraphCategoricalEffect::same)][0] = 1;  // Grade
-        section.included_count = 1;
-        parameters.push_back(2.0);
-    }
-    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
+    bench::SchoolModel school = bench::school_model(state.range(0) != 0);
+    const std::vector<double>& parameters = school.parameters;
+    const std::vector<Term<Graph>> terms = make_terms<Graph>(school.model);
     Rng rng;
     rng.seed(5);
-    Graph g = read_graph((examples / "faux.mesa.high.txt").string(), 205);
+    Graph& g = school.network;
     Chain<Graph> chain =
         make_chain(g, terms, static_cast<int>(parameters.size()), SamplerSettings{}, rng);
     double accepted = 0.0;
