@@ -8,9 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "effects/attribute/attribute_catalogue.h"
 #include "effects/graph/graph_catalogue.h"
-#include "entry/attribute_files.h"
 #include "entry/run_driver.h"
 #include "model/terms.h"
 #include "network/graph.h"

@@ -25,7 +25,7 @@ int32_t lone_ties(const SparseGraph& graph, int v) {
 
 int32_t lone_ties(const Graph& graph, int v) {
     const uint64_t* row = graph.row(v);
-    const int32_t* partners = graph.partners_row(v);
+    const uint16_t* partners = graph.partners_row(v);
     int32_t count = 0;
     for (int w = 0; w < graph.row_words; ++w) {
         for_each_bit(row[w], w * 64, [&](int u) {

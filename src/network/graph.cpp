@@ -64,9 +64,10 @@ double graph_store_bytes(int n) {
     const double nodes = n;
     const double words = (nodes + 63.0) / 64.0;
     const double triangle_entries = (nodes - 2.0) * (nodes - 1.0) / 2.0 + 1.0;
-    // The shared partners and the room the neighbour lists reserve (n - 1 entries a node, for
-    // the densest network), the bit rows, the per-node arrays and the triangle histogram.
-    return 4.0 * nodes * nodes + 4.0 * nodes * (nodes - 1.0) + 8.0 * nodes * std::floor(words) +
+    // The shared partners (16 bits each) and the room the neighbour lists reserve (n - 1
+    // entries a node, for the densest network), the bit rows, the per-node arrays and the
+    // triangle histogram.
+    return 2.0 * nodes * nodes + 4.0 * nodes * (nodes - 1.0) + 8.0 * nodes * std::floor(words) +
            4.0 * (4.0 * nodes - 1.0) + 4.0 * triangle_entries;
 }
 
@@ -74,6 +75,12 @@ Graph create_graph(int n) {
     if (n < 1) {
         throw SettingError(
             format_message("vexa: a network needs at least one node (node count %d)", n));
+    }
+    if (n > max_graph_nodes) {
+        throw SettingError(format_message(
+            "vexa: a graph of %d nodes is too large for the dense store: its shared-partner "
+            "counts could pass 65,535 (at most %d nodes; the sparse store takes more)",
+            n, max_graph_nodes));
     }
     const double needed = graph_store_bytes(n);
     const double available = physical_memory_bytes();
@@ -199,9 +206,9 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
         return;
     }
     const size_t n = as_size(g.node_count);
-    int32_t* partners = g.shared_partners.data();
-    int32_t* partners_i = partners + as_size(i) * n;
-    int32_t* partners_j = partners + as_size(j) * n;
+    uint16_t* partners = g.shared_partners.data();
+    uint16_t* partners_i = partners + as_size(i) * n;
+    uint16_t* partners_j = partners + as_size(j) * n;
     int32_t* partner_histogram = g.shared_partner_histogram.data();
     const size_t column_i = as_size(i);
     const size_t column_j = as_size(j);
@@ -210,14 +217,14 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
     // Every neighbour k of `from` other than `to` now shares (or no longer shares) partner
     // `from` with `to`: the pair {k, to} moves by delta, in both halves of the matrix. The
     // partner itself (in the lists after an addition) is not its own shared partner.
-    const auto move_pairs = [&](size_t from, int to, int32_t* partners_to, size_t column_to,
+    const auto move_pairs = [&](size_t from, int to, uint16_t* partners_to, size_t column_to,
                                 const uint64_t* closing_row) {
         for (const int32_t k : g.neighbours_of(static_cast<int>(from))) {
             if (k == to) continue;
             const size_t kk = as_size(k);
             const int32_t value = partners_to[kk] + delta;
-            partners_to[kk] = value;
-            partners[kk * n + column_to] = value;
+            partners_to[kk] = static_cast<uint16_t>(value);
+            partners[kk * n + column_to] = static_cast<uint16_t>(value);
             partner_histogram[value] += 1;
             partner_histogram[value - delta] -= 1;
             // A common neighbour k closes (or opens) the triangle i, j, k; counted on one pass.

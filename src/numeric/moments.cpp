@@ -39,7 +39,7 @@ Moments moments(const int32_t* values, int count) {
     return moments_of([values](long long k) { return static_cast<double>(values[k]); }, count);
 }
 
-Moments pair_moments(const int32_t* matrix, int n) {
+Moments pair_moments(const uint16_t* matrix, int n) {
     // Index k runs over the pairs a < b row by row.
     const size_t nodes = static_cast<size_t>(n);
     std::size_t a = 0;

@@ -17,6 +17,6 @@ struct Moments {
 Moments moments(const double* values, int count);
 Moments moments(const int32_t* values, int count);
 // Over the n(n-1)/2 entries [a][b], a < b, of a row-major n x n integer matrix.
-Moments pair_moments(const int32_t* matrix, int n);
+Moments pair_moments(const uint16_t* matrix, int n);
 
 }  // namespace vexa

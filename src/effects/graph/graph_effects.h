@@ -64,7 +64,7 @@ struct SparsePartnerRow {
         return table->get(PairTable::key(a, k));
     }
 };
-inline const int32_t* partners_of(const Graph& g, int a) { return g.partners_row(a); }
+inline const uint16_t* partners_of(const Graph& g, int a) { return g.partners_row(a); }
 inline SparsePartnerRow partners_of(const SparseGraph& g, int a) {
     return {&g.shared_partners, g.filter_of(a), a};
 }
@@ -144,7 +144,7 @@ inline void for_each_neighbour(const G& g, int v, Fn&& fn) {
 // scattered over an n x n matrix; asked for together, their cache misses overlap instead of
 // queueing one behind the other as the summing loop meets them (on a network of 5,000 nodes
 // the alternating two-path change runs twice as fast).
-inline void prefetch_partners(const Graph& g, const int32_t* partners, int v) {
+inline void prefetch_partners(const Graph& g, const uint16_t* partners, int v) {
     for (const int32_t k : g.neighbours_of(v)) prefetch(partners + k);
 }
 // The same for the sparse store: the home slots of the pairs in its table.

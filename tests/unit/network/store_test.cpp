@@ -115,9 +115,16 @@ TEST(NetworkStore, DensitiesAndSizesRefused) {
     EXPECT_THROW(create_graph(0), SettingError);
     EXPECT_THROW(create_graph(-4), SettingError);
     EXPECT_THROW(create_digraph(0), SettingError);
+    // Both dense stores count pairs in 16 bits, exact while a count (at most n - 2) fits.
     try {
         create_digraph(max_digraph_nodes + 1);
         ADD_FAILURE() << "a digraph of 65,538 nodes was created";
+    } catch (const SettingError& e) {
+        EXPECT_NE(std::string(e.what()).find("65,535"), std::string::npos) << e.what();
+    }
+    try {
+        create_graph(max_graph_nodes + 1);
+        ADD_FAILURE() << "a dense graph of 65,538 nodes was created";
     } catch (const SettingError& e) {
         EXPECT_NE(std::string(e.what()).find("65,535"), std::string::npos) << e.what();
     }

@@ -38,7 +38,7 @@ TEST(Moments, HandWorkedArrays) {
 TEST(Moments, PairsOfTheUpperTriangle) {
     // Above the diagonal: 1 2 3 / 4 10 / 4, i.e. {1,2,3,4,10,4}: mean 4, squares 50 over 5 = 10,
     // cubes 180 over 6 = 30. The diagonal and the lower triangle (99) are not read.
-    const std::vector<int32_t> matrix{99, 1, 2, 3, 99, 99, 4, 10, 99, 99, 99, 4, 99, 99, 99, 99};
+    const std::vector<uint16_t> matrix{99, 1, 2, 3, 99, 99, 4, 10, 99, 99, 99, 4, 99, 99, 99, 99};
     const Moments m = pair_moments(matrix.data(), 4);
     EXPECT_DOUBLE_EQ(m.mean, 4.0);
     EXPECT_DOUBLE_EQ(m.stddev, std::sqrt(10.0));
