@@ -25,23 +25,25 @@
 //
 // Measured (Release, a 2-core machine, the other core busy; ESS from 5,000 draws on the school
 // network, 400 at n = 1,000 and 200 beyond, so within some 30 %, and beyond 1,000 the toggle's
-// figure is an upper bound, see thinning(); run to run the rates move by up to 8 %). Before and
-// after the stores began keeping only the counts a chain reads, the digraph's tie/no-tie
-// proposal began picking reverse arcs and the tie/no-tie step began reading ahead on stores
-// of 2,000 nodes and more:
-//   case     n      variant  ess/s before -> after   vs ref  proposals/s      accepted/s
-//   school   205    toggle    121 -> 122                      23.2 M           415 k
-//   school   205    tie/no    128 -> 122              3.5     11.5 -> 10.9 M   3.9 M
-//   edge     1000   tie/no    167 -> 446                      4.9 -> 13.0 M    12.9 M
-//   graph    1000   toggle    19.5 -> 19.6                    10.4 M           223 k
-//   graph    1000   tie/no    184 -> 184              4.8     4.35 M           3.8 M
-//   digraph  1000   toggle    4.8 -> 4.6                      8.6 -> 8.3 M     168 k
-//   digraph  1000   tie/no    32 -> 37                6.1     3.6 -> 4.7 M     2.2 M
-//   graph    5000   toggle   <1.0                             3.4 M            14 k
-//   graph    5000   tie/no    11.9 -> 10.6 (11.4)     1.7     1.75 -> 1.56 M   1.4 M
-//   digraph  5000   toggle   <0.54 -> <0.50                   3.4 -> 3.2 M     11 k
-//   digraph  5000   tie/no    3.7 -> 4.6 (5.3)                1.2 -> 1.9 M     0.9 M
-// (In brackets: a second run.) The 20,000-node rows are from before those changes:
+// figure is an upper bound, see thinning()). The machine's speed drifts by up to 15 % over an
+// hour, so before and after were run alternately, twice, and averaged. Before and after the
+// stores began keeping only the counts a chain reads (and a graph's shared partners in 16
+// bits), the digraph's tie/no-tie proposal began picking reverse arcs and the tie/no-tie step
+// began reading ahead on stores of 2,000 nodes and more:
+//   case     n      variant  ess/s before -> after   vs ref  proposals/s (after)  accepted/s
+//   school   205    toggle    121 -> 120                      23.0 M               407 k
+//   school   205    tie/no    128 -> 124              3.5     11.1 M               3.9 M
+//   edge     1000   tie/no    167 -> 450                      13.3 M               13.2 M
+//   graph    1000   toggle    19.5 -> 19.2                    10.3 M               219 k
+//   graph    1000   tie/no    178 -> 183              4.8     4.3 M                3.8 M
+//   digraph  1000   toggle    4.8 -> 4.5                      8.1 M                162 k
+//   digraph  1000   tie/no    28 -> 37                6.0     4.6 M                2.2 M
+//   graph    5000   toggle   <1.0 -> <1.1                     3.7 M                15 k
+//   graph    5000   tie/no    10.3 -> 11.1            1.7     1.7 M                1.5 M
+//   digraph  5000   toggle   <0.54 -> <0.51                   3.3 M                12 k
+//   digraph  5000   tie/no    3.4 -> 5.1                      1.6 M                0.8 M
+// The 20,000-node rows are from before those changes:
+//   case     n      variant  ess/s     accepted/s  proposals/s  peak
 //   graph    20000  toggle   <0.042     1.1 k       1.09 M       56 MB
 //   graph    20000  tie/no    0.58      249 k       284 k        70 MB
 //   digraph  20000  toggle   <0.020     0.5 k       558 k        199 MB
