@@ -64,6 +64,18 @@ inline void bump(uint16_t* matrix, size_t index, uint16_t delta) {
     matrix[index] = static_cast<uint16_t>(matrix[index] + delta);
 }
 
+// Moves the pairs {k, to} of a symmetric matrix by delta, in both halves, for every k of
+// `list` but `to` itself.
+inline void bump_pairs(uint16_t* matrix, size_t n, std::span<const int32_t> list, int to,
+                       uint16_t delta) {
+    const size_t row_to = as_size(to) * n;
+    for (const int32_t k : list) {
+        if (k == to) continue;
+        bump(matrix, as_size(k) * n + as_size(to), delta);
+        bump(matrix, row_to + as_size(k), delta);
+    }
+}
+
 }  // namespace
 
 NeighbourLists::NeighbourLists(int n) : node_count(n), stride(std::min(n - 1, 16)) {
@@ -160,25 +172,12 @@ void update_two_paths(Digraph& d, int i, int j, int added) {
     const uint16_t delta = added == 1 ? uint16_t{1} : uint16_t{0xffff};
     const size_t n = as_size(d.node_count);
     const size_t row_i = as_size(i) * n;
-    const size_t row_j = as_size(j) * n;
     // i is now (or no longer) a common sender of j and each other receiver k of i.
-    if (keeps(d.kept, Bookkeeping::common_senders)) {
-        uint16_t* senders = d.common_senders.data();
-        for (const int32_t k : d.out_neighbours(i)) {
-            if (k == j) continue;
-            bump(senders, as_size(k) * n + as_size(j), delta);
-            bump(senders, row_j + as_size(k), delta);
-        }
-    }
+    if (keeps(d.kept, Bookkeeping::common_senders))
+        bump_pairs(d.common_senders.data(), n, d.out_neighbours(i), j, delta);
     // j is a common receiver of i and each other sender k of j.
-    if (keeps(d.kept, Bookkeeping::common_receivers)) {
-        uint16_t* receivers = d.common_receivers.data();
-        for (const int32_t k : d.in_neighbours(j)) {
-            if (k == i) continue;
-            bump(receivers, as_size(k) * n + as_size(i), delta);
-            bump(receivers, row_i + as_size(k), delta);
-        }
-    }
+    if (keeps(d.kept, Bookkeeping::common_receivers))
+        bump_pairs(d.common_receivers.data(), n, d.in_neighbours(j), i, delta);
     // The paths k->i->j and i->j->k.
     if (keeps(d.kept, Bookkeeping::two_paths)) {
         uint16_t* paths = d.two_paths.data();

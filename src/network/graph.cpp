@@ -176,6 +176,14 @@ void remove_edge(Graph& g, int i, int j) {
 
 namespace {
 
+// Moves node v by `change` triangles, with the histogram.
+inline void add_triangles(Graph& g, int v, int32_t change) {
+    if (change == 0) return;
+    const int32_t t = g.triangles[as_size(v)];
+    g.triangles[as_size(v)] = t + change;
+    move_count(g.triangle_histogram, t, t + change);
+}
+
 // Triangles alone, without the pair counts: every common neighbour k of i and j closes (or
 // opens) one triangle at k, and i and j each gain (or lose) one per common neighbour.
 void update_triangles(Graph& g, int i, int j, int32_t delta) {
@@ -184,16 +192,10 @@ void update_triangles(Graph& g, int i, int j, int32_t delta) {
     for (const int32_t k : g.neighbours_of(j)) {
         if (k == i || !row_has(row_i, k)) continue;
         ++s;
-        const int32_t t = g.triangles[as_size(k)];
-        g.triangles[as_size(k)] = t + delta;
-        move_count(g.triangle_histogram, t, t + delta);
+        add_triangles(g, k, delta);
     }
-    if (s == 0) return;
-    for (const int v : {i, j}) {
-        const int32_t t = g.triangles[as_size(v)];
-        g.triangles[as_size(v)] = t + delta * s;
-        move_count(g.triangle_histogram, t, t + delta * s);
-    }
+    add_triangles(g, i, delta * s);
+    add_triangles(g, j, delta * s);
 }
 
 }  // namespace
@@ -212,8 +214,6 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
     int32_t* partner_histogram = g.shared_partner_histogram.data();
     const size_t column_i = as_size(i);
     const size_t column_j = as_size(j);
-    int32_t* triangles = g.triangles.data();
-    int32_t* triangle_histogram = g.triangle_histogram.data();
     // Every neighbour k of `from` other than `to` now shares (or no longer shares) partner
     // `from` with `to`: the pair {k, to} moves by delta, in both halves of the matrix. The
     // partner itself (in the lists after an addition) is not its own shared partner.
@@ -228,23 +228,15 @@ void update_shared_partners(Graph& g, int i, int j, int added) {
             partner_histogram[value] += 1;
             partner_histogram[value - delta] -= 1;
             // A common neighbour k closes (or opens) the triangle i, j, k; counted on one pass.
-            if (closing_row != nullptr && row_has(closing_row, k)) {
-                const int32_t t = triangles[kk] + delta;
-                triangles[kk] = t;
-                triangle_histogram[t] += 1;
-                triangle_histogram[t - delta] -= 1;
-            }
+            if (closing_row != nullptr && row_has(closing_row, k)) add_triangles(g, k, delta);
         }
     };
     move_pairs(column_i, j, partners_j, column_j, nullptr);
     move_pairs(column_j, i, partners_i, column_i, count_triangles ? g.row(i) : nullptr);
     const int32_t s = partners_i[column_j];
-    if (s != 0 && count_triangles) {
-        for (const int v : {i, j}) {
-            const int32_t old_value = triangles[v];
-            triangles[v] = old_value + delta * s;
-            move_count(g.triangle_histogram, old_value, old_value + delta * s);
-        }
+    if (count_triangles) {
+        add_triangles(g, i, delta * s);
+        add_triangles(g, j, delta * s);
     }
 }
 

@@ -222,7 +222,6 @@ double pick_probability(const Chain<Store>& chain, int i, int j, double ties, bo
         const bool reverse_listed = has_tie(*chain.store, j, i) && allowed(chain.settings, j, i);
         from_list = 0.5 * (from_list + (reverse_listed ? 1.0 : 0.0));
     }
-    if (from_list == 0.0) return 0.5 / chain.allowed_dyads;
     return 0.5 * from_list / ties + 0.5 / chain.allowed_dyads;
 }
 

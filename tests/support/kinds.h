@@ -210,6 +210,32 @@ std::vector<double> totals_of(const Store& store, const std::vector<Term<Store>>
     return statistics;
 }
 
+// Calls fn(i, j) twice for every dyad of an n-node network of the store's kind: a caller that
+// toggles the dyad each time sees it in both states and leaves the network as it was.
+template <class Store, class Fn>
+void each_dyad_twice(int n, Fn&& fn) {
+    for (int i = 0; i < n; ++i) {
+        for (int j = Store::kind == NetworkKind::graph ? i + 1 : 0; j < n; ++j) {
+            for (int pass = 0; pass < 2 && i != j; ++pass) fn(i, j);
+        }
+    }
+}
+
+// Toggles (i, j) as a chain does (`added` 1 to add, 0 to remove): the change statistic of the
+// one term, weighed with the tie absent from the adjacency and the degrees, then the store
+// brought up to date. Returns the change.
+template <class Store>
+double toggle_with_change(Store& store, const std::vector<Term<Store>>& terms, Workspace& workspace,
+                          int i, int j, int added) {
+    const double parameter = 1.0;
+    double change = -12345.0;
+    if (added == 0) remove_tie(store, i, j);
+    change_statistics(store, terms, workspace, &parameter, &change, i, j, added);
+    if (added == 1) add_tie(store, i, j);
+    update_after_toggle(store, i, j, added);
+    return change;
+}
+
 // For every dyad, first in the state the store holds it and then in the other, so that the
 // network ends as it began: the change statistic of the one term against the difference of
 // the totals with and without the tie. The addition state lacks the tie everywhere; the removal
@@ -220,25 +246,15 @@ void check_changes_against_totals(Store& store, const std::vector<Term<Store>>& 
                                   Expect&& expect) {
     Workspace workspace;
     prepare_workspace(workspace, terms);
-    const double parameter = 1.0;
-    const int n = store.node_count;
-    for (int i = 0; i < n; ++i) {
-        for (int j = Store::kind == NetworkKind::graph ? i + 1 : 0; j < n; ++j) {
-            for (int pass = 0; pass < 2 && i != j; ++pass) {
-                const int added = has_tie(store, i, j) ? 0 : 1;
-                const double before = totals_of(store, terms, 1)[0];
-                double change = -12345.0;
-                if (added == 0) remove_tie(store, i, j);
-                change_statistics(store, terms, workspace, &parameter, &change, i, j, added);
-                if (added == 1) add_tie(store, i, j);
-                update_after_toggle(store, i, j, added);
-                const double after = totals_of(store, terms, 1)[0];
-                expect(change, added == 1 ? after - before : before - after,
-                       (added == 1 ? "adding " : "removing ") + std::to_string(i) + "," +
-                           std::to_string(j));
-            }
-        }
-    }
+    each_dyad_twice<Store>(store.node_count, [&](int i, int j) {
+        const int added = has_tie(store, i, j) ? 0 : 1;
+        const double before = totals_of(store, terms, 1)[0];
+        const double change = toggle_with_change(store, terms, workspace, i, j, added);
+        const double after = totals_of(store, terms, 1)[0];
+        expect(
+            change, added == 1 ? after - before : before - after,
+            (added == 1 ? "adding " : "removing ") + std::to_string(i) + "," + std::to_string(j));
+    });
 }
 
 // The change of adding tie (i, j) (lifted first when present), the store left as it was.
@@ -296,32 +312,15 @@ void check_needs_claim(const Store& store, const std::vector<Term<Store>>& terms
     keep_only(trimmed, needs_of(terms));
     Workspace workspace;
     prepare_workspace(workspace, terms);
-    const double parameter = 1.0;
-    const int n = store.node_count;
-    const auto change_in = [&](Store& s, int i, int j, int added) {
-        double change = -12345.0;
-        change_statistics(s, terms, workspace, &parameter, &change, i, j, added);
-        return change;
-    };
-    const auto toggle_in = [&](Store& s, int i, int j, int added) {
-        if (added == 0) remove_tie(s, i, j);
-        const double change = change_in(s, i, j, added);
-        if (added == 1) add_tie(s, i, j);
-        update_after_toggle(s, i, j, added);
-        return change;
-    };
     EXPECT_EQ(totals_of(trimmed, terms, 1), totals_of(full, terms, 1)) << "totals when trimmed";
-    for (int i = 0; i < n; ++i) {
-        for (int j = Store::kind == NetworkKind::graph ? i + 1 : 0; j < n; ++j) {
-            for (int pass = 0; pass < 2 && i != j; ++pass) {
-                const int added = has_tie(full, i, j) ? 0 : 1;
-                EXPECT_EQ(toggle_in(trimmed, i, j, added), toggle_in(full, i, j, added))
-                    << "change of " << i << "," << j << " when trimmed";
-                EXPECT_EQ(totals_of(trimmed, terms, 1), totals_of(full, terms, 1))
-                    << "totals after toggling " << i << "," << j << " when trimmed";
-            }
-        }
-    }
+    each_dyad_twice<Store>(store.node_count, [&](int i, int j) {
+        const int added = has_tie(full, i, j) ? 0 : 1;
+        EXPECT_EQ(toggle_with_change(trimmed, terms, workspace, i, j, added),
+                  toggle_with_change(full, terms, workspace, i, j, added))
+            << "change of " << i << "," << j << " when trimmed";
+        EXPECT_EQ(totals_of(trimmed, terms, 1), totals_of(full, terms, 1))
+            << "totals after toggling " << i << "," << j << " when trimmed";
+    });
     EXPECT_EQ(check_bookkeeping(trimmed), "");
 }
 
