@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "base/errors.h"
 #include "network/digraph.h"
@@ -17,11 +18,12 @@ constexpr double measures_per_sample = 13.0 + 3.0;
 
 }  // namespace
 
-MemoryPlan task_memory(const RunSettings& s, NetworkKind kind, int parameters) {
+MemoryPlan task_memory(const RunSettings& s, NetworkKind kind, int parameters, int chains) {
     const int n = s.node_count;
     MemoryPlan plan;
     plan.store_bytes = kind == NetworkKind::digraph ? digraph_store_bytes(n) : graph_store_bytes(n);
-    plan.stores = s.task == Task::simulation ? 1 : 2;
+    plan.chains = std::max(chains, 1);
+    plan.stores = s.task == Task::simulation && plan.chains == 1 ? 1 : 1 + plan.chains;
     const double nodes = n;
     const double p = std::max(parameters, 1);
     if (s.constraint_given) plan.other_bytes += nodes * std::floor((nodes + 63.0) / 64.0) * 8.0;
@@ -39,18 +41,27 @@ MemoryPlan task_memory(const RunSettings& s, NetworkKind kind, int parameters) {
     return plan;
 }
 
-void check_task_memory(const RunSettings& s, NetworkKind kind, int parameters, double available) {
-    const MemoryPlan plan = task_memory(s, kind, parameters);
+void check_task_memory(const RunSettings& s, NetworkKind kind, int parameters, double available,
+                       int chains) {
+    const MemoryPlan plan = task_memory(s, kind, parameters, chains);
     if (available <= 0.0 || plan.total() <= available) return;
     const double gigabyte = 1e9;
+    // With several chains, say how many would fit: each holds a store of its own.
+    std::string fewer;
+    if (plan.chains > 1) {
+        const double room = available - plan.other_bytes - plan.store_bytes;
+        const int fit = room > 0.0 ? static_cast<int>(std::floor(room / plan.store_bytes)) : 0;
+        fewer = format_message(" for %d chains (a store each; %d would fit)", plan.chains,
+                               std::min(fit, plan.chains - 1));
+    }
     throw SettingError(format_message(
-        "vexa: run file '%s' (node_count %d): the %s needs about %.2f GB of memory (%d %s of "
+        "vexa: run file '%s' (node_count %d): the %s needs about %.2f GB of memory%s (%d %s of "
         "%.2f GB for a %s of %d nodes, and %.2f GB besides), but %.2f GB are available; the run "
         "was not started",
-        s.run_file.c_str(), s.node_count, task_name(s.task), plan.total() / gigabyte, plan.stores,
-        plan.stores == 1 ? "network store" : "network stores", plan.store_bytes / gigabyte,
-        kind == NetworkKind::digraph ? "digraph" : "graph", s.node_count,
-        plan.other_bytes / gigabyte, available / gigabyte));
+        s.run_file.c_str(), s.node_count, task_name(s.task), plan.total() / gigabyte, fewer.c_str(),
+        plan.stores, plan.stores == 1 ? "network store" : "network stores",
+        plan.store_bytes / gigabyte, kind == NetworkKind::digraph ? "digraph" : "graph",
+        s.node_count, plan.other_bytes / gigabyte, available / gigabyte));
 }
 
 }  // namespace vexa

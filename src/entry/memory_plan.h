@@ -10,18 +10,20 @@ namespace vexa {
 
 struct MemoryPlan {
     int stores = 0;            // network stores alive at once
+    int chains = 1;            // chains side by side, a store each
     double store_bytes = 0.0;  // each
     double other_bytes = 0.0;  // the constraint, the kept samples and draws
     double total() const { return stores * store_bytes + other_bytes; }
 };
 
-// The task's needs: a simulation samples on its one store; an estimation and a goodness of fit
-// keep the observed network beside the one their chain changes.
-MemoryPlan task_memory(const RunSettings& settings, NetworkKind kind, int parameters);
+// The task's needs: a simulation from one chain samples on its one store; otherwise the
+// observed (or starting) network stays beside the store of each of the `chains` chains.
+MemoryPlan task_memory(const RunSettings& settings, NetworkKind kind, int parameters,
+                       int chains = 1);
 
 // Throws SettingError naming the estimate and the memory available when the plan does not fit
 // in `available` bytes (0: unknown, nothing is refused).
 void check_task_memory(const RunSettings& settings, NetworkKind kind, int parameters,
-                       double available);
+                       double available, int chains = 1);
 
 }  // namespace vexa

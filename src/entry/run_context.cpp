@@ -1,5 +1,7 @@
 #include "entry/run_context.h"
 
+#include "base/errors.h"
+
 namespace vexa {
 
 const char* task_name(Task task) {
@@ -36,6 +38,14 @@ void take_options(RunContext& context, const RunOptions& options) {
     context.store = options.store;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
+    context.chains.chains = options.chains > 0  ? options.chains
+                            : options.automatic ? automatic_chains
+                                                : 1;
+    if (context.chains.chains > max_chains) {
+        throw SettingError(format_message("vexa: %d chains asked for; at most %d are allowed",
+                                          context.chains.chains, max_chains));
+    }
+    context.chains.threads = threads_for(context.chains.chains, options.threads);
     context.sampler_named = options.sampler_code >= 0;
     if (context.sampler_named)
         context.settings.proposal =

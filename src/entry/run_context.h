@@ -18,6 +18,7 @@
 #include "report/output_names.h"
 #include "sampler/chain.h"
 #include "sampler/observer.h"
+#include "sampler/side_by_side.h"
 #include "simulation/gof_task.h"
 #include "simulation/simulate.h"
 
@@ -93,9 +94,19 @@ struct RunOptions {
     // A sampler code (as a run file gives it) that overrides the run file's; -1: none.
     int32_t sampler_code = -1;
     StoreChoice store = StoreChoice::automatic;
+    // Chains every task draws from (0: one, or automatic_chains in the automatic mode; a fixed
+    // number, so that no result depends on the machine), and the threads that run them (0: the
+    // cores available). The results depend on the chains, never on the threads.
+    int32_t chains = 0;
+    int32_t threads = 0;
     FILE* console = stdout;              // progress and messages
     const Observer* observer = nullptr;  // a host's listener to the task's events, if any
 };
+
+// The chains of the automatic mode.
+inline constexpr int32_t automatic_chains = 8;
+// More chains than this are refused: each holds a copy of the network.
+inline constexpr int32_t max_chains = 1024;
 
 // What a task computed, for a host that takes its results in memory.
 struct TaskRecords {
@@ -119,6 +130,7 @@ struct RunContext {
     bool automatic = false;      // the automatic mode
     bool sampler_named = false;  // the options named the proposal: the automatic mode keeps it
     StoreChoice store = StoreChoice::automatic;
+    ChainPlan chains;  // the chains every task draws from, and their threads
     // A host's in-memory network, n x n row by row, in place of the network file; null: the
     // file.
     const std::vector<double>* adjacency = nullptr;

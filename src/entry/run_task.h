@@ -32,6 +32,7 @@
 #include "report/statistics_report.h"
 #include "report/update_files.h"
 #include "sampler/feasibility.h"
+#include "simulation/chains_sampling.h"
 
 namespace vexa {
 
@@ -166,8 +167,13 @@ void simulate_task(RunContext& context, ChainSetup<Store>& setup,
     Listeners listeners;
     const auto files = start_sampling(context, setup.observed,
                                       context.names.sample_statistics + ".txt", listeners);
-    SimulationRecord record = simulate(setup, parameters, s.burn_in, gof_plan(s).sampling,
-                                       context.rng, context.seeds, listeners.all(context));
+    const Observer observer = listeners.all(context);
+    SimulationRecord record =
+        context.chains.chains > 1
+            ? simulate_chains(setup, parameters, s.burn_in, gof_plan(s).sampling, context.chains,
+                              context.seeds, observer)
+            : simulate(setup, parameters, s.burn_in, gof_plan(s).sampling, context.rng,
+                       context.seeds, observer);
     if (files) {
         files->close();
         write_simulation_files(context.names, context.model, s.node_count, record);
@@ -180,8 +186,12 @@ void gof_task(RunContext& context, const ChainSetup<Store>& setup,
               const std::vector<double>& parameters, const GofPlan& plan) {
     Listeners listeners;
     const auto files = start_sampling(context, setup.observed, context.names.simulation, listeners);
-    GofRecord record = goodness_of_fit(setup, parameters, plan, context.rng, context.seeds,
-                                       listeners.all(context));
+    const Observer observer = listeners.all(context);
+    GofRecord record =
+        context.chains.chains > 1
+            ? goodness_of_fit_chains(setup, parameters, plan, context.chains, context.seeds,
+                                     observer)
+            : goodness_of_fit(setup, parameters, plan, context.rng, context.seeds, observer);
     if (files) {
         files->close();
         write_gof_files(context.names, context.model, record);
@@ -201,9 +211,13 @@ void bayesian_gof_task(RunContext& context, const ChainSetup<Store>& setup) {
     const std::vector<std::vector<double>> sets = parameter_sets_of(context);
     Listeners listeners;
     const auto files = start_sampling(context, setup.observed, context.names.simulation, listeners);
-    GofRecord record =
-        bayesian_goodness_of_fit(setup, sets, s.burn_in, context.model.parameter_count(),
-                                 context.rng, context.seeds, listeners.all(context));
+    const Observer observer = listeners.all(context);
+    const int32_t p = context.model.parameter_count();
+    GofRecord record = context.chains.chains > 1
+                           ? bayesian_goodness_of_fit_chains(
+                                 setup, sets, s.burn_in, p, context.chains, context.seeds, observer)
+                           : bayesian_goodness_of_fit(setup, sets, s.burn_in, p, context.rng,
+                                                      context.seeds, observer);
     if (files) {
         files->close();
         write_gof_files(context.names, context.model, record);
@@ -299,6 +313,7 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
     adjust_start(context.model, setup.observed, parameters);
     EstimationSettings settings = estimation_settings(s);
     settings.automatic = context.automatic;
+    settings.chains = context.chains;
     Listeners listeners;
     start_console(listeners, context);
     if (context.automatic)
@@ -342,7 +357,7 @@ void run_task(RunContext& context) {
     // The plan reckons with dense stores; the sparse ones grow with the ties they are given.
     if constexpr (!std::is_same_v<Store, SparseGraph> && !std::is_same_v<Store, SparseDigraph>) {
         check_task_memory(s, Store::kind, static_cast<int>(parameters.size()),
-                          available_memory_bytes());
+                          available_memory_bytes(), context.chains.chains);
     }
     ChainSetup<Store> setup;
     task_detail::prepare(context, setup);

@@ -111,7 +111,8 @@ void space_draws_after_subphase(RunState<Store>& r, int k) {
 // Whether phase 3's draws so far leave no doubt that the run has not converged: a t-ratio
 // beyond 0.1 by more than three times its own Monte Carlo spread. More draws would not
 // change the verdict; the next run does better from here.
-bool clearly_not_converged(const Matrix& draws, const std::vector<double>& observed);
+bool clearly_not_converged(const Matrix& draws, const std::vector<double>& observed,
+                           int32_t chains);
 
 // Phase 3 of the automatic mode. False when the run stopped.
 template <class Store>
@@ -123,10 +124,10 @@ bool run_auto_phase3(RunState<Store>& r, SeedSource& seeds, const AutoCarry& car
     r.steps.total = r.planned_draws * std::ceil(r.K);
     Matrix draws = start_phase3(r, seeds, N3);
     for (;;) {
-        r.run.phase3_effective_draws = smallest_effective_size(draws);
+        r.run.phase3_effective_draws = smallest_effective_size(draws, r.run.phase3_chains);
         if (r.extreme || draws.rows >= auto_phase3_cap ||
             r.run.phase3_effective_draws >= auto_effective_draws ||
-            clearly_not_converged(draws, r.run.observed))
+            clearly_not_converged(draws, r.run.observed, r.run.phase3_chains))
             break;
         // At least a tenth of what there is.
         const double wanted =
@@ -135,9 +136,7 @@ bool run_auto_phase3(RunState<Store>& r, SeedSource& seeds, const AutoCarry& car
             auto_phase3_cap - draws.rows, std::max(std::ceil(wanted), draws.rows / 10.0 + 1.0)));
         r.planned_draws += more;
         r.steps.total = r.planned_draws * std::ceil(r.K);
-        std::vector<double> unused(r.count, 0.0);
-        append_draw_rows(draws, draw_statistics(r.chain, r.theta, more, r.K, unused,
-                                                r.observed_ties, r.extreme, r.steps));
+        append_draw_rows(draws, draw_more(r, seeds, draws.rows, more));
     }
     for (size_t k = 0; k < r.count; ++k) {
         double sum = 0.0;

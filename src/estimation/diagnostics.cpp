@@ -71,8 +71,26 @@ double effective_sample_size(const Matrix& draws, int column) {
     return std::min(static_cast<double>(draws.rows), static_cast<double>(draws.rows) / tau);
 }
 
+Matrix chain_rows(const Matrix& draws, int chains, int chain) {
+    Matrix rows;
+    rows.cols = draws.cols;
+    for (int i = chain; i < draws.rows; i += chains) {
+        rows.data.insert(rows.data.end(), draws[i], draws[i] + draws.cols);
+        ++rows.rows;
+    }
+    return rows;
+}
+
+double effective_sample_size(const Matrix& draws, int column, int chains) {
+    if (chains <= 1) return effective_sample_size(draws, column);
+    double sum = 0.0;
+    for (int k = 0; k < chains; ++k)
+        sum += effective_sample_size(chain_rows(draws, chains, k), column);
+    return sum;
+}
+
 ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed,
-                                   int32_t factor) {
+                                   int32_t factor, int32_t chains) {
     ConvergenceCheck c;
     const int p = draws.cols;
     const int n = draws.rows;
@@ -103,7 +121,7 @@ ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double
         c.t_ratios.push_back(t);
         c.largest_t = std::max(
             c.largest_t, std::isfinite(t) ? std::fabs(t) : std::numeric_limits<double>::infinity());
-        const double size = effective_sample_size(draws, k);
+        const double size = effective_sample_size(draws, k, chains);
         c.effective_sizes.push_back(size);
         if (size < c.smallest_effective_size) {
             c.smallest_effective_size = size;
@@ -168,12 +186,12 @@ double slowest_autocorrelation(const Matrix& draws) {
     return slowest;
 }
 
-double smallest_effective_size(const Matrix& draws) {
+double smallest_effective_size(const Matrix& draws, int chains) {
     double smallest = static_cast<double>(draws.rows);
     for (int k = 0; k < draws.cols; ++k) {
         // A constant column has no autocorrelation to thin out; the phase-3 checks refuse it.
         if (std::isfinite(autocorrelation_time(draws, k)))
-            smallest = std::min(smallest, effective_sample_size(draws, k));
+            smallest = std::min(smallest, effective_sample_size(draws, k, chains));
     }
     return smallest;
 }

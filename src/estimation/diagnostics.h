@@ -24,6 +24,14 @@ const char* verdict_text(Verdict verdict);
 // positive (Geyer's initial positive sequence). 0 for a constant series.
 double effective_sample_size(const Matrix& draws, int column);
 
+// The rows of chain `chain` in draws dealt round-robin over `chains` chains (row i from chain
+// i mod chains), in their order.
+Matrix chain_rows(const Matrix& draws, int chains, int chain);
+
+// The effective sample size of draws pooled from `chains` chains dealt round-robin: the sum
+// of each chain's own, since the chains are independent of one another.
+double effective_sample_size(const Matrix& draws, int column, int chains);
+
 // The integrated autocorrelation time of the same series (1 for independent draws).
 double autocorrelation_time(const Matrix& draws, int column);
 
@@ -32,7 +40,8 @@ double autocorrelation_time(const Matrix& draws, int column);
 double slowest_autocorrelation(const Matrix& draws);
 
 // The smallest effective sample size over the columns of `draws`; constant columns aside.
-double smallest_effective_size(const Matrix& draws);
+// Draws pooled from several chains count each chain's effective draws (see above).
+double smallest_effective_size(const Matrix& draws, int chains = 1);
 
 // How many draws to add to `rows` draws of `effective` effective ones to reach `target`:
 // effective draws grow in proportion to the draws, so as many as that predicts, and a tenth
@@ -64,7 +73,8 @@ inline constexpr double enough_effective_draws = 100.0;
 // The check of draws (one row per draw, one column per statistic) against the observed
 // statistics. `factor` is the multiplication factor the draws were taken with, to suggest a
 // larger one when they are too few.
+// Draws pooled from `chains` chains (dealt round-robin) sum the chains' effective sizes.
 ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed,
-                                   int32_t factor);
+                                   int32_t factor, int32_t chains = 1);
 
 }  // namespace vexa

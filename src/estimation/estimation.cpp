@@ -53,7 +53,8 @@ ConvergenceCheck verdict_on(const EstimationRun& run, int32_t multiplication_fac
         check.verdict = run.astray ? Verdict::not_converged : Verdict::degenerate;
         return check;
     }
-    return check_convergence(run.phase3_draws_matrix, run.observed, multiplication_factor);
+    return check_convergence(run.phase3_draws_matrix, run.observed, multiplication_factor,
+                             run.phase3_chains);
 }
 
 bool went_astray(const EstimationRun& run, bool previous_stopped, bool last_run) {
@@ -64,8 +65,8 @@ bool went_astray(const EstimationRun& run, bool previous_stopped, bool last_run)
 }
 
 bool estimation_detail::clearly_not_converged(const Matrix& draws,
-                                              const std::vector<double>& observed) {
-    const ConvergenceCheck check = check_convergence(draws, observed, 1);
+                                              const std::vector<double>& observed, int32_t chains) {
+    const ConvergenceCheck check = check_convergence(draws, observed, 1, chains);
     for (size_t k = 0; k < check.t_ratios.size(); ++k) {
         const double spread = 1.0 / std::sqrt(std::max(check.effective_sizes[k], 1.0));
         if (std::fabs(check.t_ratios[k]) > t_ratio_limit + 3.0 * spread) return true;

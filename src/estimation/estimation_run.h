@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "numeric/matrix.h"
+#include "sampler/side_by_side.h"
 
 namespace vexa {
 
@@ -20,6 +21,8 @@ struct EstimationSettings {
     // The start is the maximum likelihood estimate itself (a model of independent dyads): the
     // automatic mode then has nothing for phase 2 to find and goes from phase 1 to phase 3.
     bool exact_start = false;
+    // Phase 3 draws from this many chains side by side, on up to so many threads.
+    ChainPlan chains;
 };
 
 // Why the automatic mode ran no phase 2: its start needed none.
@@ -78,6 +81,7 @@ struct EstimationRun {
     std::vector<Subphase> subphases;
     std::vector<double> after_phase2;
     int32_t phase3_draws = 0;
+    int32_t phase3_chains = 1;  // row i of the draws is from chain i mod phase3_chains
     std::vector<double> phase3_means;
     Matrix phase3_draws_matrix;  // one row per draw, as drawn
     std::vector<double> estimates;

@@ -11,6 +11,7 @@
 #include "estimation/estimation_run.h"
 #include "numeric/matrix.h"
 #include "numeric/rng.h"
+#include "sampler/chain_set.h"
 #include "sampler/observer.h"
 #include "sampler/runs.h"
 
@@ -79,6 +80,8 @@ struct RunState {
     std::vector<double> parameter_sum, previous, crossing;
     std::vector<double> subphase_trace;  // the automatic mode: the statistics of the current
                                          // sub-phase's iterations, row by row
+    ChainSet<Store> phase3;              // phase 3's chains when it runs several: the run's
+                                         // own, then copies of its network at phase 3's start
 
     RunState(Chain<Store>& run_chain, std::vector<double>& parameters, Matrix& scaling,
              const EstimationSettings& run_settings, const Observer& watcher)
@@ -276,6 +279,58 @@ bool finish_phase3(RunState<Store>& r, Matrix final_draws) {
     return true;
 }
 
+// Phase 3's chains: the run's own and copies of its network, each from a seed of its own and a
+// burn-in of a tenth of the draws it will take (of `N3` in all), so that K chains take as
+// many steps as one.
+template <class Store>
+void start_phase3_chains(RunState<Store>& r, SeedSource& seeds, int N3, Relay& relay) {
+    const int32_t K = r.settings.chains.chains;
+    const uint32_t base = seeds.next_seed();
+    lend_chain(r.phase3, r.chain, base);
+    for (int32_t k = 1; k < K; ++k) {
+        add_chain(r.phase3, *r.chain.terms, r.chain.settings, *r.chain.store, r.chain.store->kept,
+                  r.chain.statistic_count(), base);
+    }
+    run_rounds(r.settings.chains, 1, relay, [&](int32_t k, int32_t) {
+        Chain<Store>& chain = r.phase3[k];
+        r.phase3.seeds[static_cast<size_t>(k)].reseed(*chain.rng);
+        const double draws = static_cast<double>(pieces_of(N3, K, k));
+        run_steps_relayed(chain, r.theta.data(), draws * 0.1 * r.K, relay);
+    });
+}
+
+// Rows `first` .. first + count - 1 of phase 3's draws from its chains: row i from chain
+// i mod K, whose draws stay in their order. Their mean is left in r.mean.
+template <class Store>
+Matrix draw_side_by_side(RunState<Store>& r, SeedSource& seeds, int first, int count) {
+    const int32_t K = r.settings.chains.chains;
+    r.run.phase3_chains = K;
+    Relay relay;
+    relay.observer = &r.observer;
+    relay.stage = Stage::phase3;
+    relay.base_done = r.steps.done;
+    relay.total = r.steps.total;
+    if (r.phase3.count() == 0) start_phase3_chains(r, seeds, first + count, relay);
+    Matrix rows = make_matrix(std::max(count, 0), static_cast<int>(r.count), 0.0);
+    std::vector<uint8_t> extreme(static_cast<size_t>(K), 0);
+    run_rounds(r.settings.chains, 1, relay, [&](int32_t k, int32_t) {
+        Chain<Store>& chain = r.phase3[k];
+        const int start = first + ((k - first % K) % K + K) % K;
+        for (int i = start; i < first + count; i += K) {
+            run_steps_relayed(chain, r.theta.data(), r.K, relay);
+            if (at_extreme(*chain.store, r.observed_ties)) extreme[static_cast<size_t>(k)] = 1;
+            for (size_t l = 0; l < r.count; ++l) rows[i - first][l] = chain.statistics[l];
+        }
+    });
+    r.steps.advance(static_cast<double>(relay.steps_done.load()));
+    for (const uint8_t e : extreme) r.extreme = r.extreme || e != 0;
+    std::fill(r.mean.begin(), r.mean.end(), 0.0);
+    for (int i = 0; i < rows.rows; ++i)
+        for (size_t l = 0; l < r.count; ++l) r.mean[l] += rows[i][l];
+    for (double& m : r.mean) m /= count;
+    return rows;
+}
+
 // Phase 3's first N3 draws at the estimate, after a burn-in of a tenth of them; their mean is
 // left in r.mean.
 template <class Store>
@@ -283,9 +338,19 @@ Matrix start_phase3(RunState<Store>& r, SeedSource& seeds, int N3) {
     r.steps.stage = Stage::phase3;
     r.observer.tell(StageStarted{
         .stage = Stage::phase3, .draws = N3, .steps_per_draw = r.K, .steps = N3 * std::ceil(r.K)});
+    if (r.settings.chains.chains > 1) return draw_side_by_side(r, seeds, 0, N3);
     seeds.reseed(*r.chain.rng);
     run_steps_counted(r.chain, r.theta.data(), N3 * 0.1 * r.K, r.steps);
     return draw_statistics(r.chain, r.theta, N3, r.K, r.mean, r.observed_ties, r.extreme, r.steps);
+}
+
+// `count` more of phase 3's draws, the first of them row `first`.
+template <class Store>
+Matrix draw_more(RunState<Store>& r, SeedSource& seeds, int first, int count) {
+    if (r.settings.chains.chains > 1) return draw_side_by_side(r, seeds, first, count);
+    std::vector<double> unused(r.count, 0.0);
+    return draw_statistics(r.chain, r.theta, count, r.K, unused, r.observed_ties, r.extreme,
+                           r.steps);
 }
 
 // Phase 3's draws at the estimate, refused when a statistic did not vary or sat far from its

@@ -138,6 +138,15 @@ void write_convergence_block(FILE* out, const char* heading, const ConvergenceCh
     print(out, "verdict\t%s\n\n", verdict_text(check.verdict));
 }
 
+std::string chain_lines(const EstimationRun& run) {
+    if (run.phase3_chains <= 1) return "";
+    return format_message(
+        "phase-3 chains\t%d, side by side from the phase-2 estimate, each with a burn-in of a "
+        "tenth of its draws; their draws are pooled, and a statistic's effective sample size is "
+        "the sum of the chains' own\n",
+        run.phase3_chains);
+}
+
 std::string automatic_choices(const EstimationRun& run) {
     if (!run.automatic) return "";
     const std::string draws = format_message(

@@ -41,4 +41,7 @@ void write_convergence_block(FILE* out, const char* heading, const ConvergenceCh
 // reached.
 std::string automatic_choices(const EstimationRun& run);
 
+// How many chains drew phase 3, as a line of the convergence file ("" for one chain).
+std::string chain_lines(const EstimationRun& run);
+
 }  // namespace vexa

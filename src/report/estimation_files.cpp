@@ -38,7 +38,7 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
               degeneracy_advice(record, labels).c_str());
     } else {
         write_convergence_block(verdicts, format_message("Run %d", run).c_str(), check, labels,
-                                automatic_choices(record));
+                                automatic_choices(record) + chain_lines(record));
     }
     verdicts.close();
 }

@@ -94,6 +94,16 @@ void take_sample(GofRecord& record, const Chain<Store>& chain, ScratchOf<Store>&
                               &network, &scratch});
 }
 
+// Refuses a plan that keeps no sample.
+inline void require_samples(const SamplingPlan& plan) {
+    if (planned_samples(plan) < 1.0) {
+        throw SettingError(format_message(
+            "vexa: goodness of fit keeps no sample: %.0f proposals at 1 sample per %.0f proposals "
+            "(iterations must be at least sample_count)",
+            plan.proposals, plan.interval));
+    }
+}
+
 // The distance and the last network's statistics, once every sample is in.
 template <class Store>
 void finish_record(GofRecord& record, const ChainSetup<Store>& setup, const Store& last) {
@@ -114,13 +124,8 @@ GofRecord goodness_of_fit(const ChainSetup<Store>& setup, const std::vector<doub
     const auto p = static_cast<int32_t>(parameters.size());
     Store working = setup.observed;
     Chain<Store> chain = setup.chain_on(working, p, rng);
+    gof_detail::require_samples(plan);
     const double expected_samples = planned_samples(plan);
-    if (expected_samples < 1.0) {
-        throw SettingError(format_message(
-            "vexa: goodness of fit keeps no sample: %.0f proposals at 1 sample per %.0f proposals "
-            "(iterations must be at least sample_count)",
-            plan.proposals, plan.interval));
-    }
     run_burn_in(chain, parameters.data(), gof.burn_in, seeds, observer);
     seeds.reseed(rng);
 

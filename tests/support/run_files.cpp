@@ -131,15 +131,20 @@ std::vector<double> school_homophily_estimates() {
 
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed, bool confirm,
                      int* status, bool automatic) {
+    RunOptions options;
+    options.fixed_seed = true;
+    options.seed = seed;
+    options.confirm = confirm;
+    options.automatic = automatic;
+    return run_vexa_with(dir, file, options, status);
+}
+
+std::string run_vexa_with(const std::string& dir, const GraphRunFile& file, RunOptions options,
+                          int* status) {
     const WorkingDirectory here(dir);
     std::filesystem::create_directories(dir + "/" + file.directory);
     const std::string path = file.write(dir);
     return capture([&](FILE* console) {
-        RunOptions options;
-        options.fixed_seed = true;
-        options.seed = seed;
-        options.confirm = confirm;
-        options.automatic = automatic;
         options.console = console;
         const int returned = run_entry(path.c_str(), options);
         if (status != nullptr) *status = returned;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "entry/run_context.h"
 #include "network/network_kind.h"
 
 namespace vexa::testing {
@@ -69,6 +70,10 @@ std::vector<double> school_homophily_estimates();
 // `automatic`, the run takes the automatic mode.
 std::string run_vexa(const std::string& dir, const GraphRunFile& file, uint32_t seed,
                      bool confirm = false, int* status = nullptr, bool automatic = false);
+
+// The same with every option of the run given (its console is the capture's).
+std::string run_vexa_with(const std::string& dir, const GraphRunFile& file, RunOptions options,
+                          int* status = nullptr);
 
 // The attribute and covariate sections of the school network (faux.mesa.high_attributes.txt:
 // Grade, Race and Sex as categories) with only Grade's same-category effect included.

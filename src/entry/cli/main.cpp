@@ -19,7 +19,8 @@ namespace {
 void usage(FILE* out) {
     std::fprintf(
         out,
-        "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse] RUNFILE\n"
+        "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
+        "            [--chains K] [--threads N] RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says. Exits with 0 after a complete run, 1 when\n"
@@ -43,6 +44,12 @@ void usage(FILE* out) {
         "  --store S    the network store: dense (n x n arrays, fastest on small networks) or\n"
         "               sparse (memory in proportion to the ties); without it, sparse above\n"
         "               20,000 nodes or when the dense arrays would take half the memory\n"
+        "  --chains K   draw from K chains, each from its own copy of the network with its own\n"
+        "               burn-in and random stream: a simulation or goodness of fit shares its\n"
+        "               samples among them, an estimation its phase-3 draws (default 1; 8 with\n"
+        "               --auto). Each chain holds a copy of the network in memory\n"
+        "  --threads N  run the chains on N threads (default: the cores available); the\n"
+        "               results depend on the seed and K alone, never on N\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -56,6 +63,20 @@ bool parse_seed(const char* text, unsigned long& seed) {
     if (end == text || *end != '\0' || text[0] == '-' || errno == ERANGE || value > 0xffffffffULL)
         return false;
     seed = static_cast<unsigned long>(value);
+    return true;
+}
+
+// The whole number from 1 to `most` after option `name` at argv[k], moving k past it; false
+// (after saying why) when there is none.
+bool take_count(int argc, char** argv, int& k, const char* name, unsigned long most,
+                int32_t& count) {
+    unsigned long value = 0;
+    if (k + 1 >= argc || !parse_seed(argv[k + 1], value) || value < 1 || value > most) {
+        std::fprintf(stderr, "vexa: %s needs a whole number from 1 to %lu\n", name, most);
+        return false;
+    }
+    count = static_cast<int32_t>(value);
+    ++k;
     return true;
 }
 
@@ -114,6 +135,10 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
         ++k;
         return -1;
     }
+    if (std::strcmp(arg, "--chains") == 0)
+        return take_count(argc, argv, k, arg, vexa::max_chains, line.options.chains) ? -1 : 2;
+    if (std::strcmp(arg, "--threads") == 0)
+        return take_count(argc, argv, k, arg, 4096, line.options.threads) ? -1 : 2;
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
         return -1;

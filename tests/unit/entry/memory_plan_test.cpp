@@ -78,6 +78,21 @@ TEST(MemoryPlan, TasksCountTheirStoresAndAreRefusedWhenTheyDoNotFit) {
                   "of memory (2 network stores of 0.81 GB for a graph of 10000 nodes, and 0.00 GB "
                   "besides), but 1.07 GB are available; the run was not started");
     }
+
+    // Chains hold a store each beside the observed network; a simulation from several chains
+    // keeps its starting network too. The refusal says how many chains would fit.
+    EXPECT_EQ(task_memory(s, NetworkKind::graph, 3, 4).stores, 5);
+    s.task = Task::simulation;
+    EXPECT_EQ(task_memory(s, NetworkKind::graph, 3, 4).stores, 5);
+    try {
+        check_task_memory(s, NetworkKind::graph, 3, 3.0e9, 8);
+        ADD_FAILURE() << "not refused";
+    } catch (const SettingError& e) {
+        EXPECT_NE(std::string(e.what()).find("memory for 8 chains (a store each; 2 would fit) (9 "
+                                             "network stores of 0.81 GB"),
+                  std::string::npos)
+            << e.what();
+    }
 }
 
 }  // namespace
