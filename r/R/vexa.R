@@ -27,7 +27,8 @@ number_setting <- function(value, name, lowest = 0) {
 vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_factor = 2,
                           phase3_steps = 500, burn_in = 10000, iterations = 100000,
                           samples = 1000, sampler = NULL, degree_cap = NULL, check = FALSE,
-                          progress = interactive(), output_dir = NULL) {
+                          progress = interactive(), output_dir = NULL, chains = NULL,
+                          threads = NULL) {
   whole_setting(runs, "runs", 1)
   whole_setting(subphases, "subphases", 0)
   number_setting(gain, "gain")
@@ -41,6 +42,11 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
          " or a number from 0 to 3")
   }
   if (!is.null(degree_cap)) whole_setting(degree_cap, "degree_cap", 0)
+  if (!is.null(chains)) {
+    whole_setting(chains, "chains", 1)
+    if (chains > 1024) fail("setting 'chains' must be at most 1024")
+  }
+  if (!is.null(threads)) whole_setting(threads, "threads", 1)
   if (!is.logical(check) || length(check) != 1L || is.na(check)) {
     fail("setting 'check' must be TRUE or FALSE")
   }
@@ -52,7 +58,7 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
                  burn_in = burn_in, iterations = iterations, samples = samples,
                  sampler = sampler, degree_cap = degree_cap, check = check,
                  progress = if (is.function(progress)) progress else isTRUE(progress),
-                 output_dir = output_dir),
+                 output_dir = output_dir, chains = chains, threads = threads),
             class = "vexa_settings")
 }
 

@@ -355,6 +355,8 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
                 whole(settings, "sampler_code", -1));
     r.options.automatic =
         request.containsElementNamed("automatic") && Rcpp::as<bool>(request["automatic"]);
+    r.options.chains = whole(settings, "chains", 0);
+    r.options.threads = whole(settings, "threads", 0);
     r.keep_networks = Rcpp::as<bool>(request["keep_networks"]);
 
     BarState bar;

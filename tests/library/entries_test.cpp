@@ -125,6 +125,20 @@ TEST(LibraryEntries, TheOptionsEntryRunsAutomaticallyAndReturnsAStatus) {
     EXPECT_EQ(vexa_run_options("run.txt", 0x100u, 7), VEXA_FAILED);
     EXPECT_TRUE(fs::is_empty("out"));
     EXPECT_EQ(vexa_run_options("none.txt", VEXA_AUTO, 0), VEXA_FAILED);
+
+    // Chains: the same files on one thread as on two; an impossible count runs nothing.
+    const int status = vexa_run_chains("run.txt", VEXA_FIXED_SEED, 7, 3, 1);
+    EXPECT_NE(status, VEXA_FAILED);
+    const std::string one = text_of("out/estimation_jni.txt");
+    EXPECT_NE(text_of("out/convergence_jni.txt").find("phase-3 chains\t3,"), std::string::npos);
+    fs::remove_all("out");
+    fs::create_directory("out");
+    EXPECT_EQ(vexa_run_chains("run.txt", VEXA_FIXED_SEED, 7, 3, 2), status);
+    EXPECT_EQ(text_of("out/estimation_jni.txt"), one);
+    fs::remove_all("out");
+    fs::create_directory("out");
+    EXPECT_EQ(vexa_run_chains("run.txt", 0, 7, -1, 0), VEXA_FAILED);
+    EXPECT_TRUE(fs::is_empty("out"));
 }
 
 TEST(LibraryEntries, PathsThatNameNoRunFileEndTheRunWithZero) {

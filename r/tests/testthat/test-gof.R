@@ -42,3 +42,17 @@ test_that("a simulation returns its networks with their statistics", {
   expect_equal(sim$statistics$edge, edges)
   expect_equal(sim$statistics$Triangle, triangles)
 })
+
+test_that("chains give the same goodness of fit on one thread as on two", {
+  data(flomarriage, package = "vexa")
+  run <- function(threads) {
+    vexa_gof(flomarriage, c("edge", AS = 2), parameters = c(-1.6, 0), seed = 4,
+             settings = quiet(iterations = 20000, samples = 50, chains = 3, threads = threads))
+  }
+  one <- run(1)
+  two <- run(2)
+  expect_equal(nrow(one$statistics), 50L)
+  expect_identical(one$statistics, two$statistics)
+  expect_identical(one$table, two$table)
+  expect_error(quiet(chains = 0), "chains")
+})

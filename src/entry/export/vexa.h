@@ -1,7 +1,8 @@
 /* The plain C entries of the vexa library, for callers without a JVM (C, Python, R).
    vexa_run runs one run file as the Java front end does and returns 0 whatever happened;
    problems are reported on standard output as one line naming the file, row or setting at
-   fault. vexa_run_options runs it with the options of the command line and returns a status.
+   fault. vexa_run_options and vexa_run_chains run it with the options of the command line
+   and return a status.
    Paths, the run file's and those inside it, are UTF-8; on Windows a path that is not UTF-8
    is taken to be in the system's code page. */
 #ifndef VEXA_H
@@ -35,6 +36,12 @@ VEXA_EXPORT int vexa_run(const char* run_file_path);
    VEXA_FAILED) and returns one of the statuses above. Like vexa_run, it never ends the host
    process: every problem is one line on standard output. */
 VEXA_EXPORT int vexa_run_options(const char* run_file_path, unsigned options, unsigned seed);
+
+/* The same, drawing from `chains` chains on `threads` threads, as the command line's --chains
+   and --threads: 0 chains takes the default (1, or 8 with VEXA_AUTO), 0 threads the cores
+   available. The results depend on the chains, never on the threads. */
+VEXA_EXPORT int vexa_run_chains(const char* run_file_path, unsigned options, unsigned seed,
+                                int chains, int threads);
 
 #ifdef __cplusplus
 }
