@@ -359,6 +359,9 @@ void run_task(RunContext& context) {
         check_task_memory(s, Store::kind, static_cast<int>(parameters.size()),
                           available_memory_bytes(), context.chains.chains);
     }
+    // A host's listener is called on the thread that started the run; the engine's own may
+    // hear a chain's samples from the chain's thread.
+    context.chains.calling_thread_events = context.observer != nullptr;
     ChainSetup<Store> setup;
     task_detail::prepare(context, setup);
     switch (s.task) {

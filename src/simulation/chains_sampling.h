@@ -72,17 +72,17 @@ void place_sample(GofRecord& record, size_t s, const Chain<Store>& chain, Scratc
     record.acceptance_rates[s] = rate;
 }
 
+// Sample s, drawn by chain k, told to the observer in its turn; the chain waits for it.
 template <class Store>
-void tell_sample(Relay& relay, size_t s, const Chain<Store>& chain, size_t p, double number,
-                 double accepted, ScratchOf<Store>* scratch) {
-    const Observer& observer = *relay.observer;
-    const std::function<void()> tell = [&] {
+void tell_sample(Relay& relay, int32_t k, size_t s, const Chain<Store>& chain, size_t p,
+                 double number, double accepted, ScratchOf<Store>* scratch) {
+    const Observer* observer = relay.observer;
+    relay.deliver(k, s, [observer, &chain, p, number, accepted, scratch] {
         SampleDrawn drawn{
             number, std::span<const double>(chain.statistics.data(), p), accepted, chain.store, {}};
         if (scratch != nullptr) drawn.measured = scratch;
-        observer.tell(drawn);
-    };
-    relay.deliver(s, tell);
+        observer->tell(drawn);
+    });
 }
 
 inline double sum_in_order(const std::vector<double>& values) {
@@ -133,7 +133,7 @@ SimulationRecord simulate_chains(const ChainSetup<Store>& setup,
         record.sample_numbers[s] = number;
         record.sample_statistics[s].assign(chain.statistics.begin(), chain.statistics.begin() + p);
         record.acceptance_rates[s] = taken / h;
-        tell_sample<Store>(relay, s, chain, static_cast<size_t>(p), number, taken, nullptr);
+        tell_sample<Store>(relay, k, s, chain, static_cast<size_t>(p), number, taken, nullptr);
     });
     record.accepted = sum_in_order(accepted);
     observer.tell(SamplingEnded{Stage::sampling, static_cast<double>(m), record.accepted});
@@ -158,8 +158,8 @@ GofRecord goodness_of_fit_chains(const ChainSetup<Store>& setup,
     const double h = plan.interval;
     ChainSet<Store> set;
     start_chains(set, setup, setup.observed, Bookkeeping::all, p, K, seeds);
-    std::vector<ScratchOf<Store>> scratch(static_cast<size_t>(K) + 1);
-    GofRecord record = gof_detail::start_record(setup, p, scratch.back());
+    std::vector<Alone<ScratchOf<Store>>> scratch(static_cast<size_t>(K) + 1);
+    GofRecord record = gof_detail::start_record(setup, p, scratch.back().value);
     record.parameters = parameters;
     record.plan = plan;
     record.burn_in = gof.burn_in;
@@ -183,8 +183,9 @@ GofRecord goodness_of_fit_chains(const ChainSetup<Store>& setup,
         accepted[kk] += taken;
         recount_uncarried(chain);
         const double number = static_cast<double>(s + 1) * h;
-        place_sample(record, s, chain, scratch[kk], number, taken / h);
-        tell_sample<Store>(relay, s, chain, static_cast<size_t>(p), number, taken, &scratch[kk]);
+        place_sample(record, s, chain, scratch[kk].value, number, taken / h);
+        tell_sample<Store>(relay, k, s, chain, static_cast<size_t>(p), number, taken,
+                           &scratch[kk].value);
     });
     record.accepted = sum_in_order(accepted);
     observer.tell(SamplingEnded{Stage::sampling, static_cast<double>(m), record.accepted});
@@ -205,8 +206,8 @@ GofRecord bayesian_goodness_of_fit_chains(const ChainSetup<Store>& setup,
     const size_t m = sets.size();
     ChainSet<Store> set;
     start_chains(set, setup, setup.observed, Bookkeeping::all, p, K, seeds);
-    std::vector<ScratchOf<Store>> scratch(static_cast<size_t>(K) + 1);
-    GofRecord record = gof_detail::start_record(setup, p, scratch.back());
+    std::vector<Alone<ScratchOf<Store>>> scratch(static_cast<size_t>(K) + 1);
+    GofRecord record = gof_detail::start_record(setup, p, scratch.back().value);
     record.burn_in = burn_in;
     ParameterSetsSummary summary;
     summary.moments = summarise_sets(sets, p);
@@ -232,9 +233,10 @@ GofRecord bayesian_goodness_of_fit_chains(const ChainSetup<Store>& setup,
         accepted[kk] += taken;
         const double rate = steps_per_set > 0.0 ? taken / steps_per_set : 0.0;
         const auto number = static_cast<double>(d + 1);
-        place_sample(record, d, chain, scratch[kk], number, rate);
+        place_sample(record, d, chain, scratch[kk].value, number, rate);
         bounds[d] = bound_of(*chain.store);
-        tell_sample<Store>(relay, d, chain, static_cast<size_t>(p), number, taken, &scratch[kk]);
+        tell_sample<Store>(relay, k, d, chain, static_cast<size_t>(p), number, taken,
+                           &scratch[kk].value);
     });
     record.accepted = sum_in_order(accepted);
     for (const Bound bound : bounds) {

@@ -1,0 +1,110 @@
+// Chains side by side, on the examples' school network (205 nodes) under edge + AT + Grade's
+// same-category effect at its estimates:
+//   GofThreads/N      a goodness of fit of 2,000 samples, 2,000 toggles apart, from 8 chains
+//                     on N threads (wall time: the speed-up is the ratio of the two rows)
+//   Phase3Threads/N   phase 3 of an estimation, 2,000 draws from 8 chains on N threads
+//   Phase3Chains/K    phase 3 from K chains on one thread, the same total steps for every K
+//                     (a tenth of each chain's draws burns in first, so K chains take as many
+//                     steps as one): its effective draws of the worst statistic (the sum
+//                     over the chains) per second, ess_per_s, and min_ess
+// The files are the same for every N; only the time changes.
+//
+//   build/bench/vexa_bench --benchmark_filter='Threads|Phase3Chains'
+//
+// Measured (Release, this 2-core machine, nothing else running; best of three):
+//   GofThreads        1 thread 1.60 s, 2 threads 0.87 s: 1.84 times
+//   Phase3Threads     1 thread 0.51 s, 2 threads 0.27 s: 1.86 times
+//   Phase3Chains      K = 1: min_ess 560, 1,150 per s; K = 8: min_ess 630, 1,270 per s
+// At 100,000 nodes a sparse graph store of mean degree 10 holds about 60 MB, so 8 chains take
+// some 0.5 GB beside the observed network; a dense store is refused there long before.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <vector>
+
+#include "estimation/diagnostics.h"
+#include "estimation/phases.h"
+#include "model/terms.h"
+#include "school_model.h"
+#include "simulation/chains_sampling.h"
+
+namespace {
+
+using namespace vexa;
+
+struct School {
+    bench::SchoolModel school = bench::school_model(true);
+    ChainSetup<Graph> setup;
+
+    School() {
+        setup.observed = school.network;
+        setup.terms = make_terms<Graph>(school.model);
+        setup.keeps = chain_keeps(setup.terms, setup.sampler.proposal);
+    }
+};
+
+void BM_GofThreads(benchmark::State& state) {
+    const School school;
+    const double h = 2000.0;
+    const GofPlan plan{{2000.0 * h, h}, 20000.0, false};
+    // As a run of the command line: the engine's observers hear each sample from its chain.
+    const ChainPlan chains{8, static_cast<int32_t>(state.range(0)), false};
+    for (auto _ : state) {
+        SeedSource seeds{true, 1, 0};
+        const GofRecord record = goodness_of_fit_chains(school.setup, school.school.parameters,
+                                                        plan, chains, seeds, Observer{});
+        benchmark::DoNotOptimize(record.accepted);
+    }
+}
+
+// Phase 3 at the school model's estimates from the plan's chains; returns its draws.
+Matrix phase3_draws(const School& school, const ChainPlan& chains, int draws) {
+    const auto p = static_cast<int32_t>(school.school.parameters.size());
+    Rng rng;
+    Graph working = school.setup.chain_store();
+    Chain<Graph> chain = school.setup.chain_on(working, p, rng);
+    std::vector<double> theta = school.school.parameters;
+    Matrix D = make_matrix(p, p, 0.0);
+    EstimationSettings settings;
+    settings.chains = chains;
+    const Observer observer;
+    estimation_detail::RunState<Graph> r(chain, theta, D, settings, observer);
+    estimation_detail::start_run(r);
+    SeedSource seeds{true, 2, 0};
+    seeds.reseed(rng);
+    return estimation_detail::start_phase3(r, seeds, draws);
+}
+
+void BM_Phase3Threads(benchmark::State& state) {
+    const School school;
+    const ChainPlan chains{8, static_cast<int32_t>(state.range(0))};
+    for (auto _ : state) benchmark::DoNotOptimize(phase3_draws(school, chains, 2000).rows);
+}
+
+void BM_Phase3Chains(benchmark::State& state) {
+    const School school;
+    const auto K = static_cast<int32_t>(state.range(0));
+    double effective = 0.0;
+    for (auto _ : state) {
+        const Matrix draws = phase3_draws(school, {K, 1}, 4000);
+        effective = smallest_effective_size(draws, K);
+    }
+    state.counters["min_ess"] = effective;
+    state.counters["ess_per_s"] = benchmark::Counter(effective, benchmark::Counter::kIsRate);
+}
+
+BENCHMARK(BM_GofThreads)
+    ->Arg(1)
+    ->Arg(2)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Phase3Threads)
+    ->Arg(1)
+    ->Arg(2)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Phase3Chains)->Arg(1)->Arg(8)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
