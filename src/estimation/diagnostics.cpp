@@ -81,12 +81,72 @@ Matrix chain_rows(const Matrix& draws, int chains, int chain) {
     return rows;
 }
 
+namespace {
+
+// One chain's series cut to n draws, centred on its mean.
+std::vector<double> centred_series(const Matrix& rows, int column, int n, double& mean) {
+    mean = 0.0;
+    for (int i = 0; i < n; ++i) mean += rows[i][column];
+    mean /= n;
+    std::vector<double> centred(static_cast<size_t>(n), 0.0);
+    for (int i = 0; i < n; ++i) centred[static_cast<size_t>(i)] = rows[i][column] - mean;
+    return centred;
+}
+
+// The autocovariance of a centred series at `lag` (divisor: its length).
+double autocovariance(const std::vector<double>& centred, size_t lag) {
+    double sum = 0.0;
+    for (size_t i = 0; i + lag < centred.size(); ++i) sum += centred[i] * centred[i + lag];
+    return sum / static_cast<double>(centred.size());
+}
+
+}  // namespace
+
 double effective_sample_size(const Matrix& draws, int column, int chains) {
     if (chains <= 1) return effective_sample_size(draws, column);
-    double sum = 0.0;
-    for (int k = 0; k < chains; ++k)
-        sum += effective_sample_size(chain_rows(draws, chains, k), column);
-    return sum;
+    // Every chain cut to the shortest one's length n. The autocorrelation at lag t is read off
+    // the chains together: 1 - (W - mean autocovariance at t) / V, where W is the mean
+    // within-chain variance and V = (n - 1) / n W + B / n adds the spread of the chains' means
+    // (B / n their variance). Chains that have not each explored the distribution disagree in
+    // their means, V grows, the autocorrelations stay high, and the effective size is small,
+    // however smooth each short chain looks by itself.
+    const int n = draws.rows / chains;
+    if (n < 4) return 0.0;
+    std::vector<std::vector<double>> series;
+    std::vector<double> means;
+    for (int k = 0; k < chains; ++k) {
+        double mean = 0.0;
+        series.push_back(centred_series(chain_rows(draws, chains, k), column, n, mean));
+        means.push_back(mean);
+    }
+    double grand = 0.0;
+    for (const double m : means) grand += m;
+    grand /= chains;
+    double spread = 0.0;  // B / n
+    for (const double m : means) spread += (m - grand) * (m - grand);
+    spread /= chains - 1;
+    double within = 0.0;  // W, each chain's variance with divisor n - 1
+    for (const auto& x : series) within += autocovariance(x, 0) * n / (n - 1.0);
+    within /= chains;
+    const double total = (n - 1.0) / n * within + spread;
+    if (!(total > 0.0)) return 0.0;
+    const auto rho = [&](int lag) {
+        double mean_covariance = 0.0;
+        for (const auto& x : series) mean_covariance += autocovariance(x, static_cast<size_t>(lag));
+        return 1.0 - (within - mean_covariance / chains) / total;
+    };
+    // Geyer's initial positive (and monotone) sequence, as for one chain.
+    double tau = -1.0;
+    double previous = std::numeric_limits<double>::infinity();
+    for (int m = 0; 2 * m + 1 < n; ++m) {
+        double pair = rho(2 * m) + rho(2 * m + 1);
+        if (pair <= 0.0) break;
+        pair = std::min(pair, previous);
+        tau += 2.0 * pair;
+        previous = pair;
+    }
+    const double size = static_cast<double>(chains) * n;
+    return std::min(size, size / std::max(tau, 1.0 / size));
 }
 
 ConvergenceCheck check_convergence(const Matrix& draws, const std::vector<double>& observed,

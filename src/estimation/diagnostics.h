@@ -28,8 +28,9 @@ double effective_sample_size(const Matrix& draws, int column);
 // i mod chains), in their order.
 Matrix chain_rows(const Matrix& draws, int chains, int chain);
 
-// The effective sample size of draws pooled from `chains` chains dealt round-robin: the sum
-// of each chain's own, since the chains are independent of one another.
+// The effective sample size of draws pooled from `chains` chains dealt round-robin, from the
+// chains' autocorrelations read together with the spread of their means: chains that each
+// stayed in their own part of the distribution count for little.
 double effective_sample_size(const Matrix& draws, int column, int chains);
 
 // The integrated autocorrelation time of the same series (1 for independent draws).

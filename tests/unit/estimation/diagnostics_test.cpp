@@ -45,22 +45,28 @@ TEST(Diagnostics, AutocorrelationTimeAndEffectiveSizeOfKnownSeries) {
     EXPECT_EQ(effective_sample_size(constant, 0), 0.0);
 }
 
-TEST(Diagnostics, DrawsPooledFromChainsCountEachChainsEffectiveDraws) {
-    // Four AR(1) chains at rho 0.5 (tau 3), each shifted by its own offset and dealt
-    // round-robin: read as one series the interleaving would look nearly independent and the
-    // offsets would look like slow drift; per chain, each has 5000 / 3 effective draws.
+TEST(Diagnostics, DrawsPooledFromChainsCountTheirEffectiveDrawsTogether) {
+    // Four AR(1) chains at rho 0.5 (tau 3) dealt round-robin: together 4 x 5000 / 3 effective
+    // draws (read as one series, the interleaving would look nearly independent).
     constexpr int chains = 4;
     constexpr int each = 5000;
-    Matrix pooled = make_matrix(chains * each, 1, 0.0);
-    for (int k = 0; k < chains; ++k) {
-        const Matrix chain = ar1(0.5, each, static_cast<uint32_t>(11 + k));
-        for (int i = 0; i < each; ++i) pooled[i * chains + k][0] = chain[i][0] + 0.3 * k;
-    }
+    const auto pool = [&](double offset) {
+        Matrix pooled = make_matrix(chains * each, 1, 0.0);
+        for (int k = 0; k < chains; ++k) {
+            const Matrix chain = ar1(0.5, each, static_cast<uint32_t>(11 + k));
+            for (int i = 0; i < each; ++i) pooled[i * chains + k][0] = chain[i][0] + offset * k;
+        }
+        return pooled;
+    };
+    const Matrix pooled = pool(0.0);
     const double truth = chains * each / 3.0;
     EXPECT_NEAR(effective_sample_size(pooled, 0, chains), truth, 0.1 * truth);
     EXPECT_NEAR(smallest_effective_size(pooled, chains), truth, 0.1 * truth);
-    EXPECT_NEAR(check_convergence(pooled, {0.45}, 1, chains).effective_sizes[0], truth,
+    EXPECT_NEAR(check_convergence(pooled, {0.05}, 1, chains).effective_sizes[0], truth,
                 0.1 * truth);
+    // Chains that each sit in a part of their own (means a standard deviation of the chain
+    // apart, as chains far too short to cross between modes would) count for far less.
+    EXPECT_LT(effective_sample_size(pool(1.7), 0, chains), 0.1 * truth);
     const Matrix second = chain_rows(pooled, chains, 1);
     ASSERT_EQ(second.rows, each);
     EXPECT_EQ(second[2][0], pooled[2 * chains + 1][0]);
