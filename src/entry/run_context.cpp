@@ -46,6 +46,7 @@ void take_options(RunContext& context, const RunOptions& options) {
                                           context.chains.chains, max_chains));
     }
     context.chains.threads = threads_for(context.chains.chains, options.threads);
+    context.chains.cluster = process_cluster();
     context.sampler_named = options.sampler_code >= 0;
     if (context.sampler_named)
         context.settings.proposal =

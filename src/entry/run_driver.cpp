@@ -20,6 +20,8 @@ RunOutcome run_driver(const std::string& run_file, const RunOptions& options) {
     context.settings = std::move(file.settings);
     context.settings.run_file = run_file;
     take_options(context, options);
+    // Spread over processes, process 0 alone writes.
+    context.write_files = context.chains.cluster.rank == 0;
     context.model = std::move(file.model);
     context.names = std::move(file.names);
     if (context.settings.network_kind == NetworkKind::digraph) {

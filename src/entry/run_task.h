@@ -362,6 +362,7 @@ void run_task(RunContext& context) {
     // A host's listener is called on the thread that started the run; the engine's own may
     // hear a chain's samples from the chain's thread.
     context.chains.calling_thread_events = context.observer != nullptr;
+    context.chains.networks_to_root = s.outputs.any();
     ChainSetup<Store> setup;
     task_detail::prepare(context, setup);
     switch (s.task) {

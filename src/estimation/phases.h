@@ -292,6 +292,7 @@ void start_phase3_chains(RunState<Store>& r, SeedSource& seeds, int N3, Relay& r
                   r.chain.statistic_count(), base);
     }
     run_rounds(r.settings.chains, 1, relay, [&](int32_t k, int32_t) {
+        if (!r.settings.chains.cluster.owns(k)) return;
         Chain<Store>& chain = r.phase3[k];
         r.phase3.seeds[static_cast<size_t>(k)].reseed(*chain.rng);
         const double draws = static_cast<double>(pieces_of(N3, K, k));
@@ -312,18 +313,24 @@ Matrix draw_side_by_side(RunState<Store>& r, SeedSource& seeds, int first, int c
     relay.total = r.steps.total;
     if (r.phase3.count() == 0) start_phase3_chains(r, seeds, first + count, relay);
     Matrix rows = make_matrix(std::max(count, 0), static_cast<int>(r.count), 0.0);
-    std::vector<uint8_t> extreme(static_cast<size_t>(K), 0);
+    // Spread over processes, each fills the rows of its own chains, and the sum over the
+    // processes is every row (the others' entries are 0).
+    const Cluster& cluster = r.settings.chains.cluster;
+    std::vector<double> extreme(static_cast<size_t>(K), 0.0);
     run_rounds(r.settings.chains, 1, relay, [&](int32_t k, int32_t) {
+        if (!cluster.owns(k)) return;
         Chain<Store>& chain = r.phase3[k];
         const int start = first + ((k - first % K) % K + K) % K;
         for (int i = start; i < first + count; i += K) {
             run_steps_relayed(chain, r.theta.data(), r.K, relay);
-            if (at_extreme(*chain.store, r.observed_ties)) extreme[static_cast<size_t>(k)] = 1;
+            if (at_extreme(*chain.store, r.observed_ties)) extreme[static_cast<size_t>(k)] = 1.0;
             for (size_t l = 0; l < r.count; ++l) rows[i - first][l] = chain.statistics[l];
         }
     });
     r.steps.advance(static_cast<double>(relay.steps_done.load()));
-    for (const uint8_t e : extreme) r.extreme = r.extreme || e != 0;
+    cluster_sum(cluster, rows.data);
+    cluster_sum(cluster, extreme);
+    for (const double e : extreme) r.extreme = r.extreme || e != 0.0;
     std::fill(r.mean.begin(), r.mean.end(), 0.0);
     for (int i = 0; i < rows.rows; ++i)
         for (size_t l = 0; l < r.count; ++l) r.mean[l] += rows[i][l];

@@ -55,6 +55,7 @@ struct SampleOutputs {
     bool twopath_distribution = false;
     bool et0nt_distribution = false;
 
+    bool any() const { return pajek || degree_distribution || geodesic || read_counts(); }
     // Whether a sample's rows read the store's pair and triangle counts.
     bool read_counts() const {
         return cluster_giant || triangle_distribution || twopath_distribution || et0nt_distribution;

@@ -26,6 +26,7 @@
 #include <utility>
 #include <vector>
 
+#include "sampler/cluster.h"
 #include "sampler/observer.h"
 
 namespace vexa {
@@ -35,7 +36,19 @@ struct ChainPlan {
     int32_t chains = 1;
     int32_t threads = 1;
     bool calling_thread_events = true;  // the observer must be called on the calling thread
+    // The processes the chains are spread over, and whether process 0 needs each sample's
+    // network (for the files written per sample) from the process that drew it.
+    Cluster cluster;
+    bool networks_to_root = false;
 };
+
+inline ChainPlan chain_plan(int32_t chains, int32_t threads, bool calling_thread_events = true) {
+    ChainPlan plan;
+    plan.chains = chains;
+    plan.threads = threads;
+    plan.calling_thread_events = calling_thread_events;
+    return plan;
+}
 
 // The threads to run `chains` chains on when `asked` (0: the cores available) is given.
 int32_t threads_for(int32_t chains, int32_t asked);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "sampler/chain_set.h"
+#include "simulation/cluster_samples.h"
 #include "simulation/gof_task.h"
 #include "simulation/simulate.h"
 
@@ -85,6 +86,53 @@ void tell_sample(Relay& relay, int32_t k, size_t s, const Chain<Store>& chain, s
     });
 }
 
+// Process 0's part of sample s, which chain k drew in another process: the statistics and
+// the network it sent (onto the chain's idle store here), told in its turn.
+template <class Store>
+void tell_remote_sample(Relay& relay, int32_t k, size_t s, Chain<Store>& chain,
+                        const std::vector<double>& v, size_t ties_at, std::vector<double> stats,
+                        double number, double accepted) {
+    if (ties_at < v.size()) cluster_detail::take_ties(*chain.store, v, ties_at);
+    const Observer* observer = relay.observer;
+    relay.deliver(k, s, [observer, &chain, stats = std::move(stats), number, accepted] {
+        observer->tell(
+            SampleDrawn{number, std::span<const double>(stats), accepted, chain.store, {}});
+    });
+}
+
+// A goodness-of-fit sample that chain k drew in another process, on process 0.
+template <class Store>
+void take_remote_gof_sample(GofRecord& record, size_t s, int32_t k, Chain<Store>& chain,
+                            const ChainPlan& plan, Relay& relay, double& accepted, Bound& bound) {
+    const std::vector<double> v = cluster_receive(plan.cluster.owner(k), k);
+    double taken = 0.0;
+    const size_t at = cluster_detail::unpack_gof_sample(record, s, v, taken, bound);
+    accepted += taken;
+    std::vector<double> stats;
+    for (const auto& row : record.sample.statistics) stats.push_back(row[s]);
+    tell_remote_sample(relay, k, s, chain, v, at, std::move(stats), record.sample.numbers[s],
+                       taken);
+}
+
+// A goodness-of-fit sample of this process's chain k, sent to process 0.
+template <class Store>
+void send_gof_sample(const GofRecord& record, size_t s, int32_t k, const Chain<Store>& chain,
+                     const ChainPlan& plan, double accepted, Bound bound) {
+    std::vector<double> v = cluster_detail::pack_gof_sample(record, s, accepted, bound);
+    if (plan.networks_to_root) cluster_detail::append_ties(v, *chain.store);
+    cluster_send(0, k, v);
+}
+
+// The statistics of the network chain `last` ended at, from the process that ran it.
+template <class Store>
+std::vector<double> end_statistics_of(ChainSet<Store>& set, const ChainSetup<Store>& setup,
+                                      const ChainPlan& plan, int32_t last, int32_t p) {
+    std::vector<double> end(static_cast<size_t>(p), 0.0);
+    if (plan.cluster.owns(last)) end = statistics_of(*set[last].store, setup.terms, p);
+    cluster_sum(plan.cluster, end);
+    return end;
+}
+
 inline double sum_in_order(const std::vector<double>& values) {
     double sum = 0.0;
     for (const double value : values) sum += value;
@@ -118,27 +166,47 @@ SimulationRecord simulate_chains(const ChainSetup<Store>& setup,
                 K * std::ceil(burn_in) + static_cast<double>(m) * h);
     std::vector<double> accepted(static_cast<size_t>(K), 0.0);
     const auto rounds = static_cast<int32_t>(1 + pieces_of(static_cast<int64_t>(m), K, 0));
+    const Cluster& cluster = chains.cluster;
     run_rounds(chains, rounds, relay, [&](int32_t k, int32_t j) {
         Chain<Store>& chain = set[k];
-        if (j == 0)
-            return burn_in_round(chain, set.seeds[static_cast<size_t>(k)], parameters.data(),
-                                 burn_in, relay);
+        const bool mine = cluster.owns(k);
+        if (!mine && cluster.rank != 0) return;
+        if (j == 0) {
+            if (mine)
+                burn_in_round(chain, set.seeds[static_cast<size_t>(k)], parameters.data(), burn_in,
+                              relay);
+            return;
+        }
         const size_t s =
             static_cast<size_t>(j - 1) * static_cast<size_t>(K) + static_cast<size_t>(k);
         if (s >= m) return;
-        const double taken = run_steps_relayed(chain, parameters.data(), h, relay);
+        double taken = 0.0;
+        if (!mine) {
+            const std::vector<double> v = cluster_receive(cluster.owner(k), k);
+            const size_t at = cluster_detail::unpack_simulation_sample(
+                record, s, static_cast<size_t>(p), v, taken);
+            accepted[static_cast<size_t>(k)] += taken;
+            return tell_remote_sample(relay, k, s, chain, v, at, record.sample_statistics[s],
+                                      record.sample_numbers[s], taken);
+        }
+        taken = run_steps_relayed(chain, parameters.data(), h, relay);
         accepted[static_cast<size_t>(k)] += taken;
         recount_uncarried(chain);
         const double number = static_cast<double>(s + 1) * h;
         record.sample_numbers[s] = number;
         record.sample_statistics[s].assign(chain.statistics.begin(), chain.statistics.begin() + p);
         record.acceptance_rates[s] = taken / h;
-        tell_sample<Store>(relay, k, s, chain, static_cast<size_t>(p), number, taken, nullptr);
+        if (cluster.rank == 0)
+            return tell_sample<Store>(relay, k, s, chain, static_cast<size_t>(p), number, taken,
+                                      nullptr);
+        std::vector<double> v = cluster_detail::pack_simulation_sample(record, s, taken);
+        if (chains.networks_to_root) cluster_detail::append_ties(v, *chain.store);
+        cluster_send(0, k, v);
     });
     record.accepted = sum_in_order(accepted);
     observer.tell(SamplingEnded{Stage::sampling, static_cast<double>(m), record.accepted});
     const int32_t last = m > 0 ? static_cast<int32_t>((m - 1) % static_cast<size_t>(K)) : 0;
-    record.end_statistics = statistics_of(*set[last].store, setup.terms, p);
+    record.end_statistics = end_statistics_of(set, setup, chains, last, p);
     return record;
 }
 
@@ -170,20 +238,28 @@ GofRecord goodness_of_fit_chains(const ChainSetup<Store>& setup,
     start_relay(relay, observer, Stage::sampling, K * std::ceil(gof.burn_in) + record.proposals);
     std::vector<double> accepted(static_cast<size_t>(K), 0.0);
     const auto rounds = static_cast<int32_t>(1 + pieces_of(static_cast<int64_t>(m), K, 0));
+    const Cluster& cluster = chains.cluster;
     run_rounds(chains, rounds, relay, [&](int32_t k, int32_t j) {
         Chain<Store>& chain = set[k];
         const auto kk = static_cast<size_t>(k);
+        const bool mine = cluster.owns(k);
+        if (!mine && cluster.rank != 0) return;
         if (j == 0) {
+            if (!mine) return;
             burn_in_round(chain, set.seeds[kk], parameters.data(), gof.burn_in, relay);
             return recount(chain);
         }
         const size_t s = static_cast<size_t>(j - 1) * static_cast<size_t>(K) + kk;
         if (s >= m) return;
+        Bound bound = Bound::none;
+        if (!mine)
+            return take_remote_gof_sample(record, s, k, chain, chains, relay, accepted[kk], bound);
         const double taken = run_steps_relayed(chain, parameters.data(), h, relay);
         accepted[kk] += taken;
         recount_uncarried(chain);
         const double number = static_cast<double>(s + 1) * h;
         place_sample(record, s, chain, scratch[kk].value, number, taken / h);
+        if (cluster.rank != 0) return send_gof_sample(record, s, k, chain, chains, taken, bound);
         tell_sample<Store>(relay, k, s, chain, static_cast<size_t>(p), number, taken,
                            &scratch[kk].value);
     });
@@ -191,6 +267,7 @@ GofRecord goodness_of_fit_chains(const ChainSetup<Store>& setup,
     observer.tell(SamplingEnded{Stage::sampling, static_cast<double>(m), record.accepted});
     const auto last = static_cast<int32_t>((m - 1) % static_cast<size_t>(K));
     gof_detail::finish_record(record, setup, *set[last].store);
+    record.end_statistics = end_statistics_of(set, setup, chains, last, p);
     return record;
 }
 
@@ -220,11 +297,16 @@ GofRecord bayesian_goodness_of_fit_chains(const ChainSetup<Store>& setup,
     std::vector<double> accepted(static_cast<size_t>(K), 0.0);
     std::vector<Bound> bounds(m, Bound::none);
     const auto rounds = static_cast<int32_t>(pieces_of(static_cast<int64_t>(m), K, 0));
+    const Cluster& cluster = chains.cluster;
     run_rounds(chains, rounds, relay, [&](int32_t k, int32_t j) {
         const auto kk = static_cast<size_t>(k);
         const size_t d = static_cast<size_t>(j) * static_cast<size_t>(K) + kk;
-        if (d >= m) return;
+        const bool mine = cluster.owns(k);
+        if (d >= m || (!mine && cluster.rank != 0)) return;
         Chain<Store>& chain = set[k];
+        if (!mine)
+            return take_remote_gof_sample(record, d, k, chain, chains, relay, accepted[kk],
+                                          bounds[d]);
         *chain.store = setup.observed;
         recount(chain);
         set.seeds[kk].reseed(*chain.rng);
@@ -235,6 +317,8 @@ GofRecord bayesian_goodness_of_fit_chains(const ChainSetup<Store>& setup,
         const auto number = static_cast<double>(d + 1);
         place_sample(record, d, chain, scratch[kk].value, number, rate);
         bounds[d] = bound_of(*chain.store);
+        if (cluster.rank != 0)
+            return send_gof_sample(record, d, k, chain, chains, taken, bounds[d]);
         tell_sample<Store>(relay, k, d, chain, static_cast<size_t>(p), number, taken,
                            &scratch[kk].value);
     });
@@ -248,6 +332,7 @@ GofRecord bayesian_goodness_of_fit_chains(const ChainSetup<Store>& setup,
     record.sets = std::move(summary);
     const auto last = m > 0 ? static_cast<int32_t>((m - 1) % static_cast<size_t>(K)) : 0;
     gof_detail::finish_record(record, setup, *set[last].store);
+    record.end_statistics = end_statistics_of(set, setup, chains, last, p);
     return record;
 }
 

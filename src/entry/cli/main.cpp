@@ -7,6 +7,7 @@
 
 #include "entry/parameter_sets.h"
 #include "entry/run_driver.h"
+#include "sampler/cluster.h"
 
 #if defined(_WIN32)
 #include <vector>
@@ -163,8 +164,23 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
     return 2;
 }
 
+int run_parsed(int argc, char** argv, CommandLine& line);
+
 int run_command_line(int argc, char** argv) {
     CommandLine line;
+    // Started by mpirun, every process runs the task; process 0 alone speaks and writes.
+    const vexa::Cluster cluster = vexa::process_cluster();
+    FILE* quiet = nullptr;
+    if (cluster.rank != 0) {
+        quiet = std::fopen("/dev/null", "w");
+        line.options.console = quiet;
+    }
+    const int status = run_parsed(argc, argv, line);
+    if (quiet != nullptr) std::fclose(quiet);
+    return status;
+}
+
+int run_parsed(int argc, char** argv, CommandLine& line) {
     for (int k = 1; k < argc; ++k) {
         const char* arg = argv[k];
         if (arg[0] == '-' && arg[1] != '\0') {
@@ -184,6 +200,8 @@ int run_command_line(int argc, char** argv) {
         return 2;
     }
     if (line.sets_file != nullptr) {
+        // The sets are one file: process 0 writes it.
+        if (vexa::process_cluster().rank != 0) return 0;
         return vexa::draw_parameter_sets_entry(line.run_file, static_cast<int>(line.draw_count),
                                                line.sets_file, line.options);
     }
@@ -207,5 +225,11 @@ int wmain(int argc, wchar_t** argv) {
     return run_command_line(argc, narrow.data());
 }
 #else
-int main(int argc, char** argv) { return run_command_line(argc, argv); }
+int main(int argc, char** argv) {
+    vexa::ClusterSession session(&argc, &argv);
+    const int status = run_command_line(argc, argv);
+    // A run that failed in one process leaves the others waiting for it: end them all.
+    if (status == vexa::run_status_failed) session.end_all(status);
+    return status;
+}
 #endif

@@ -34,20 +34,21 @@ TEST(SideBySide, EventsComeInTicketOrderForAnyThreadCount) {
         const auto rounds = static_cast<int32_t>(pieces_of(pieces, chains, 0));
         std::vector<int32_t> changed_while_waiting(chains, 0);
         std::vector<int32_t> waiting(chains, 0);
-        run_rounds({chains, std::abs(threads), host}, rounds, relay, [&](int32_t k, int32_t j) {
-            const int64_t piece = int64_t{j} * chains + k;
-            if (piece >= pieces) return;
-            // A chain whose event is not yet told is never taken up again.
-            changed_while_waiting[static_cast<size_t>(k)] += waiting[static_cast<size_t>(k)];
-            waiting[static_cast<size_t>(k)] = 1;
-            ++ran[static_cast<size_t>(piece)];
-            relay.advance(10);
-            relay.deliver(k, static_cast<uint64_t>(piece), [&, piece, k] {
-                off_thread = off_thread || std::this_thread::get_id() != caller;
-                told.push_back(piece);
-                waiting[static_cast<size_t>(k)] = 0;
+        run_rounds(
+            chain_plan(chains, std::abs(threads), host), rounds, relay, [&](int32_t k, int32_t j) {
+                const int64_t piece = int64_t{j} * chains + k;
+                if (piece >= pieces) return;
+                // A chain whose event is not yet told is never taken up again.
+                changed_while_waiting[static_cast<size_t>(k)] += waiting[static_cast<size_t>(k)];
+                waiting[static_cast<size_t>(k)] = 1;
+                ++ran[static_cast<size_t>(piece)];
+                relay.advance(10);
+                relay.deliver(k, static_cast<uint64_t>(piece), [&, piece, k] {
+                    off_thread = off_thread || std::this_thread::get_id() != caller;
+                    told.push_back(piece);
+                    waiting[static_cast<size_t>(k)] = 0;
+                });
             });
-        });
         ASSERT_EQ(told.size(), static_cast<size_t>(pieces)) << threads << " threads";
         for (int64_t i = 0; i < pieces; ++i) {
             EXPECT_EQ(told[static_cast<size_t>(i)], i) << threads << " threads";
@@ -74,7 +75,7 @@ TEST(SideBySide, AFailureInAChainOrInTheObserverEndsTheRunWithIt) {
         Relay relay;
         relay.observer = &observer;
         // Chain 2 fails at its third piece while the others wait on tickets it will never give.
-        EXPECT_THROW(run_rounds({4, threads}, 10, relay,
+        EXPECT_THROW(run_rounds(chain_plan(4, threads), 10, relay,
                                 [&](int32_t k, int32_t j) {
                                     if (k == 2 && j == 2) throw std::runtime_error("chain 2");
                                     relay.deliver(k, static_cast<uint64_t>(j * 4 + k), [] {});
@@ -84,7 +85,7 @@ TEST(SideBySide, AFailureInAChainOrInTheObserverEndsTheRunWithIt) {
 
         Relay second;
         second.observer = &observer;
-        EXPECT_THROW(run_rounds({3, threads}, 4, second,
+        EXPECT_THROW(run_rounds(chain_plan(3, threads), 4, second,
                                 [&](int32_t k, int32_t j) {
                                     const auto ticket = static_cast<uint64_t>(j * 3 + k);
                                     second.deliver(k, ticket, [ticket] {
