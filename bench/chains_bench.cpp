@@ -12,12 +12,15 @@
 //
 //   build/bench/vexa_bench --benchmark_filter='Threads|Phase3Chains'
 //
-// Measured (Release, this 2-core machine, nothing else running; best of three):
-//   GofThreads        1 thread 1.60 s, 2 threads 0.87 s: 1.84 times
-//   Phase3Threads     1 thread 0.51 s, 2 threads 0.27 s: 1.86 times
-//   Phase3Chains      K = 1: min_ess 560, 1,150 per s; K = 8: min_ess 630, 1,270 per s
-// At 100,000 nodes a sparse graph store of mean degree 10 holds about 60 MB, so 8 chains take
-// some 0.5 GB beside the observed network; a dense store is refused there long before.
+// Measured (Release, this 2-core machine, nothing else running; three runs each):
+//   GofThreads        1 thread 247 to 252 ms, 2 threads 134 to 144 ms: 1.7 to 1.8 times
+//   Phase3Threads     1 thread 77 ms, 2 threads 39 ms: 1.95 times
+//   Phase3Chains      toggle:     K = 1 min_ess 13.9 (86 per s), K = 8 15.6 (98 per s)
+//                     tie/no-tie: K = 1 min_ess 41.2 (129 per s), K = 8 37.4 (117 per s)
+// At the same steps, 8 chains give about the effective draws one gives: their gain is that
+// they run side by side. Each chain holds a store: measured as the peak memory of
+// simulations at 100,000 nodes on the sparse stores, a graph of mean degree 10 takes about
+// 130 MB a chain, a digraph of a million arcs about 500 MB.
 #include <benchmark/benchmark.h>
 
 #include <cmath>

@@ -64,4 +64,18 @@ void check_task_memory(const RunSettings& s, NetworkKind kind, int parameters, d
         s.node_count, plan.other_bytes / gigabyte, available / gigabyte));
 }
 
+void check_copies_memory(const RunSettings& s, double store_bytes, int copies, double available) {
+    const double needed = store_bytes * copies;
+    if (available <= 0.0 || copies <= 0 || needed <= available) return;
+    const double gigabyte = 1e9;
+    const int fit = static_cast<int>(std::floor(available / store_bytes));
+    throw SettingError(format_message(
+        "vexa: run file '%s' (node_count %d): the %s's %d %s of the network need about %.2f GB "
+        "of memory (%.2f GB each), but %.2f GB are available (%d would fit: fewer chains need "
+        "less); the run was not started",
+        s.run_file.c_str(), s.node_count, task_name(s.task), copies,
+        copies == 1 ? "copy" : "copies", needed / gigabyte, store_bytes / gigabyte,
+        available / gigabyte, fit));
+}
+
 }  // namespace vexa

@@ -26,4 +26,10 @@ MemoryPlan task_memory(const RunSettings& settings, NetworkKind kind, int parame
 void check_task_memory(const RunSettings& settings, NetworkKind kind, int parameters,
                        double available, int chains = 1);
 
+// A network held in a sparse store grows with its ties, so its copies are reckoned once it is
+// read: throws SettingError naming the figures when `copies` copies of `store_bytes` each do
+// not fit in `available` bytes (0: unknown, nothing is refused).
+void check_copies_memory(const RunSettings& settings, double store_bytes, int copies,
+                         double available);
+
 }  // namespace vexa

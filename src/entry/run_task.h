@@ -365,6 +365,13 @@ void run_task(RunContext& context) {
     context.chains.networks_to_root = s.outputs.any();
     ChainSetup<Store> setup;
     task_detail::prepare(context, setup);
+    if constexpr (std::is_same_v<Store, SparseGraph> || std::is_same_v<Store, SparseDigraph>) {
+        // Every chain works on a copy of the network read; a simulation from one chain works
+        // on the network itself.
+        const int32_t K = context.chains.chains;
+        const int copies = s.task == Task::simulation && K == 1 ? 0 : K;
+        check_copies_memory(s, held_bytes(setup.observed), copies, available_memory_bytes());
+    }
     switch (s.task) {
         case Task::simulation: task_detail::simulate_task(context, setup, parameters); break;
         case Task::estimation: task_detail::estimation_task(context, setup, parameters); break;

@@ -29,6 +29,7 @@ public:
     void reserve(size_t expected);
     size_t size() const { return size_; }
     size_t capacity() const { return slots_.size(); }
+    double bytes() const { return static_cast<double>(slots_.capacity() * sizeof(Slot)); }
 
     int32_t get(uint64_t key) const {
         if (slots_.empty()) return 0;

@@ -95,6 +95,19 @@ void update_two_paths(SparseDigraph& d, int i, int j, int added) {
     }
 }
 
+double held_bytes(const SparseDigraph& d) {
+    const auto bytes_of = [](const auto& v) {
+        return static_cast<double>(v.capacity() * sizeof(v[0]));
+    };
+    double bytes = bytes_of(d.out_lists) + bytes_of(d.in_lists) + bytes_of(d.in_degree_values) +
+                   bytes_of(d.out_degree_values) + bytes_of(d.mutual_degree_values) +
+                   bytes_of(d.in_degree_histogram) + bytes_of(d.out_degree_histogram) +
+                   d.common_receivers.bytes() + d.common_senders.bytes() + d.two_paths.bytes();
+    for (const auto& list : d.out_lists) bytes += bytes_of(list);
+    for (const auto& list : d.in_lists) bytes += bytes_of(list);
+    return bytes;
+}
+
 void keep_only(SparseDigraph& d, Bookkeeping keep) {
     if (!keeps(keep, Bookkeeping::two_paths)) d.two_paths = PairTable{};
     if (!keeps(keep, Bookkeeping::common_senders)) d.common_senders = PairTable{};

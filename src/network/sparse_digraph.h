@@ -89,6 +89,9 @@ void update_two_paths(SparseDigraph& digraph, int i, int j, int added);
 // Drops (and frees) the tables `keep` leaves out, as the dense store's keep_only.
 void keep_only(SparseDigraph& digraph, Bookkeeping keep);
 
+// The bytes the store holds now (its lists, tables and arrays, at their capacity).
+double held_bytes(const SparseDigraph& digraph);
+
 // Reads an n x n matrix file as read_digraph does (the same notes and errors).
 SparseDigraph read_sparse_digraph(const std::string& path, int n, MatrixNotes* notes = nullptr);
 // A random digraph with exactly arc_target arcs, drawn as random_digraph_by_count draws them

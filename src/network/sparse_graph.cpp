@@ -148,6 +148,24 @@ void update_shared_partners(SparseGraph& g, int i, int j, int added) {
     }
 }
 
+namespace {
+
+template <class T>
+double vector_bytes(const std::vector<T>& v) {
+    return static_cast<double>(v.capacity() * sizeof(T));
+}
+
+}  // namespace
+
+double held_bytes(const SparseGraph& g) {
+    double bytes = vector_bytes(g.neighbours) + g.shared_partners.bytes() + vector_bytes(g.degree) +
+                   vector_bytes(g.degree_histogram) + vector_bytes(g.shared_partner_histogram) +
+                   vector_bytes(g.triangles) + vector_bytes(g.triangle_histogram) +
+                   vector_bytes(g.marks) + vector_bytes(g.partner_filter);
+    for (const auto& list : g.neighbours) bytes += vector_bytes(list);
+    return bytes;
+}
+
 void keep_only(SparseGraph& g, Bookkeeping keep) {
     const auto drop = [](auto& values) { std::exchange(values, {}); };
     if (!keeps(keep, Bookkeeping::shared_partners)) {

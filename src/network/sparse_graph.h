@@ -111,6 +111,9 @@ void update_shared_partners(SparseGraph& graph, int i, int j, int added);
 // Drops (and frees) the counts `keep` leaves out, as the dense store's keep_only.
 void keep_only(SparseGraph& graph, Bookkeeping keep);
 
+// The bytes the store holds now (its lists, tables and arrays, at their capacity).
+double held_bytes(const SparseGraph& graph);
+
 // Reads an n x n matrix file as read_graph does.
 SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes = nullptr);
 // A random graph with exactly edge_target edges, drawn as random_graph draws them (the same

@@ -95,5 +95,24 @@ TEST(MemoryPlan, TasksCountTheirStoresAndAreRefusedWhenTheyDoNotFit) {
     }
 }
 
+TEST(MemoryPlan, CopiesOfASparseNetworkAreRefusedWhenTheyDoNotFit) {
+    RunSettings s;
+    s.run_file = "big.txt";
+    s.node_count = 100000;
+    s.task = Task::goodness_of_fit;
+    EXPECT_NO_THROW(check_copies_memory(s, 0.5e9, 8, 0.0));  // unknown: not refused
+    EXPECT_NO_THROW(check_copies_memory(s, 0.5e9, 8, 4.1e9));
+    EXPECT_NO_THROW(check_copies_memory(s, 0.5e9, 0, 1.0));  // no copy made
+    try {
+        check_copies_memory(s, 0.5e9, 8, 2.2e9);
+        ADD_FAILURE() << "not refused";
+    } catch (const SettingError& e) {
+        EXPECT_EQ(std::string(e.what()),
+                  "vexa: run file 'big.txt' (node_count 100000): the goodness of fit's 8 copies "
+                  "of the network need about 4.00 GB of memory (0.50 GB each), but 2.20 GB are "
+                  "available (4 would fit: fewer chains need less); the run was not started");
+    }
+}
+
 }  // namespace
 }  // namespace vexa
