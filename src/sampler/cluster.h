@@ -39,7 +39,7 @@ std::vector<double> cluster_receive(int32_t from, int32_t chain);
 class ClusterSession {
 public:
     ClusterSession(int* argc, char*** argv);
-    ~ClusterSession();
+    ~ClusterSession();  // NOLINT(performance-trivially-destructible): not so with MPI
     ClusterSession(const ClusterSession&) = delete;
     ClusterSession& operator=(const ClusterSession&) = delete;
     void end_all(int status);
