@@ -33,6 +33,15 @@ std::map<std::string, std::string> files_of(const std::string& dir, const std::s
     return files;
 }
 
+RunOptions chain_options(uint32_t seed, int32_t chains, int32_t threads) {
+    RunOptions options;
+    options.fixed_seed = true;
+    options.seed = seed;
+    options.chains = chains;
+    options.threads = threads;
+    return options;
+}
+
 // The run file of `task` on a small network of `kind`, with per-sample files on.
 GraphRunFile small_run(const std::string& dir, NetworkKind kind, int task) {
     GraphRunFile file = kind == NetworkKind::graph
@@ -69,13 +78,10 @@ TEST(Chains, ThreadCountsNeverChangeAFile) {
                     "chains_" + std::to_string(static_cast<int>(kind)) + "_" +
                     std::to_string(task) + "_" + std::to_string(threads));
                 const GraphRunFile file = small_run(dir, kind, task);
-                RunOptions options;
-                options.fixed_seed = true;
-                options.seed = 5;
-                options.chains = 3;  // the samples do not divide evenly among them
-                options.threads = threads;
                 int status = -1;
-                const std::string console = testing::run_vexa_with(dir, file, options, &status);
+                // Three chains: the samples do not divide evenly among them.
+                const std::string console =
+                    testing::run_vexa_with(dir, file, chain_options(5, 3, threads), &status);
                 ASSERT_NE(status, 1) << console;
                 const auto files = files_of(dir, console);
                 if (threads == 1) {
@@ -102,12 +108,7 @@ TEST(Chains, SamplesFromSeveralChainsFollowAModelOfIndependentDyads) {
     file.burn_in = 1000;
     file.iterations = 800 * 300;
     file.samples = 800;
-    RunOptions options;
-    options.fixed_seed = true;
-    options.seed = 9;
-    options.chains = 4;
-    options.threads = 2;
-    testing::run_vexa_with(dir, file, options);
+    testing::run_vexa_with(dir, file, chain_options(9, 4, 2));
     const auto table = report_table(read_text(dir + "/out/gof_net.txt"),
                                     "effects\tobserved\tmean\tstddev\tt-ratio");
     const double p = 1.0 / (1.0 + std::exp(1.0));
@@ -137,12 +138,7 @@ TEST(Chains, PhaseThreePoolsItsChainsAndFindsTheClosedFormEstimate) {
     file.effects = {{"edge", {0.0, 0}}};
     file.task = 2;
     file.phase3 = 1000;
-    RunOptions options;
-    options.fixed_seed = true;
-    options.seed = 3;
-    options.chains = 4;
-    options.threads = 2;
-    testing::run_vexa_with(dir, file, options);
+    testing::run_vexa_with(dir, file, chain_options(3, 4, 2));
     const std::string convergence = read_text(dir + "/out/convergence_net.txt");
     EXPECT_NE(convergence.find("phase-3 chains\t4,"), std::string::npos) << convergence;
     const auto summary = testing::last_summary(read_text(dir + "/out/estimation_net.txt"));
