@@ -538,7 +538,8 @@ print.vexa_gof <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
   invisible(x)
 }
 
-vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto = TRUE) {
+vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto = TRUE,
+                     chains = NULL, threads = NULL) {
   if (!is.character(run_file) || length(run_file) != 1L || is.na(run_file)) {
     fail("run_file must be one file name")
   }
@@ -547,9 +548,12 @@ vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto 
   }
   if (!is.logical(auto) || length(auto) != 1L || is.na(auto)) fail("auto must be TRUE or FALSE")
   if (!is.null(sampler) && !(sampler %in% 0:3)) fail("sampler must be 0, 1, 2 or 3")
+  # The same checks as vexa_settings(); 0 takes the engine's default.
+  counts <- vexa_settings(chains = chains, threads = threads, progress = FALSE)
   started <- Sys.time()
   result <- .vexa_run_file(path.expand(run_file), check_seed(seed), check,
-                           if (is.null(sampler)) -1L else as.integer(sampler), auto)
+                           if (is.null(sampler)) -1L else as.integer(sampler), auto,
+                           as.integer(counts$chains %||% 0L), as.integer(counts$threads %||% 0L))
   if (nzchar(result$console)) message(sub("\n$", "", result$console))
   if (nzchar(result$error)) stop(vexa_error(result$error))
   if (isTRUE(result$not_converged)) {

@@ -24,8 +24,8 @@ BEGIN_RCPP
 END_RCPP
 }
 // vexa_run_file
-List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic);
-RcppExport SEXP _vexa_vexa_run_file(SEXP run_fileSEXP, SEXP seedSEXP, SEXP checkSEXP, SEXP samplerSEXP, SEXP automaticSEXP) {
+List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic, int chains, int threads);
+RcppExport SEXP _vexa_vexa_run_file(SEXP run_fileSEXP, SEXP seedSEXP, SEXP checkSEXP, SEXP samplerSEXP, SEXP automaticSEXP, SEXP chainsSEXP, SEXP threadsSEXP) {
 BEGIN_RCPP
     Rcpp::RObject rcpp_result_gen;
     Rcpp::RNGScope rcpp_rngScope_gen;
@@ -34,14 +34,16 @@ BEGIN_RCPP
     Rcpp::traits::input_parameter< bool >::type check(checkSEXP);
     Rcpp::traits::input_parameter< int >::type sampler(samplerSEXP);
     Rcpp::traits::input_parameter< bool >::type automatic(automaticSEXP);
-    rcpp_result_gen = Rcpp::wrap(vexa_run_file(run_file, seed, check, sampler, automatic));
+    Rcpp::traits::input_parameter< int >::type chains(chainsSEXP);
+    Rcpp::traits::input_parameter< int >::type threads(threadsSEXP);
+    rcpp_result_gen = Rcpp::wrap(vexa_run_file(run_file, seed, check, sampler, automatic, chains, threads));
     return rcpp_result_gen;
 END_RCPP
 }
 
 static const R_CallMethodDef CallEntries[] = {
     {"_vexa_vexa_task", (DL_FUNC) &_vexa_vexa_task, 3},
-    {"_vexa_vexa_run_file", (DL_FUNC) &_vexa_vexa_run_file, 5},
+    {"_vexa_vexa_run_file", (DL_FUNC) &_vexa_vexa_run_file, 7},
     {NULL, NULL, 0}
 };
 

@@ -412,10 +412,13 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
 }
 
 // [[Rcpp::export(.vexa_run_file)]]
-List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic) {
+List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic,
+                   int chains, int threads) {
     vexa::RunOptions options;
     set_options(options, seed, check, sampler);
     options.automatic = automatic;
+    options.chains = chains;
+    options.threads = threads;
     // Moves no bar, but lets the user interrupt the run.
     BarState bar;
     const vexa::Observer interrupts = bar_observer(bar);

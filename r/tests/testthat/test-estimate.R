@@ -114,3 +114,25 @@ test_that("a request and the bundled run file give the same estimate", {
   expect_equal(sprintf("%f", coef(fit)), from_file)
   expect_equal(nrow(fit$trace), 7L)
 })
+
+test_that("a run file's chains give the same files on one thread as on two", {
+  dir <- tempfile("vexa-chains")
+  dir.create(dir)
+  extdata <- system.file("extdata", package = "vexa")
+  file.copy(file.path(extdata, c("flomarriage_alternating.txt", "flomarriage.txt")), dir)
+  old <- setwd(dir)
+  on.exit(setwd(old))
+  dir.create("out")
+  report <- file.path("out", "estimation_flomarriage_alternating.txt")
+  run <- function(threads) {
+    unlink(list.files("out", full.names = TRUE))  # the report is appended to, run after run
+    suppressWarnings(suppressMessages(
+      vexa_run("flomarriage_alternating.txt", seed = 2, auto = FALSE, chains = 3,
+               threads = threads)))
+    readLines(report)
+  }
+  expect_identical(run(1), run(2))
+  expect_true(any(grepl("^phase-3 chains\t3,",
+                        readLines(file.path("out", "convergence_flomarriage_alternating.txt")))))
+  expect_error(vexa_run("flomarriage_alternating.txt", chains = 0), "chains")
+})
