@@ -1,6 +1,8 @@
 #include "base/memory.h"
 
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
@@ -50,6 +52,14 @@ double available_memory_bytes() {
         return static_cast<double>(pages) * static_cast<double>(page_size);
 #endif
     return 0.0;
+}
+
+double available_disk_bytes(const std::string& directory) {
+    std::error_code error;
+    const std::filesystem::space_info space =
+        std::filesystem::space(directory.empty() ? "." : directory, error);
+    if (error) return 0.0;
+    return static_cast<double>(space.available);
 }
 
 }  // namespace vexa

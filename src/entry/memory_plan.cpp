@@ -64,6 +64,29 @@ void check_task_memory(const RunSettings& s, NetworkKind kind, int parameters, d
         s.node_count, plan.other_bytes / gigabyte, available / gigabyte));
 }
 
+void check_sample_files_disk(const RunSettings& s, double available) {
+    if (!s.outputs.pajek || available <= 0.0) return;
+    double samples = 0.0;
+    if (s.task == Task::bayesian_goodness_of_fit) {
+        samples = s.sample_count;
+    } else if (s.task == Task::estimation) {
+        samples = s.gof_after_estimation ? 1000.0 : 0.0;
+    } else if (s.thinning_interval >= 1.0) {
+        samples = std::floor(s.iterations / s.thinning_interval);
+    }
+    const double n = s.node_count;
+    const double each = 2.0 * (2.0 * n * n + n);  // two matrices of "0 " or "1 " cells
+    const double needed = samples * each;
+    if (needed <= available) return;
+    const double gigabyte = 1e9;
+    throw SettingError(format_message(
+        "vexa: run file '%s' (node_count %d): the network files of %.0f samples would take about "
+        "%.1f GB (%.3f GB a sample), but %.1f GB are free in the output directory '%s'; switch "
+        "the Pajek output off, or keep fewer samples; the run was not started",
+        s.run_file.c_str(), s.node_count, samples, needed / gigabyte, each / gigabyte,
+        available / gigabyte, s.output_directory.c_str()));
+}
+
 void check_copies_memory(const RunSettings& s, double store_bytes, int copies, double available) {
     const double needed = store_bytes * copies;
     if (available <= 0.0 || copies <= 0 || needed <= available) return;

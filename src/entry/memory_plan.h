@@ -26,6 +26,11 @@ MemoryPlan task_memory(const RunSettings& settings, NetworkKind kind, int parame
 void check_task_memory(const RunSettings& settings, NetworkKind kind, int parameters,
                        double available, int chains = 1);
 
+// Each sample's network files (its matrix file and its block of the Pajek file, about 2 n^2
+// bytes each) grow with n^2: throws SettingError naming the figures when the samples the run
+// keeps would not fit in `available` bytes of disk (0: unknown, nothing is refused).
+void check_sample_files_disk(const RunSettings& settings, double available);
+
 // A network held in a sparse store grows with its ties, so its copies are reckoned once it is
 // read: throws SettingError naming the figures when `copies` copies of `store_bytes` each do
 // not fit in `available` bytes (0: unknown, nothing is refused).

@@ -363,6 +363,7 @@ void run_task(RunContext& context) {
     // hear a chain's samples from the chain's thread.
     context.chains.calling_thread_events = context.observer != nullptr;
     context.chains.networks_to_root = s.outputs.any();
+    if (context.write_files) check_sample_files_disk(s, available_disk_bytes(s.output_directory));
     ChainSetup<Store> setup;
     task_detail::prepare(context, setup);
     if constexpr (std::is_same_v<Store, SparseGraph> || std::is_same_v<Store, SparseDigraph>) {

@@ -95,6 +95,32 @@ TEST(MemoryPlan, TasksCountTheirStoresAndAreRefusedWhenTheyDoNotFit) {
     }
 }
 
+TEST(MemoryPlan, SampleNetworkFilesThatWouldFillTheDiskAreRefused) {
+    // 100 samples of a 100,000-node network: two matrices of 2 x 10^10 bytes each a sample.
+    RunSettings s;
+    s.run_file = "big.txt";
+    s.output_directory = "out";
+    s.node_count = 100000;
+    s.task = Task::simulation;
+    s.iterations = 1e6;
+    s.thinning_interval = 1e4;
+    s.outputs.pajek = true;
+    EXPECT_NO_THROW(check_sample_files_disk(s, 0.0));  // unknown: not refused
+    EXPECT_NO_THROW(check_sample_files_disk(s, 4.1e12));
+    try {
+        check_sample_files_disk(s, 7.3e10);
+        ADD_FAILURE() << "not refused";
+    } catch (const SettingError& e) {
+        EXPECT_EQ(std::string(e.what()),
+                  "vexa: run file 'big.txt' (node_count 100000): the network files of 100 samples "
+                  "would take about 4000.0 GB (40.000 GB a sample), but 73.0 GB are free in the "
+                  "output directory 'out'; switch the Pajek output off, or keep fewer samples; "
+                  "the run was not started");
+    }
+    s.outputs.pajek = false;
+    EXPECT_NO_THROW(check_sample_files_disk(s, 7.3e10));
+}
+
 TEST(MemoryPlan, CopiesOfASparseNetworkAreRefusedWhenTheyDoNotFit) {
     RunSettings s;
     s.run_file = "big.txt";
