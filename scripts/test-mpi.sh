@@ -42,7 +42,7 @@ check() {
     fi
 }
 check flomarriage_alternating 2 --chains 4
-check samplike_estimation 2 --auto
+check samplike_estimation 2 --auto --check
 check flomarriage_gof 3 --chains 5 --threads 2
 check samplike_gof 2 --chains 4
 check flomarriage_bayes 2 --chains 3

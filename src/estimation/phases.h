@@ -279,57 +279,35 @@ bool finish_phase3(RunState<Store>& r, Matrix final_draws) {
     return true;
 }
 
-// Phase 3's chains: the run's own and copies of its network, each from a seed of its own and a
-// burn-in of a tenth of the draws it will take (of `N3` in all), so that K chains take as
-// many steps as one.
-template <class Store>
-void start_phase3_chains(RunState<Store>& r, SeedSource& seeds, int N3, Relay& relay) {
-    const int32_t K = r.settings.chains.chains;
-    const uint32_t base = seeds.next_seed();
-    lend_chain(r.phase3, r.chain, base);
-    for (int32_t k = 1; k < K; ++k) {
-        add_chain(r.phase3, *r.chain.terms, r.chain.settings, *r.chain.store, r.chain.store->kept,
-                  r.chain.statistic_count(), base);
-    }
-    run_rounds(r.settings.chains, 1, relay, [&](int32_t k, int32_t) {
-        if (!r.settings.chains.cluster.owns(k)) return;
-        Chain<Store>& chain = r.phase3[k];
-        r.phase3.seeds[static_cast<size_t>(k)].reseed(*chain.rng);
-        const double draws = static_cast<double>(pieces_of(N3, K, k));
-        run_steps_relayed(chain, r.theta.data(), draws * 0.1 * r.K, relay);
-    });
-}
-
 // Rows `first` .. first + count - 1 of phase 3's draws from its chains: row i from chain
-// i mod K, whose draws stay in their order. Their mean is left in r.mean.
+// i mod K. At the first call the chains start: the run's own and copies of its network, each
+// from a seed of its own and a burn-in of a tenth of the draws it will take, so that K chains
+// take as many steps as one. The draws' mean is left in r.mean.
 template <class Store>
 Matrix draw_side_by_side(RunState<Store>& r, SeedSource& seeds, int first, int count) {
-    const int32_t K = r.settings.chains.chains;
+    const ChainPlan& plan = r.settings.chains;
+    const int32_t K = plan.chains;
     r.run.phase3_chains = K;
     Relay relay;
     relay.observer = &r.observer;
     relay.stage = Stage::phase3;
     relay.base_done = r.steps.done;
     relay.total = r.steps.total;
-    if (r.phase3.count() == 0) start_phase3_chains(r, seeds, first + count, relay);
-    Matrix rows = make_matrix(std::max(count, 0), static_cast<int>(r.count), 0.0);
-    // Spread over processes, each fills the rows of its own chains, and the sum over the
-    // processes is every row (the others' entries are 0).
-    const Cluster& cluster = r.settings.chains.cluster;
+    if (r.phase3.count() == 0) {
+        chains_from(r.phase3, r.chain, K, seeds);
+        burn_in_chains(r.phase3, plan, r.theta.data(), relay, [&](int32_t k) {
+            return static_cast<double>(pieces_of(first + count, K, k)) * 0.1 * r.K;
+        });
+    }
     std::vector<double> extreme(static_cast<size_t>(K), 0.0);
-    run_rounds(r.settings.chains, 1, relay, [&](int32_t k, int32_t) {
-        if (!cluster.owns(k)) return;
-        Chain<Store>& chain = r.phase3[k];
-        const int start = first + ((k - first % K) % K + K) % K;
-        for (int i = start; i < first + count; i += K) {
-            run_steps_relayed(chain, r.theta.data(), r.K, relay);
-            if (at_extreme(*chain.store, r.observed_ties)) extreme[static_cast<size_t>(k)] = 1.0;
-            for (size_t l = 0; l < r.count; ++l) rows[i - first][l] = chain.statistics[l];
-        }
-    });
+    Matrix rows =
+        draw_rows(r.phase3, plan, r.theta.data(), first, count, r.K, static_cast<int>(r.count),
+                  relay, [&](int32_t k, const Chain<Store>& c) {
+                      if (at_extreme(*c.store, r.observed_ties))
+                          extreme[static_cast<size_t>(k)] = 1.0;
+                  });
     r.steps.advance(static_cast<double>(relay.steps_done.load()));
-    cluster_sum(cluster, rows.data);
-    cluster_sum(cluster, extreme);
+    cluster_sum(plan.cluster, extreme);
     for (const double e : extreme) r.extreme = r.extreme || e != 0.0;
     std::fill(r.mean.begin(), r.mean.end(), 0.0);
     for (int i = 0; i < rows.rows; ++i)

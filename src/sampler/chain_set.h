@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "network/bookkeeping.h"
+#include "numeric/matrix.h"
 #include "numeric/rng.h"
 #include "sampler/chain.h"
 #include "sampler/runs.h"
@@ -93,6 +94,55 @@ double run_steps_relayed(Chain<Store>& chain, const double* parameters, double s
     accepted += run_steps(chain, parameters, steps - done);
     if (steps > done) relay.advance(static_cast<uint64_t>(std::ceil(steps - done)));
     return accepted;
+}
+
+// Burns in each of this process's chains of the set from a fresh seed of its own: chain k for
+// burn_in(k) steps.
+template <class Store, class BurnIn>
+void burn_in_chains(ChainSet<Store>& set, const ChainPlan& plan, const double* theta, Relay& relay,
+                    BurnIn&& burn_in) {
+    run_rounds(plan, 1, relay, [&](int32_t k, int32_t) {
+        if (!plan.cluster.owns(k)) return;
+        Chain<Store>& chain = set[k];
+        set.seeds[static_cast<size_t>(k)].reseed(*chain.rng);
+        run_steps_relayed(chain, theta, burn_in(k), relay);
+    });
+}
+
+// Rows first .. first + count - 1 of draws dealt round-robin over the set's chains: row i from
+// chain i mod K, which takes `steps` steps before each of its draws, so each chain's draws keep
+// their order. Each process runs its own chains; the others' rows come in by the sum over the
+// processes. `each(k, chain)` is called after every draw.
+template <class Store, class Each>
+Matrix draw_rows(ChainSet<Store>& set, const ChainPlan& plan, const double* theta, int first,
+                 int count, double steps, int columns, Relay& relay, Each&& each) {
+    const int32_t K = set.count();
+    Matrix rows = make_matrix(std::max(count, 0), columns, 0.0);
+    run_rounds(plan, 1, relay, [&](int32_t k, int32_t) {
+        if (!plan.cluster.owns(k)) return;
+        Chain<Store>& chain = set[k];
+        const int start = first + ((k - first % K) % K + K) % K;
+        for (int i = start; i < first + count; i += K) {
+            run_steps_relayed(chain, theta, steps, relay);
+            each(k, chain);
+            for (int l = 0; l < columns; ++l)
+                rows[i - first][l] = chain.statistics[static_cast<size_t>(l)];
+        }
+    });
+    cluster_sum(plan.cluster, rows.data);
+    return rows;
+}
+
+// Adds `chain` (the caller's) and K - 1 chains on copies of its network, their seeds from one
+// seeding of the run.
+template <class Store>
+void chains_from(ChainSet<Store>& set, Chain<Store>& chain, int32_t K, SeedSource& seeds) {
+    const uint32_t base = seeds.next_seed();
+    lend_chain(set, chain, base);
+    for (int32_t k = 1; k < K; ++k) {
+        add_chain(set, *chain.terms, chain.settings, *chain.store, chain.store->kept,
+                  chain.statistic_count(), base);
+    }
 }
 
 }  // namespace vexa
