@@ -37,7 +37,7 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
   number_setting(burn_in, "burn_in")
   number_setting(iterations, "iterations", 1)
   whole_setting(samples, "samples", 1)
-  if (!is.null(sampler) && (length(sampler) != 1L || !(sampler %in% c(0:3, proposals)))) {
+  if (!is.null(sampler) && (length(sampler) != 1L || !(sampler %in% c(0:4, proposals)))) {
     fail("setting 'sampler' must be one of ", paste(dQuote(proposals, FALSE), collapse = ", "),
          " or a number from 0 to 3")
   }
@@ -203,13 +203,15 @@ check_seed <- function(seed) {
 }
 
 # The proposals of the sampler by name; a number (as a run file gives it) names one of them,
-# 2 being the receiver move on a digraph and the toggle on a graph.
-proposals <- c("toggle", "swap", "receiver_move", "tie_no_tie")
+# 2 being the receiver move on a digraph and the toggle on a graph, 4 the closure proposal on a
+# graph and the tie/no-tie proposal on a digraph.
+proposals <- c("toggle", "swap", "receiver_move", "tie_no_tie", "closure")
 
 proposal_name <- function(sampler, directed) {
   if (is.null(sampler)) return("toggle")
   if (is.character(sampler)) return(sampler)
-  c("toggle", "swap", if (directed) "receiver_move" else "toggle", "tie_no_tie")[sampler + 1L]
+  c("toggle", "swap", if (directed) "receiver_move" else "toggle", "tie_no_tie",
+    if (directed) "tie_no_tie" else "closure")[sampler + 1L]
 }
 
 # The run file's number of the proposal a user named; -1 when none was named, which leaves the
@@ -547,7 +549,7 @@ vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto 
     fail("check must be TRUE or FALSE")
   }
   if (!is.logical(auto) || length(auto) != 1L || is.na(auto)) fail("auto must be TRUE or FALSE")
-  if (!is.null(sampler) && !(sampler %in% 0:3)) fail("sampler must be 0, 1, 2 or 3")
+  if (!is.null(sampler) && !(sampler %in% 0:4)) fail("sampler must be 0, 1, 2, 3 or 4")
   # The same checks as vexa_settings(); 0 takes the engine's default.
   counts <- vexa_settings(chains = chains, threads = threads, progress = FALSE)
   started <- Sys.time()

@@ -272,6 +272,7 @@ vexa::Proposal proposal_named(const std::string& name) {
     if (name == "swap") return vexa::Proposal::swap;
     if (name == "receiver_move") return vexa::Proposal::receiver_move;
     if (name == "tie_no_tie") return vexa::Proposal::tie_no_tie;
+    if (name == "closure") return vexa::Proposal::closure;
     return vexa::Proposal::toggle;
 }
 

@@ -32,6 +32,7 @@
 #include "report/statistics_report.h"
 #include "report/update_files.h"
 #include "sampler/feasibility.h"
+#include "sampler/proposal_choice.h"
 #include "simulation/chains_sampling.h"
 
 namespace vexa {
@@ -96,15 +97,6 @@ void check_degree_cap(const RunSettings& s, const Store& observed) {
     if (capped(top) > s.degree_cap) refuse_cap_below(s, Store::kind, top, capped(top));
 }
 
-// The automatic mode's proposal: the tie/no-tie proposal in place of the toggle on a sparse
-// network, where a toggle of a uniform dyad nearly always proposes a tie the model rejects.
-// Proposals that keep a count fixed define another model and stay.
-inline constexpr double auto_tie_no_tie_density = 0.2;
-inline Proposal automatic_proposal(Proposal asked, double density) {
-    return asked == Proposal::toggle && density < auto_tie_no_tie_density ? Proposal::tie_no_tie
-                                                                          : asked;
-}
-
 // The network, the terms and the sampler's settings, and the start statistics written.
 template <class Store>
 void prepare(RunContext& context, ChainSetup<Store>& setup) {
@@ -134,7 +126,7 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
     }
     setup.sampler.proposal = s.proposal;
     if (context.automatic && !context.sampler_named)
-        setup.sampler.proposal = automatic_proposal(s.proposal, density(setup.observed));
+        setup.sampler.proposal = automatic_proposal(s.proposal, setup.observed, setup.terms);
     setup.sampler.max_degree = s.degree_cap;
     setup.sampler.mask = setup.mask.get();
     check_proposals_possible(setup.observed, setup.sampler);

@@ -40,8 +40,7 @@ TieReads model_reads(const std::vector<Term<Store>>& terms) {
 // Whether a chain under these settings may reach every network on `n` nodes (within the
 // mask's dyads): the single-dyad proposals and no degree cap that could bind.
 inline bool samples_every_network(const SamplerSettings& sampler, int n) {
-    const bool free_proposal =
-        sampler.proposal == Proposal::toggle || sampler.proposal == Proposal::tie_no_tie;
+    const bool free_proposal = sampler.proposal == Proposal::toggle || lists_ties(sampler.proposal);
     return free_proposal && sampler.max_degree >= n - 1 && sampler.max_in_degree >= n - 1;
 }
 

@@ -29,15 +29,17 @@ enum class Proposal : int32_t {
     swap,           // a tie moves to a non-tie: the number of ties stays
     receiver_move,  // digraphs: an arc moves to another receiver of its sender (out-degrees stay)
     tie_no_tie,     // a present tie half of the time, else any dyad: fast on sparse networks
+    closure,        // graphs: a present tie, a dyad closing a two-path, or any dyad
 };
 
 // The proposal a sampler code (of a run file or a command line) selects for a network kind:
-// 1 the swap, 2 on a digraph the receiver move, 3 the tie/no-tie proposal, anything else the
-// toggle (a graph has no receiver move, so its code 2 is the toggle).
+// 1 the swap, 2 on a digraph the receiver move, 3 the tie/no-tie proposal, 4 on a graph the
+// closure proposal, anything else the toggle (a graph has no receiver move, so its code 2 is
+// the toggle; a digraph has no closure proposal, so its code 4 is the tie/no-tie proposal).
 Proposal proposal_of(int32_t code, NetworkKind kind);
 
 // The proposal's name for a kind: "toggle", "edge swap" or "arc swap", "receiver move",
-// "tie/no-tie".
+// "tie/no-tie", "closure".
 const char* proposal_name(Proposal proposal, NetworkKind kind);
 
 struct SamplerSettings {
@@ -78,10 +80,15 @@ uint64_t dyad_key(int i, int j) {
     return TieList::key(i, j);
 }
 
-// Fills the tie list from the store (for the tie/no-tie proposal only).
+// Whether a proposal draws from the chain's tie list.
+inline bool lists_ties(Proposal proposal) {
+    return proposal == Proposal::tie_no_tie || proposal == Proposal::closure;
+}
+
+// Fills the tie list from the store (for the proposals that draw from it only).
 template <class Store>
 void list_ties(Chain<Store>& chain) {
-    if (chain.settings.proposal != Proposal::tie_no_tie) return;
+    if (!lists_ties(chain.settings.proposal)) return;
     const Store& store = *chain.store;
     const double n = store.node_count;
     const DyadMask* mask = chain.settings.mask;
@@ -159,13 +166,13 @@ std::vector<double> statistics_of(const Store& store, const std::vector<Term<Sto
 
 // The counts a chain's store keeps: what its terms need, and what saves them work where that
 // pays. The toggle and the count-keeping moves refuse most proposals, so a count that spares
-// every proposal a walk is worth its upkeep on the few accepted; the tie/no-tie proposal
-// accepts most of its own (measured at 1,000 nodes under arc, reciprocity, AT-T and A2P-T:
-// the toggle 18 % slower without AT-T's helping counts, the tie/no-tie proposal faster).
+// every proposal a walk is worth its upkeep on the few accepted; the proposals that draw from
+// the tie list accept most of their own (measured at 1,000 nodes under arc, reciprocity, AT-T and
+// A2P-T: the toggle 18 % slower without AT-T's helping counts, the tie/no-tie proposal faster).
 template <class Store>
 Bookkeeping chain_keeps(const std::vector<Term<Store>>& terms, Proposal proposal) {
     const Bookkeeping needs = needs_of(terms);
-    return proposal == Proposal::tie_no_tie ? needs : needs | helps_of(terms);
+    return lists_ties(proposal) ? needs : needs | helps_of(terms);
 }
 
 // What every chain of a task starts from: the observed network (a simulation's random start),

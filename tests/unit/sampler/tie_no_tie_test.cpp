@@ -1,8 +1,9 @@
-// The tie/no-tie proposal samples the same distribution as the toggle: on a graph of 5 nodes
-// and a digraph of 4, where every network can be enumerated, the long-run frequencies of the
-// edge count (graph) or of the arc and mutual-dyad counts together (digraph) match their exact
-// probabilities (chi-square tests at fixed seeds) for both proposals. (The long-run means on 30
-// nodes are compared among the slow statistical checks.)
+// The tie/no-tie and closure proposals sample the same distribution as the toggle: on a graph
+// of 5 nodes and a digraph of 4, where every network can be enumerated, the long-run
+// frequencies of the edge and triangle counts together (graph) or of the arc and mutual-dyad
+// counts together (digraph) match their exact probabilities (chi-square tests at fixed seeds)
+// for every proposal of the kind. (The long-run means on 30 nodes are compared among the slow
+// statistical checks.)
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "effects/graph/graph_counts.h"
+#include "sampler/proposal_choice.h"
 #include "sampler/runs.h"
 #include "support/kinds.h"
 
@@ -57,7 +60,9 @@ void expect_exact_distribution(int n, const std::vector<int>& rows,
         total += std::exp(score);
     }
     for (double& p : exact) p /= total;
-    for (const Proposal proposal : {Proposal::toggle, Proposal::tie_no_tie}) {
+    std::vector<Proposal> proposals{Proposal::toggle, Proposal::tie_no_tie};
+    if (Store::kind == NetworkKind::graph) proposals.push_back(Proposal::closure);
+    for (const Proposal proposal : proposals) {
         typename Fixture::Matrix start(n);
         for (const auto& [a, b] : fixed_ties) start.set(a, b, true);
         Store store = Fixture::build(start);
@@ -85,11 +90,25 @@ void expect_exact_distribution(int n, const std::vector<int>& rows,
     }
 }
 
+// Edges * 11 + triangles: a 5-node graph has at most 10 of each.
+template <class G>
+int edges_and_triangles(const G& g) {
+    return g.edge_count * 11 + static_cast<int>(graph_terms::triangle_count(g));
+}
+
 TEST(TieNoTie, SamplesTheExactDistributionOfASmallGraphLikeTheToggle) {
-    // 5 nodes: 10 dyads, 1,024 graphs; the cells are the edge counts.
-    expect_exact_distribution<Graph>(
-        5, {int(GraphEffect::edge), int(GraphEffect::star2), int(GraphEffect::triangle)},
-        {-0.8, 0.15, 0.4}, 25, 11, [](const Graph& g) { return g.edge_count; });
+    // 5 nodes: 10 dyads, 1,024 graphs. The closure proposal's two-path draws weigh a dyad by
+    // its common neighbours' degrees, so a ratio that missed a term would shift the triangles
+    // first: they are part of the cell. Both stores, as their neighbour lists differ.
+    const std::vector<int> rows{int(GraphEffect::edge), int(GraphEffect::star2),
+                                int(GraphEffect::triangle)};
+    const std::vector<double> theta{-0.8, 0.15, 0.4};
+    expect_exact_distribution<Graph>(5, rows, theta, 25, 11 * 11, edges_and_triangles<Graph>);
+    expect_exact_distribution<SparseGraph>(5, rows, theta, 25, 11 * 11,
+                                           edges_and_triangles<SparseGraph>);
+    // A clustered regime: the alternating triangles pull towards closed triads.
+    expect_exact_distribution<Graph>(5, {int(GraphEffect::edge), int(GraphEffect::at)}, {-1.5, 1.0},
+                                     25, 11 * 11, edges_and_triangles<Graph>);
 }
 
 TEST(TieNoTie, SamplesTheExactDistributionOfASmallDigraphLikeTheToggle) {
@@ -118,6 +137,44 @@ TEST(TieNoTie, KeepsTheExactDistributionWhereAConstraintFixesOneArcOfADyad) {
         4, {int(DigraphEffect::arc), int(DigraphEffect::reciprocity), int(DigraphEffect::at_t)},
         {-0.5, 1.2, 0.3}, 30, 12 * 7,
         [](const Digraph& d) { return d.arc_count * 7 + d.mutual_count; }, &mask, {{0, 1}});
+}
+
+TEST(TieNoTie, TheAutomaticModeTakesTheClosureProposalOnClusteredGraphs) {
+    using Fixture = testing::KindFixture<Graph>;
+    // Triangle 0-1-2 with a pendant 2-3: degrees 2, 2, 3, 1 give 1 + 1 + 3 two-stars, and the
+    // triangle closes 3 of them.
+    Fixture::Matrix pendant(4);
+    for (const auto& [a, b] : {std::pair{0, 1}, {1, 2}, {0, 2}, {2, 3}}) pendant.set(a, b, true);
+    EXPECT_DOUBLE_EQ(transitivity(Fixture::build(pendant)), 0.6);
+
+    // Four separate triangles on 12 nodes (density 12/66, every two-path closed), and a ring of
+    // 12 (density 12/66, none closed).
+    Fixture::Matrix triangles(12), ring(12);
+    for (int t = 0; t < 12; t += 3) {
+        triangles.set(t, t + 1, true), triangles.set(t + 1, t + 2, true);
+        triangles.set(t, t + 2, true);
+    }
+    for (int v = 0; v < 12; ++v) ring.set(v, (v + 1) % 12, true);
+    const Graph clustered = Fixture::build(triangles);
+    const Graph open = Fixture::build(ring);
+    const auto terms = [](std::vector<int> rows) {
+        return make_terms<Graph>(testing::model_of(NetworkKind::graph, rows));
+    };
+    const auto with_at = terms({int(GraphEffect::edge), int(GraphEffect::at)});
+    const auto edge_only = terms({int(GraphEffect::edge)});
+    EXPECT_EQ(automatic_proposal(Proposal::toggle, clustered, with_at), Proposal::closure);
+    EXPECT_EQ(automatic_proposal(Proposal::toggle, clustered, edge_only), Proposal::tie_no_tie);
+    EXPECT_EQ(automatic_proposal(Proposal::toggle, open, with_at), Proposal::tie_no_tie);
+    // Dense networks keep the toggle; count-keeping proposals are another model and stay.
+    Fixture::Matrix full(5);
+    for (int a = 0; a < 5; ++a)
+        for (int b = a + 1; b < 5; ++b) full.set(a, b, true);
+    EXPECT_EQ(automatic_proposal(Proposal::toggle, Fixture::build(full), with_at),
+              Proposal::toggle);
+    EXPECT_EQ(automatic_proposal(Proposal::swap, clustered, with_at), Proposal::swap);
+    // A digraph has no closure proposal, and code 4 asks a graph for it.
+    EXPECT_EQ(proposal_of(4, NetworkKind::graph), Proposal::closure);
+    EXPECT_EQ(proposal_of(4, NetworkKind::digraph), Proposal::tie_no_tie);
 }
 
 }  // namespace
