@@ -5,7 +5,7 @@
     .Call(`_vexa_vexa_task`, request, seed, progress)
 }
 
-.vexa_run_file <- function(run_file, seed, check, sampler, automatic, chains, threads) {
-    .Call(`_vexa_vexa_run_file`, run_file, seed, check, sampler, automatic, chains, threads)
+.vexa_run_file <- function(run_file, seed, check, sampler, automatic, chains, threads, equilibrium) {
+    .Call(`_vexa_vexa_run_file`, run_file, seed, check, sampler, automatic, chains, threads, equilibrium)
 }
 

@@ -28,7 +28,7 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
                           phase3_steps = 500, burn_in = 10000, iterations = 100000,
                           samples = 1000, sampler = NULL, degree_cap = NULL, check = FALSE,
                           progress = interactive(), output_dir = NULL, chains = NULL,
-                          threads = NULL) {
+                          threads = NULL, method = "sa") {
   whole_setting(runs, "runs", 1)
   whole_setting(subphases, "subphases", 0)
   number_setting(gain, "gain")
@@ -39,7 +39,11 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
   whole_setting(samples, "samples", 1)
   if (!is.null(sampler) && (length(sampler) != 1L || !(sampler %in% c(0:4, proposals)))) {
     fail("setting 'sampler' must be one of ", paste(dQuote(proposals, FALSE), collapse = ", "),
-         " or a number from 0 to 3")
+         " or a number from 0 to 4")
+  }
+  if (!is.character(method) || length(method) != 1L || !(method %in% c("sa", "ee"))) {
+    fail("setting 'method' must be \"sa\" (stochastic approximation) or \"ee\" ",
+         "(equilibrium expectation)")
   }
   if (!is.null(degree_cap)) whole_setting(degree_cap, "degree_cap", 0)
   if (!is.null(chains)) {
@@ -58,7 +62,8 @@ vexa_settings <- function(runs = 3, subphases = 5, gain = 0.1, multiplication_fa
                  burn_in = burn_in, iterations = iterations, samples = samples,
                  sampler = sampler, degree_cap = degree_cap, check = check,
                  progress = if (is.function(progress)) progress else isTRUE(progress),
-                 output_dir = output_dir, chains = chains, threads = threads),
+                 output_dir = output_dir, chains = chains, threads = threads,
+                 method = method),
             class = "vexa_settings")
 }
 
@@ -541,7 +546,7 @@ print.vexa_gof <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {
 }
 
 vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto = TRUE,
-                     chains = NULL, threads = NULL) {
+                     chains = NULL, threads = NULL, method = "sa") {
   if (!is.character(run_file) || length(run_file) != 1L || is.na(run_file)) {
     fail("run_file must be one file name")
   }
@@ -551,11 +556,12 @@ vexa_run <- function(run_file, seed = NULL, check = FALSE, sampler = NULL, auto 
   if (!is.logical(auto) || length(auto) != 1L || is.na(auto)) fail("auto must be TRUE or FALSE")
   if (!is.null(sampler) && !(sampler %in% 0:4)) fail("sampler must be 0, 1, 2, 3 or 4")
   # The same checks as vexa_settings(); 0 takes the engine's default.
-  counts <- vexa_settings(chains = chains, threads = threads, progress = FALSE)
+  counts <- vexa_settings(chains = chains, threads = threads, progress = FALSE, method = method)
   started <- Sys.time()
   result <- .vexa_run_file(path.expand(run_file), check_seed(seed), check,
                            if (is.null(sampler)) -1L else as.integer(sampler), auto,
-                           as.integer(counts$chains %||% 0L), as.integer(counts$threads %||% 0L))
+                           as.integer(counts$chains %||% 0L), as.integer(counts$threads %||% 0L),
+                           method == "ee")
   if (nzchar(result$console)) message(sub("\n$", "", result$console))
   if (nzchar(result$error)) stop(vexa_error(result$error))
   if (isTRUE(result$not_converged)) {

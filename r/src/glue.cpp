@@ -358,6 +358,9 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
         request.containsElementNamed("automatic") && Rcpp::as<bool>(request["automatic"]);
     r.options.chains = whole(settings, "chains", 0);
     r.options.threads = whole(settings, "threads", 0);
+    if (settings.containsElementNamed("method") &&
+        Rcpp::as<std::string>(settings["method"]) == "ee")
+        r.options.method = vexa::EstimationMethod::equilibrium_expectation;
     r.keep_networks = Rcpp::as<bool>(request["keep_networks"]);
 
     BarState bar;
@@ -414,10 +417,11 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
 
 // [[Rcpp::export(.vexa_run_file)]]
 List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic,
-                   int chains, int threads) {
+                   int chains, int threads, bool equilibrium) {
     vexa::RunOptions options;
     set_options(options, seed, check, sampler);
     options.automatic = automatic;
+    if (equilibrium) options.method = vexa::EstimationMethod::equilibrium_expectation;
     options.chains = chains;
     options.threads = threads;
     // Moves no bar, but lets the user interrupt the run.

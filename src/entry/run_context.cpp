@@ -35,6 +35,7 @@ bool network_kind_of(int32_t code, NetworkKind& kind) {
 void take_options(RunContext& context, const RunOptions& options) {
     context.confirm = options.confirm;
     context.automatic = options.automatic;
+    context.method = options.method;
     context.store = options.store;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;

@@ -91,6 +91,8 @@ struct RunOptions {
     // The automatic mode: starting values, proposal, steps between draws and phase-3 length
     // chosen for the network (see estimation/automatic.h).
     bool automatic = false;
+    // How an estimation's phase 2 finds the estimate; the run file has no say in it.
+    EstimationMethod method = EstimationMethod::stochastic_approximation;
     // A sampler code (as a run file gives it) that overrides the run file's; -1: none.
     int32_t sampler_code = -1;
     StoreChoice store = StoreChoice::automatic;
@@ -124,10 +126,11 @@ struct RunContext {
     OutputNames names;
     Rng rng;
     SeedSource seeds;
-    FILE* console = stdout;      // the run's messages
-    BarTerminal bars;            // where progress bars go (standard error when it is a terminal)
-    bool confirm = false;        // check a converged estimate with a long chain
-    bool automatic = false;      // the automatic mode
+    FILE* console = stdout;  // the run's messages
+    BarTerminal bars;        // where progress bars go (standard error when it is a terminal)
+    bool confirm = false;    // check a converged estimate with a long chain
+    bool automatic = false;  // the automatic mode
+    EstimationMethod method = EstimationMethod::stochastic_approximation;
     bool sampler_named = false;  // the options named the proposal: the automatic mode keeps it
     StoreChoice store = StoreChoice::automatic;
     ChainPlan chains;  // the chains every task draws from, and their threads

@@ -305,6 +305,7 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
     adjust_start(context.model, setup.observed, parameters);
     EstimationSettings settings = estimation_settings(s);
     settings.automatic = context.automatic;
+    settings.method = context.method;
     settings.chains = context.chains;
     Listeners listeners;
     start_console(listeners, context);

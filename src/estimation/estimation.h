@@ -5,11 +5,13 @@
 // statistics cross their observed values, in sub-phases of halving gain; phase 3 simulates at
 // the estimates for the standard errors and the convergence t-ratios. One call is one
 // estimation run; it returns the record of the run, which report/ turns into the report. The
-// phases are in phases.h, the automatic mode's own in automatic.h.
+// phases are in phases.h, the automatic mode's own in automatic.h, and phase 2 by equilibrium
+// expectation, the second method, in equilibrium.h.
 
 #include <vector>
 
 #include "estimation/automatic.h"
+#include "estimation/equilibrium.h"
 #include "estimation/phases.h"
 
 namespace vexa {
@@ -32,7 +34,10 @@ EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& 
     if (settings.automatic && !carry.newton_start.empty())
         r.run.phase2_skipped = Phase2Skip::newton_step;
     const int subphases = r.run.phase2_skipped != Phase2Skip::no ? 0 : settings.subphase_count;
-    for (int k = 0; k < subphases; ++k) {
+    const bool equilibrium = settings.method == EstimationMethod::equilibrium_expectation;
+    r.run.method = settings.method;
+    if (equilibrium && subphases > 0 && !run_equilibrium_expectation(r, a)) return std::move(r.run);
+    for (int k = 0; k < (equilibrium ? 0 : subphases); ++k) {
         if (k == 1) a = a + a;  // sub-phases 0 and 1 both run with the starting gain
         if (!run_subphase(r, k, a)) return std::move(r.run);
         if (settings.automatic) space_draws_after_subphase(r, k);

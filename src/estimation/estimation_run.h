@@ -10,6 +10,12 @@
 
 namespace vexa {
 
+// How phase 2 finds the estimate: stochastic approximation (draws far apart, the parameters
+// moved against each draw's distance from the observed statistics), or equilibrium expectation
+// (short blocks of one chain from the observed network, the parameters moved against the
+// squared drift of its statistics; see equilibrium.h).
+enum class EstimationMethod : int32_t { stochastic_approximation, equilibrium_expectation };
+
 struct EstimationSettings {
     int32_t multiplication_factor = 2;  // m: sampler steps per draw scale with it
     int32_t subphase_count = 5;         // S
@@ -23,6 +29,7 @@ struct EstimationSettings {
     bool exact_start = false;
     // Phase 3 draws from this many chains side by side, on up to so many threads.
     ChainPlan chains;
+    EstimationMethod method = EstimationMethod::stochastic_approximation;
 };
 
 // Why the automatic mode ran no phase 2: its start needed none.
@@ -101,6 +108,13 @@ struct EstimationRun {
     int32_t phase3_cap = 0;
     double phase3_effective_draws = 0.0;
     Phase2Skip phase2_skipped = Phase2Skip::no;
+    // Equilibrium expectation: the steps of a block, the stages it ran beyond the planned ones
+    // for the parameters to settle, and how far the halves of its last stage still differed
+    // (the largest difference of a parameter's means, in phase-1 standard errors).
+    EstimationMethod method = EstimationMethod::stochastic_approximation;
+    double block_steps = 0.0;
+    int32_t settling_stages = 0;
+    double last_drift = 0.0;
 };
 
 // Whether the run named the model degenerate: it stopped, and not as a path gone astray.

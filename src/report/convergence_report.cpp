@@ -147,6 +147,18 @@ std::string chain_lines(const EstimationRun& run) {
         run.phase3_chains);
 }
 
+std::string method_lines(const EstimationRun& run) {
+    if (run.method != EstimationMethod::equilibrium_expectation) return "";
+    if (run.subphases.empty()) return "method\tequilibrium expectation (phase 2 not run)\n";
+    return format_message(
+        "method\tequilibrium expectation: one chain from the observed network, the parameters "
+        "moved against the squared drift of the statistics after every %.0f steps; the "
+        "estimate is the mean over the last stage, whose halves differ by at most %.2f "
+        "standard errors (%d stages beyond the planned %d for the parameters to settle)\n",
+        run.block_steps, run.last_drift, run.settling_stages,
+        static_cast<int>(run.subphases.size()) - run.settling_stages);
+}
+
 std::string automatic_choices(const EstimationRun& run) {
     if (!run.automatic) return "";
     const std::string draws = format_message(

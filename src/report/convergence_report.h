@@ -44,4 +44,7 @@ std::string automatic_choices(const EstimationRun& run);
 // How many chains drew phase 3, as a line of the convergence file ("" for one chain).
 std::string chain_lines(const EstimationRun& run);
 
+// The method of phase 2, as a line of the convergence file ("" for stochastic approximation).
+std::string method_lines(const EstimationRun& run);
+
 }  // namespace vexa

@@ -37,8 +37,9 @@ void write_estimation_run_files(const OutputNames& names, const std::vector<Para
         print(verdicts, "Run %d\nverdict\tdegenerate\nreason\t%s\n\n", run,
               degeneracy_advice(record, labels).c_str());
     } else {
-        write_convergence_block(verdicts, format_message("Run %d", run).c_str(), check, labels,
-                                automatic_choices(record) + chain_lines(record));
+        write_convergence_block(
+            verdicts, format_message("Run %d", run).c_str(), check, labels,
+            method_lines(record) + automatic_choices(record) + chain_lines(record));
     }
     verdicts.close();
 }

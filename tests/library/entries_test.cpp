@@ -119,6 +119,13 @@ TEST(LibraryEntries, TheOptionsEntryRunsAutomaticallyAndReturnsAStatus) {
     EXPECT_NE(verdicts.find("verdict\tconverged"), std::string::npos) << verdicts;
     EXPECT_NE(verdicts.find("phase-3 draws"), std::string::npos) << "not the automatic mode";
 
+    // Equilibrium expectation through the options: the convergence file names the method.
+    fs::remove_all("out");
+    fs::create_directory("out");
+    EXPECT_NE(vexa_run_options("run.txt", VEXA_EE | VEXA_FIXED_SEED, 7), VEXA_FAILED);
+    EXPECT_NE(text_of("out/convergence_jni.txt").find("method\tequilibrium expectation"),
+              std::string::npos);
+
     // An option this library does not know runs nothing; a missing run file is a failure.
     fs::remove_all("out");
     fs::create_directory("out");

@@ -21,6 +21,19 @@ test_that("the edge-only model estimates the log-odds of a tie", {
   expect_true(any(grepl("Signif. codes", shown)))
 })
 
+test_that("equilibrium expectation lands on the edge-only model's log-odds too", {
+  # The plain mode, so that phase 2 runs (the automatic mode would start at the exact
+  # estimate and skip it); the estimate is the mean of the last stage's parameters.
+  data(flomarriage, package = "vexa")
+  fit <- vexa_estimate(flomarriage, "edge", seed = 2, auto = FALSE,
+                       settings = quiet(method = "ee", multiplication_factor = 4))
+  p <- 20 / 120
+  exact_se <- sqrt(1 / (120 * p * (1 - p)))
+  expect_true(fit$converged)
+  expect_lt(abs(unname(coef(fit)) - log(p / (1 - p))), 0.25 * exact_se)
+  expect_error(vexa_settings(method = "newton"), "must be \"sa\"", class = "vexa_error")
+})
+
 test_that("the automatic mode chooses the proposal only when none is named", {
   # On a sparse network it takes the tie/no-tie proposal: naming that one changes nothing,
   # naming the toggle binds it. (Edge alone starts at its exact estimate, the same whatever

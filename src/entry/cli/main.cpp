@@ -21,7 +21,7 @@ void usage(FILE* out) {
     std::fprintf(
         out,
         "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
-        "            [--chains K] [--threads N] RUNFILE\n"
+        "            [--method sa|ee] [--chains K] [--threads N] RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says. Exits with 0 after a complete run, 1 when\n"
@@ -40,6 +40,11 @@ void usage(FILE* out) {
         "               the time: far faster mixing on sparse networks), 4 (graphs) the closure\n"
         "               proposal (tie/no-tie moves and dyads that close a two-path: faster still\n"
         "               on clustered networks under triangle effects)\n"
+        "  --method M   how an estimation finds its estimate: sa, stochastic approximation (the\n"
+        "               default), or ee, equilibrium expectation: one chain from the observed\n"
+        "               network, never restarted, the parameters moved against the drift of the\n"
+        "               statistics after every short block of steps (for large networks); both\n"
+        "               end with phase 3's standard errors, t-ratios and verdict\n"
         "  --draw-sets COUNT SETSFILE\n"
         "               run nothing: after the estimation that RUNFILE describes, write COUNT\n"
         "               parameter sets drawn from the normal distribution around its estimates\n"
@@ -92,6 +97,20 @@ struct CommandLine {
     const char* sets_file = nullptr;
 };
 
+// Takes the word after option `name` at argv[k], one of two, moving k past it; `second` says
+// which. False, with the line saying what the option needs, for any other word.
+bool take_either(int argc, char** argv, int& k, const char* name, const char* first,
+                 const char* other, bool& second) {
+    const char* word = k + 1 < argc ? argv[k + 1] : "";
+    second = std::strcmp(word, other) == 0;
+    if (!second && std::strcmp(word, first) != 0) {
+        std::fprintf(stderr, "vexa: %s needs %s or %s\n", name, first, other);
+        return false;
+    }
+    ++k;
+    return true;
+}
+
 // Takes the option at argv[k] (and its values), moving k past them. Returns -1 when the option
 // was taken, else the exit status to end with (0 after --help or --version, 2 for a mistake).
 int take_option(int argc, char** argv, int& k, CommandLine& line) {
@@ -126,17 +145,16 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
         k += 2;
         return -1;
     }
+    bool second = false;
     if (std::strcmp(arg, "--store") == 0) {
-        const char* store = k + 1 < argc ? argv[k + 1] : "";
-        if (std::strcmp(store, "dense") == 0) {
-            line.options.store = vexa::StoreChoice::dense;
-        } else if (std::strcmp(store, "sparse") == 0) {
-            line.options.store = vexa::StoreChoice::sparse;
-        } else {
-            std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
-            return 2;
-        }
-        ++k;
+        if (!take_either(argc, argv, k, arg, "dense", "sparse", second)) return 2;
+        line.options.store = second ? vexa::StoreChoice::sparse : vexa::StoreChoice::dense;
+        return -1;
+    }
+    if (std::strcmp(arg, "--method") == 0) {
+        if (!take_either(argc, argv, k, arg, "sa", "ee", second)) return 2;
+        line.options.method = second ? vexa::EstimationMethod::equilibrium_expectation
+                                     : vexa::EstimationMethod::stochastic_approximation;
         return -1;
     }
     if (std::strcmp(arg, "--chains") == 0)

@@ -23,7 +23,7 @@ extern "C" VEXA_EXPORT int vexa_run_options(const char* run_file_path, unsigned 
 
 extern "C" VEXA_EXPORT int vexa_run_chains(const char* run_file_path, unsigned options,
                                            unsigned seed, int chains, int threads) {
-    constexpr unsigned known = VEXA_AUTO | VEXA_FIXED_SEED | VEXA_CHECK;
+    constexpr unsigned known = VEXA_AUTO | VEXA_FIXED_SEED | VEXA_CHECK | VEXA_EE;
     if ((options & ~known) != 0) {
         // A caller built against a later header asked for something this library cannot do;
         // running without it would give results the caller did not ask for.
@@ -45,6 +45,8 @@ extern "C" VEXA_EXPORT int vexa_run_chains(const char* run_file_path, unsigned o
     run_options.fixed_seed = (options & VEXA_FIXED_SEED) != 0;
     run_options.seed = seed;
     run_options.confirm = (options & VEXA_CHECK) != 0;
+    if ((options & VEXA_EE) != 0)
+        run_options.method = vexa::EstimationMethod::equilibrium_expectation;
     run_options.chains = chains;
     run_options.threads = threads;
     return vexa::run_entry(run_file_path, run_options);

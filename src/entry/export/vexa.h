@@ -26,6 +26,7 @@ VEXA_EXPORT int vexa_run(const char* run_file_path);
 #define VEXA_AUTO 1u       /* estimate automatically, as the command line's --auto */
 #define VEXA_FIXED_SEED 2u /* every random stream derives from `seed` (else from the clock) */
 #define VEXA_CHECK 4u      /* confirm a converged estimate with a long chain, as --check */
+#define VEXA_EE 8u         /* estimate by equilibrium expectation, as --method ee */
 
 /* The statuses vexa_run_options returns. */
 #define VEXA_COMPLETE 0      /* the run went to its end (an estimation converged) */
