@@ -63,18 +63,7 @@ bool run_equilibrium_stage(RunState<Store>& r, int k, float a, int blocks,
         equilibrium_update(r, block, static_cast<double>(a) / blocks_per_draw);
         const size_t half = 2 * b < blocks ? 0 : r.count;
         for (size_t j = 0; j < r.count; ++j) halves[half + j] += r.theta[j];
-        const int32_t runaway = runaway_parameter(r);
-        const bool collapsed = at_extreme(*r.chain.store, r.observed_ties);
-        if (collapsed || runaway >= 0) {
-            stage.steps = b + 1;
-            stage.parameters = r.theta;
-            r.run.subphases.push_back(std::move(stage));
-            if (runaway < 0) return r.stop(Degeneracy::extreme_network);
-            r.run.culprit = runaway;
-            r.run.culprit_from = r.phase2_start[static_cast<size_t>(runaway)];
-            r.run.culprit_to = r.theta[static_cast<size_t>(runaway)];
-            return r.stop(Degeneracy::runaway);
-        }
+        if (stopped_astray(r, stage, b + 1)) return false;
     }
     const int first = (blocks + 1) / 2;  // the blocks b with 2b < blocks
     const int second = blocks - first;

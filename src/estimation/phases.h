@@ -191,6 +191,24 @@ int32_t runaway_parameter(const RunState<Store>& r) {
     return -1;
 }
 
+// Ends phase 2 where it went astray after `steps` iterations of `part` (the chain collapsed to
+// the empty or complete network, or a parameter ran away), keeping the part in the record and
+// stopping the run. False when neither happened.
+template <class Store>
+bool stopped_astray(RunState<Store>& r, Subphase& part, int steps) {
+    const bool collapsed = at_extreme(*r.chain.store, r.observed_ties);
+    const int32_t runaway = runaway_parameter(r);
+    if (!collapsed && runaway < 0) return false;
+    part.steps = steps;
+    part.parameters = r.theta;
+    r.run.subphases.push_back(std::move(part));
+    if (runaway < 0) return !r.stop(Degeneracy::extreme_network);
+    r.run.culprit = runaway;
+    r.run.culprit_from = r.phase2_start[static_cast<size_t>(runaway)];
+    r.run.culprit_to = r.theta[static_cast<size_t>(runaway)];
+    return !r.stop(Degeneracy::runaway);
+}
+
 // Sub-phase k of phase 2 at gain a: at least n_min iterations, then until every statistic has
 // crossed its observed value, at most n_max. False when the run stopped.
 template <class Store>
@@ -217,18 +235,7 @@ bool run_subphase(RunState<Store>& r, int k, float a) {
                 r.subphase_trace.end(), r.chain.statistics.begin(),
                 r.chain.statistics.begin() + static_cast<std::ptrdiff_t>(r.count));
         }
-        const bool collapsed = at_extreme(*r.chain.store, r.observed_ties);
-        const int32_t runaway = runaway_parameter(r);
-        if (collapsed || runaway >= 0) {
-            subphase.steps = i;
-            subphase.parameters = r.theta;
-            r.run.subphases.push_back(std::move(subphase));
-            if (runaway < 0) return r.stop(Degeneracy::extreme_network);
-            r.run.culprit = runaway;
-            r.run.culprit_from = r.phase2_start[static_cast<size_t>(runaway)];
-            r.run.culprit_to = r.theta[static_cast<size_t>(runaway)];
-            return r.stop(Degeneracy::runaway);
-        }
+        if (stopped_astray(r, subphase, i)) return false;
         if (i >= n_max) break;
     }
     for (size_t j = 0; j < r.count; ++j) {

@@ -8,6 +8,7 @@
 
 #include "effects/graph/graph_catalogue.h"
 #include "entry/run_driver.h"
+#include "network/digraph.h"
 #include "support/test_support.h"
 
 namespace vexa::testing {
@@ -103,6 +104,18 @@ GraphRunFile on_school_network(const std::string& dir) {
     GraphRunFile file = on_network(dir, "faux.mesa.high.txt", NetworkKind::graph, 205);
     file.attribute_sections = grade_same_category_sections();
     return file;
+}
+
+std::vector<double> samplike_reciprocity_estimates() {
+    const Digraph observed = read_digraph(data_path("samplike.txt"), 18);
+    double M = 0, A = 0, N = 0;
+    for (int i = 0; i < 18; ++i) {
+        for (int j = i + 1; j < 18; ++j) {
+            const int ties = observed.has_arc(i, j) + observed.has_arc(j, i);
+            (ties == 2 ? M : ties == 1 ? A : N) += 1.0;
+        }
+    }
+    return {std::log(A / (2.0 * N)), std::log(4.0 * M * N / (A * A))};
 }
 
 std::vector<double> school_homophily_estimates() {

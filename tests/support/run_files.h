@@ -58,6 +58,10 @@ GraphRunFile on_network(const std::string& dir, const std::string& network,
 // `dir`.
 GraphRunFile on_school_network(const std::string& dir);
 
+// The maximum likelihood estimates of arc and reciprocity on samplike: with M mutual, A
+// asymmetric and N null dyads, log(A / 2N) and log(4MN / A^2).
+std::vector<double> samplike_reciprocity_estimates();
+
 // The maximum likelihood estimates of edge and Grade's same-category effect on the school
 // network, counted from its files: the log-odds of a tie between grades, and the log odds
 // ratio of a tie within a grade.
