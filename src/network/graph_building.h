@@ -8,6 +8,7 @@
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/tie_list_file.h"
 #include "numeric/rng.h"
 
 namespace vexa::graph_building {
