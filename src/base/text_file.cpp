@@ -39,6 +39,14 @@ double file_size(FILE* file) {
     return static_cast<double>(status.st_size);
 }
 
+double file_size(const std::string& path) {
+    FILE* file = open_file(path, "rb");
+    if (file == nullptr) return -1.0;
+    const double size = file_size(file);
+    std::fclose(file);
+    return size;
+}
+
 OutFile::OutFile(const std::string& path, OpenMode mode) : path_(path) {
     file_ = open_file(path, mode == OpenMode::append ? "ab" : "wb");
     if (file_ == nullptr) {

@@ -17,6 +17,7 @@
 #include "entry/console.h"
 #include "entry/embedding.h"
 #include "entry/memory_plan.h"
+#include "entry/network_reading.h"
 #include "entry/run_context.h"
 #include "estimation/exact_likelihood.h"
 #include "model/parameter_vector.h"
@@ -108,7 +109,9 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
     } else if (context.adjacency != nullptr) {
         from_matrix(*context.adjacency, n, setup.observed);
     } else {
-        setup.observed = KindTraits<Store>::read(s.network_file, n, &notes);
+        NetworkReading reading(context);
+        setup.observed = KindTraits<Store>::read(s.network_file, n, &notes, reading.progress());
+        reading.done(tie_count(setup.observed));
     }
     say_notes(context, notes, "network", s.network_file);
     if (s.task != Task::simulation) check_degree_cap(s, setup.observed);

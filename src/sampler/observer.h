@@ -38,6 +38,8 @@ enum class Stage : int32_t {
     parameter_sets,  // a goodness of fit over parameter sets: one burn-in per set
     check_burn_in,   // the long-chain check of an estimate: its burn-in
     check,           // the long-chain check: its draws
+    reading,         // a large network file: its bytes read (only files that take a while)
+    counting,        // the network just read: its nodes whose pair counts are made
 };
 
 struct StageStarted {
