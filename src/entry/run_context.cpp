@@ -36,6 +36,7 @@ void take_options(RunContext& context, const RunOptions& options) {
     context.confirm = options.confirm;
     context.automatic = options.automatic;
     context.store = options.store;
+    context.save_network = options.save_network;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
     context.chains.chains = options.chains > 0  ? options.chains

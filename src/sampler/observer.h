@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <variant>
 #include <vector>
@@ -78,6 +79,10 @@ struct SamplingEnded {
     Stage stage = Stage::sampling;
     double samples = 0.0;
     double accepted = 0.0;  // over the stage
+    // The network the stage ended at, where one chain's network is it: a simulation's final
+    // network, whose statistics are its end statistics (of K chains, that of the chain that drew
+    // the last sample). Told by every simulation.
+    std::optional<NetworkRef> network;
 };
 
 struct RunStarted {

@@ -21,7 +21,7 @@ void usage(FILE* out) {
     std::fprintf(
         out,
         "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
-        "            [--chains K] [--threads N] RUNFILE\n"
+        "            [--chains K] [--threads N] [--save-network FILE] RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says. Exits with 0 after a complete run, 1 when\n"
@@ -54,6 +54,10 @@ void usage(FILE* out) {
         "               --auto). Each chain holds a copy of the network in memory\n"
         "  --threads N  run the chains on N threads (default: the cores available); the\n"
         "               results depend on the seed and K alone, never on N\n"
+        "  --save-network FILE\n"
+        "               a simulation saves its final network in FILE as a tie list (*Vertices,\n"
+        "               then *Edges or *Arcs, nodes from 1), which a run reads back as its\n"
+        "               network file; other tasks save none\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -92,6 +96,32 @@ struct CommandLine {
     const char* sets_file = nullptr;
 };
 
+// --store S at argv[k]: -1 when taken (k moved past S), 2 (after saying why) when S is neither
+// store.
+int take_store(int argc, char** argv, int& k, CommandLine& line) {
+    const char* store = k + 1 < argc ? argv[k + 1] : "";
+    if (std::strcmp(store, "dense") == 0) {
+        line.options.store = vexa::StoreChoice::dense;
+    } else if (std::strcmp(store, "sparse") == 0) {
+        line.options.store = vexa::StoreChoice::sparse;
+    } else {
+        std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
+        return 2;
+    }
+    ++k;
+    return -1;
+}
+
+// --save-network FILE at argv[k], as take_store.
+int take_save_network(int argc, char** argv, int& k, CommandLine& line) {
+    if (k + 1 >= argc || argv[k + 1][0] == '\0') {
+        std::fprintf(stderr, "vexa: --save-network needs a file name\n");
+        return 2;
+    }
+    line.options.save_network = argv[++k];
+    return -1;
+}
+
 // Takes the option at argv[k] (and its values), moving k past them. Returns -1 when the option
 // was taken, else the exit status to end with (0 after --help or --version, 2 for a mistake).
 int take_option(int argc, char** argv, int& k, CommandLine& line) {
@@ -126,23 +156,12 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
         k += 2;
         return -1;
     }
-    if (std::strcmp(arg, "--store") == 0) {
-        const char* store = k + 1 < argc ? argv[k + 1] : "";
-        if (std::strcmp(store, "dense") == 0) {
-            line.options.store = vexa::StoreChoice::dense;
-        } else if (std::strcmp(store, "sparse") == 0) {
-            line.options.store = vexa::StoreChoice::sparse;
-        } else {
-            std::fprintf(stderr, "vexa: --store needs dense or sparse\n");
-            return 2;
-        }
-        ++k;
-        return -1;
-    }
+    if (std::strcmp(arg, "--store") == 0) return take_store(argc, argv, k, line);
     if (std::strcmp(arg, "--chains") == 0)
         return take_count(argc, argv, k, arg, vexa::max_chains, line.options.chains) ? -1 : 2;
     if (std::strcmp(arg, "--threads") == 0)
         return take_count(argc, argv, k, arg, 4096, line.options.threads) ? -1 : 2;
+    if (std::strcmp(arg, "--save-network") == 0) return take_save_network(argc, argv, k, line);
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
         return -1;
