@@ -359,6 +359,8 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     r.options.chains = whole(settings, "chains", 0);
     r.options.threads = whole(settings, "threads", 0);
     r.keep_networks = Rcpp::as<bool>(request["keep_networks"]);
+    if (request.containsElementNamed("save_network") && !Rf_isNull(request["save_network"]))
+        r.options.save_network = Rcpp::as<std::string>(request["save_network"]);
 
     BarState bar;
     bar.update = progress;
