@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -160,6 +161,7 @@ TEST(LargeNetworkFiles, ReadingTellsTheConsoleAndTheHost) {
     EXPECT_EQ(stages, (std::vector<Stage>{Stage::reading, Stage::counting}));
     EXPECT_EQ(read, static_cast<double>(text.size()));
     EXPECT_EQ(size, static_cast<double>(text.size()));
+    std::filesystem::remove_all(dir);  // megabytes
 }
 
 }  // namespace

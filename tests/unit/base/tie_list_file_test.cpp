@@ -2,6 +2,7 @@
 // with lines cut by the block ends, hands over exactly the ties it was written with.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -66,6 +67,7 @@ TEST(TieListFiles, ALargeListHandsOverTheTiesItWasWrittenWith) {
     ASSERT_GE(heard.size(), 2u);
     EXPECT_LT(heard.front(), heard.back());
     EXPECT_EQ(heard.back(), static_cast<double>(text.size()));
+    std::filesystem::remove_all(dir);  // megabytes
 }
 
 TEST(TieListFiles, ALineWithoutEndIsRefusedByItsNumber) {
@@ -83,6 +85,7 @@ TEST(TieListFiles, ALineWithoutEndIsRefusedByItsNumber) {
                           std::to_string(longest_tie_list_line) + " characters");
         }
     }
+    std::filesystem::remove_all(dir);
 }
 
 }  // namespace

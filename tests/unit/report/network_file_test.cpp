@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <utility>
 
@@ -89,6 +90,7 @@ TEST(NetworkFile, TieListsReadAsWrittenByHand) {
     EXPECT_EQ(back.degree, big.degree);
     for_each_tie(big, [&](int a, int b) { ASSERT_TRUE(has_edge(back, a, b)) << a << " " << b; });
     EXPECT_THROW(write_tie_list_file(dir + "/missing/x.net", big), OutputFileError);
+    std::filesystem::remove_all(dir);  // megabytes
 }
 
 }  // namespace
