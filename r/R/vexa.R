@@ -456,7 +456,12 @@ model_source <- function(x, effects, parameters, attributes, covariates, directe
 
 vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
                           covariates = NULL, settings = vexa_settings(), seed = NULL,
-                          networks = FALSE, density = NULL, directed = FALSE) {
+                          networks = FALSE, density = NULL, directed = FALSE,
+                          save_network = NULL) {
+  if (!is.null(save_network) && (!is.character(save_network) || length(save_network) != 1L ||
+                                 is.na(save_network) || !nzchar(save_network))) {
+    fail("save_network must be one file name")
+  }
   source <- model_source(x, effects, parameters, attributes, covariates, directed)
   network <- source$network
   if (is.null(density)) {
@@ -470,6 +475,8 @@ vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NUL
   request <- task_request("simulation", network, source$effects, source$values,
                           source$attributes, source$covariates, "simulate", isTRUE(networks),
                           density)
+  # The engine writes the final network there as a tie list, which vexa_run reads back.
+  if (!is.null(save_network)) request$save_network <- path.expand(save_network)
   result <- run_task(request, settings, seed)
   statistics <- as.data.frame(result$sample_statistics)
   names(statistics) <- result$labels
@@ -481,7 +488,8 @@ vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NUL
   structure(list(statistics = statistics, networks = sampled, accepted = result$accepted,
                  parameters = setNames(source$values, result$labels),
                  directed = network$directed, n = network$n,
-                 output_dir = output_directory(settings)), class = "vexa_simulation")
+                 output_dir = output_directory(settings),
+                 saved_network = request$save_network), class = "vexa_simulation")
 }
 
 print.vexa_simulation <- function(x, ...) {

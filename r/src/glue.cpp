@@ -362,6 +362,8 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
         Rcpp::as<std::string>(settings["method"]) == "ee")
         r.options.method = vexa::EstimationMethod::equilibrium_expectation;
     r.keep_networks = Rcpp::as<bool>(request["keep_networks"]);
+    if (request.containsElementNamed("save_network") && !Rf_isNull(request["save_network"]))
+        r.options.save_network = Rcpp::as<std::string>(request["save_network"]);
 
     BarState bar;
     bar.update = progress;

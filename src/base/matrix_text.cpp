@@ -1,8 +1,6 @@
 #include "base/matrix_text.h"
 
-#include <cctype>
 #include <cerrno>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
@@ -106,7 +104,7 @@ std::vector<std::string> read_words(const std::string& path, const char* what) {
 }
 
 void read_matrix_file(const std::string& path, const char* what, int n,
-                      const std::function<void(int, int, double)>& cell) {
+                      const std::function<void(int, int, double)>& cell, const WorkDone* bytes) {
     FILE* file = open_file(path, "rb");
     if (file == nullptr) {
         throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
@@ -121,7 +119,7 @@ void read_matrix_file(const std::string& path, const char* what, int n,
     // Generous room for blanks and long spellings of numbers; only a file that runs on
     // without end, or nearly so, passes it.
     const double byte_limit = 64.0 * 1048576.0 + 64.0 * static_cast<double>(needed);
-    double bytes = 0.0;
+    double read = 0.0;
     long long count = 0;
     std::string word;
     const auto finish_word = [&]() {
@@ -143,11 +141,13 @@ void read_matrix_file(const std::string& path, const char* what, int n,
         word.clear();
     };
 
+    const double size = bytes != nullptr && *bytes ? file_size(file) : -1.0;
     char buffer[1 << 16];
     size_t got = 0;
+    uint32_t blocks = 0;
     while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
-        bytes += static_cast<double>(got);
-        if (bytes > byte_limit) {
+        read += static_cast<double>(got);
+        if (read > byte_limit) {
             throw InputFileError(format_message(
                 "vexa: %s file '%s' runs on far past the %lld values of a %d x %d matrix "
                 "(more than %.0f bytes)",
@@ -168,6 +168,8 @@ void read_matrix_file(const std::string& path, const char* what, int n,
             }
             word += c;
         }
+        // Every 64 blocks: 4 MB.
+        if (size >= 0.0 && (++blocks & 63u) == 0) (*bytes)(read, size);
     }
     if (std::ferror(file) != 0) {
         throw InputFileError(format_message("vexa: cannot read %s file '%s'", what, path.c_str()));
@@ -178,105 +180,6 @@ void read_matrix_file(const std::string& path, const char* what, int n,
             format_message("vexa: %s file '%s' ends in row %lld: it holds %lld values; a %d x %d "
                            "matrix needs %lld",
                            what, path.c_str(), count / n + 1, count, n, n, needed));
-    }
-}
-
-bool is_tie_list_file(const std::string& path) {
-    FILE* file = open_file(path, "rb");
-    if (file == nullptr) return false;  // the matrix reader names the file it cannot open
-    int c = std::fgetc(file);
-    while (c != EOF && (is_space(static_cast<char>(c)) || c == '%')) {
-        if (c == '%') {  // a comment runs to the end of its line
-            while (c != EOF && c != '\n') c = std::fgetc(file);
-        }
-        c = std::fgetc(file);
-    }
-    std::fclose(file);
-    return c == '*';
-}
-
-namespace {
-
-bool same_word(std::string_view word, std::string_view keyword) {
-    if (word.size() != keyword.size()) return false;
-    for (size_t k = 0; k < word.size(); ++k) {
-        if (std::tolower(static_cast<unsigned char>(word[k])) != keyword[k]) return false;
-    }
-    return true;
-}
-
-}  // namespace
-
-void read_tie_list_file(const std::string& path, const char* what, int n,
-                        const std::function<void(int, int, double, bool)>& tie) {
-    const std::string text = read_text_file(path, what);
-    enum class Section { none, vertices, arcs, edges } section = Section::none;
-    bool counted = false;
-    int line = 0;
-    const auto fail = [&](const std::string& why) {
-        throw InputFileError(format_message("vexa: %s file '%s', line %d: %s", what, path.c_str(),
-                                            line, why.c_str()));
-    };
-    const auto node = [&](const std::string& word) {
-        double value = 0.0;
-        if (!parse_double(word, value) || value != std::floor(value)) {
-            fail(format_message("'%s' is not a node number", quoted_word(word).c_str()));
-        }
-        if (value < 1.0 || value > n) {
-            fail(format_message("node %s is not among the %d nodes of the run",
-                                quoted_word(word).c_str(), n));
-        }
-        return static_cast<int>(value) - 1;
-    };
-    for (size_t at = 0; at < text.size();) {
-        size_t end = text.find('\n', at);
-        if (end == std::string::npos) end = text.size();
-        const std::vector<std::string> words = split_words(text.substr(at, end - at));
-        at = end + 1;
-        ++line;
-        if (words.empty() || words[0][0] == '%') continue;
-        if (words[0][0] == '*') {
-            if (same_word(words[0], "*network")) continue;
-            if (same_word(words[0], "*vertices")) {
-                double count = 0.0;
-                if (words.size() < 2 || !parse_double(words[1], count) || count != n) {
-                    fail(format_message(
-                        "the run has %d nodes, but the list says '%s'", n,
-                        quoted_word(words.size() < 2 ? words[0] : words[0] + " " + words[1])
-                            .c_str()));
-                }
-                counted = true;
-                section = Section::vertices;
-            } else if (same_word(words[0], "*arcs")) {
-                section = Section::arcs;
-            } else if (same_word(words[0], "*edges")) {
-                section = Section::edges;
-            } else {
-                fail(
-                    format_message("'%s' sections are not read: list the ties under *Arcs or "
-                                   "*Edges",
-                                   quoted_word(words[0]).c_str()));
-            }
-            if (section != Section::vertices && !counted) {
-                fail("the node count comes first, as '*Vertices n'");
-            }
-            continue;
-        }
-        if (section == Section::vertices) continue;  // a node's name
-        if (section == Section::none) fail("the list starts with '*Vertices n'");
-        if (words.size() < 2) fail("a tie needs two node numbers");
-        const int from = node(words[0]);
-        const int to = node(words[1]);
-        double value = 1.0;
-        if (words.size() > 2 && !parse_double(words[2], value)) {
-            fail(format_message("'%s' is not a number", quoted_word(words[2]).c_str()));
-        }
-        if (from == to) continue;
-        tie(from, to, value, section == Section::edges);
-    }
-    if (!counted) {
-        line = 1;
-        fail("the list starts with '*Vertices n'");
     }
 }
 

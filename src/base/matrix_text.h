@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/progress.h"
+
 namespace vexa {
 
 // What a reader of a tie matrix read without refusing it, for the one warning line each.
@@ -57,29 +59,11 @@ inline constexpr size_t longest_number_word = 256;
 // row and column, from 1, and quoting the word cut short), or when the file holds fewer
 // (naming the row where it ends) or more than n x n values. The file is read in pieces: one
 // that never ends a word, or runs on far past what the matrix needs (a device such as
-// /dev/zero), is refused before it fills the memory.
+// /dev/zero), is refused before it fills the memory. `bytes`, when given, hears the bytes read
+// of the file's size every few megabytes.
 void read_matrix_file(const std::string& path, const char* what, int n,
-                      const std::function<void(int, int, double)>& cell);
-
-// A network file may list its ties instead of holding the n x n matrix (a matrix of 100,000
-// nodes would hold 10^10 cells), in the layout network programs exchange:
-//   *Vertices 5     the number of nodes, which must be the run's
-//   1 "Anna"        lines naming the nodes may follow; they are skipped
-//   *Arcs           ties from the first node to the second
-//   1 2
-//   *Edges          ties both ways
-//   2 3 1           a third number is the tie's value (1, or read as no tie like a matrix cell)
-// Nodes are numbered from 1; a line starting with '%' is a comment; a tie of a node to itself
-// is skipped, as the diagonal of a matrix is.
-//
-// Whether the file is such a list: its first word past any comments starts with '*'.
-bool is_tie_list_file(const std::string& path);
-// Calls tie(from, to, value, both) for every listed tie (nodes from 0); `both` says that the
-// line stands under *Edges and so ties the two nodes both ways. Throws InputFileError naming the
-// file and the line for a missing or different *Vertices count, a section it does not read, a word
-// that is not a node number or a value, and a node beyond n.
-void read_tie_list_file(const std::string& path, const char* what, int n,
-                        const std::function<void(int, int, double, bool)>& tie);
+                      const std::function<void(int, int, double)>& cell,
+                      const WorkDone* bytes = nullptr);
 
 // The whole content of a text file. Throws InputFileError naming the file (`what` says which
 // file it is: "network", "attribute") when it cannot be opened or read, or when it holds more

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <string>
 
 #include "base/compiler.h"
@@ -26,6 +27,17 @@ struct BarTerminal {
 // Standard error when it is a terminal (then `text`, when it is a terminal too, is taken to be
 // the same one); no bars otherwise.
 BarTerminal bar_terminal_for(FILE* text);
+
+// Hears how far a long piece of work has come: `done` of `total`, in units of its own (bytes
+// read, nodes counted). An empty one hears nothing.
+using WorkDone = std::function<void(double done, double total)>;
+
+// What reading a network file tells as it goes: the bytes read of the file, then, on the sparse
+// stores, the nodes whose pair counts are made. Either may be empty.
+struct ReadProgress {
+    WorkDone bytes;
+    WorkDone nodes;
+};
 
 struct Progress {
     void* context = nullptr;

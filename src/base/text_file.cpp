@@ -6,6 +6,8 @@
 
 #include "base/errors.h"
 
+#include <sys/stat.h>
+
 #if defined(_WIN32)
 #include <cwchar>
 
@@ -24,6 +26,25 @@ FILE* open_file(const std::string& path, const char* mode) {
     }
 #endif
     return std::fopen(path.c_str(), mode);
+}
+
+double file_size(FILE* file) {
+#if defined(_WIN32)
+    struct _stat64 status {};
+    if (_fstat64(_fileno(file), &status) != 0 || (status.st_mode & _S_IFREG) == 0) return -1.0;
+#else
+    struct stat status {};
+    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode)) return -1.0;
+#endif
+    return static_cast<double>(status.st_size);
+}
+
+double file_size(const std::string& path) {
+    FILE* file = open_file(path, "rb");
+    if (file == nullptr) return -1.0;
+    const double size = file_size(file);
+    std::fclose(file);
+    return size;
 }
 
 OutFile::OutFile(const std::string& path, OpenMode mode) : path_(path) {

@@ -19,6 +19,11 @@ enum class OpenMode { truncate, append };
 // path that is not UTF-8 is taken to be in that code page and opened as it stands.
 FILE* open_file(const std::string& path, const char* mode);
 
+// The size in bytes of an open regular file; -1 for anything else (a pipe, a device).
+double file_size(FILE* file);
+// The same of the file at `path`; -1 also when it cannot be opened.
+double file_size(const std::string& path);
+
 class OutFile {
 public:
     OutFile(const std::string& path, OpenMode mode);

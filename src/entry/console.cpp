@@ -20,6 +20,8 @@ const char* bar_label_of(Stage stage) {
         case Stage::parameter_sets: return "parameter sets";
         case Stage::check_burn_in: return "long-chain check, burn-in";
         case Stage::check: return "long-chain check";
+        case Stage::reading: return "reading the network";
+        case Stage::counting: return "counting the network's pairs";
     }
     return "working";
 }

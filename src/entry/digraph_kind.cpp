@@ -30,11 +30,12 @@ D DigraphTraits<D>::random_start(RunContext& context) {
 }
 
 template <class D>
-D DigraphTraits<D>::read(const std::string& path, int n, MatrixNotes* notes) {
+D DigraphTraits<D>::read(const std::string& path, int n, MatrixNotes* notes,
+                         const ReadProgress* progress) {
     if constexpr (std::is_same_v<D, Digraph>) {
-        return read_digraph(path, n, notes);
+        return read_digraph(path, n, notes, progress);
     } else {
-        return read_sparse_digraph(path, n, notes);
+        return read_sparse_digraph(path, n, notes, progress);
     }
 }
 

@@ -16,7 +16,8 @@ struct KindTraits;
 // The same for both digraph stores, D = Digraph (dense) or SparseDigraph.
 template <class D>
 struct DigraphTraits {
-    static D read(const std::string& path, int n, MatrixNotes* notes);
+    static D read(const std::string& path, int n, MatrixNotes* notes = nullptr,
+                  const ReadProgress* progress = nullptr);
     // The random start of a simulation: trunc(n(n-1) x density) arcs.
     static D random_start(RunContext& context);
 };

@@ -30,11 +30,12 @@ G GraphTraits<G>::random_start(RunContext& context) {
 }
 
 template <class G>
-G GraphTraits<G>::read(const std::string& path, int n, MatrixNotes* notes) {
+G GraphTraits<G>::read(const std::string& path, int n, MatrixNotes* notes,
+                       const ReadProgress* progress) {
     if constexpr (std::is_same_v<G, Graph>) {
-        return read_graph(path, n, notes);
+        return read_graph(path, n, notes, progress);
     } else {
-        return read_sparse_graph(path, n, notes);
+        return read_sparse_graph(path, n, notes, progress);
     }
 }
 

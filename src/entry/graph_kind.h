@@ -16,7 +16,8 @@ struct KindTraits;
 // The same for both graph stores, G = Graph (dense) or SparseGraph.
 template <class G>
 struct GraphTraits {
-    static G read(const std::string& path, int n, MatrixNotes* notes = nullptr);
+    static G read(const std::string& path, int n, MatrixNotes* notes = nullptr,
+                  const ReadProgress* progress = nullptr);
     // The random start of a simulation: trunc(n(n-1) x density x 0.5) edges.
     static G random_start(RunContext& context);
 };

@@ -37,6 +37,7 @@ void take_options(RunContext& context, const RunOptions& options) {
     context.automatic = options.automatic;
     context.method = options.method;
     context.store = options.store;
+    context.save_network = options.save_network;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
     context.chains.chains = options.chains > 0  ? options.chains

@@ -101,6 +101,9 @@ struct RunOptions {
     // cores available). The results depend on the chains, never on the threads.
     int32_t chains = 0;
     int32_t threads = 0;
+    // Where a simulation saves its final network as a tie list (the form a network file may
+    // take, so that it reads back as the same network); "": nowhere. Other tasks save none.
+    std::string save_network;
     FILE* console = stdout;              // progress and messages
     const Observer* observer = nullptr;  // a host's listener to the task's events, if any
 };
@@ -133,7 +136,8 @@ struct RunContext {
     EstimationMethod method = EstimationMethod::stochastic_approximation;
     bool sampler_named = false;  // the options named the proposal: the automatic mode keeps it
     StoreChoice store = StoreChoice::automatic;
-    ChainPlan chains;  // the chains every task draws from, and their threads
+    ChainPlan chains;          // the chains every task draws from, and their threads
+    std::string save_network;  // where a simulation saves its final network; "": nowhere
     // A host's in-memory network, n x n row by row, in place of the network file; null: the
     // file.
     const std::vector<double>* adjacency = nullptr;

@@ -1,5 +1,10 @@
 #include "entry/run_task.h"
 
+#include <variant>
+
+#include "base/text_file.h"
+#include "report/tie_list_output.h"
+
 namespace vexa::task_detail {
 
 void start_console(Listeners& listeners, RunContext& context) {
@@ -8,6 +13,35 @@ void start_console(Listeners& listeners, RunContext& context) {
     console.kind = context.settings.network_kind;
     console.labels = parameter_labels(context.model, LabelStyle::summary);
     listeners.parts.push_back(console_observer(console));
+}
+
+void say_no_network_saved(const RunContext& context) {
+    if (context.save_network.empty() || context.settings.task == Task::simulation) return;
+    std::fprintf(context.console,
+                 "vexa: only a simulation saves its final network; this %s saves none\n",
+                 task_name(context.settings.task));
+    std::fflush(context.console);
+}
+
+void start_saving_network(RunContext& context, Listeners& listeners) {
+    if (context.save_network.empty() || context.chains.cluster.rank != 0) return;
+    const std::string path = context.save_network;
+    OutFile(path, OpenMode::truncate).close();
+    Console* console = &listeners.console;
+    Observer saver;
+    saver.sampling_ended = [path, console](const SamplingEnded& e) {
+        if (!e.network) return;
+        std::visit(
+            [&](const auto* store) {
+                write_tie_list_file(path, *store);
+                console->text.say("vexa: the final network (%lld %s) is saved in '%s'\n",
+                                  static_cast<long long>(tie_count(*store)),
+                                  console->kind == NetworkKind::digraph ? "arcs" : "edges",
+                                  path.c_str());
+            },
+            *e.network);
+    };
+    listeners.parts.push_back(saver);
 }
 
 void say_notes(const RunContext& context, const MatrixNotes& notes, const char* what,

@@ -17,6 +17,7 @@
 #include "entry/console.h"
 #include "entry/embedding.h"
 #include "entry/memory_plan.h"
+#include "entry/network_reading.h"
 #include "entry/run_context.h"
 #include "estimation/exact_likelihood.h"
 #include "model/parameter_vector.h"
@@ -72,6 +73,9 @@ struct Listeners {
 
 void start_console(Listeners& listeners, RunContext& context);
 
+// One line when the run was asked to save its final network but is no simulation.
+void say_no_network_saved(const RunContext& context);
+
 // What a matrix reader read without refusing it, one line each, on the run's console.
 void say_notes(const RunContext& context, const MatrixNotes& notes, const char* what,
                const std::string& path);
@@ -108,7 +112,9 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
     } else if (context.adjacency != nullptr) {
         from_matrix(*context.adjacency, n, setup.observed);
     } else {
-        setup.observed = KindTraits<Store>::read(s.network_file, n, &notes);
+        NetworkReading reading(context);
+        setup.observed = KindTraits<Store>::read(s.network_file, n, &notes, reading.progress());
+        reading.done(tie_count(setup.observed));
     }
     say_notes(context, notes, "network", s.network_file);
     if (s.task != Task::simulation) check_degree_cap(s, setup.observed);
@@ -152,6 +158,10 @@ std::unique_ptr<SampleFiles<Store>> start_sampling(RunContext& context, const St
     return files;
 }
 
+// Process 0 of a simulation that saves its final network: a file that cannot be written is
+// refused before the simulation runs, and the network is written when the sampling ends.
+void start_saving_network(RunContext& context, Listeners& listeners);
+
 template <class Store>
 void simulate_task(RunContext& context, ChainSetup<Store>& setup,
                    const std::vector<double>& parameters) {
@@ -159,6 +169,7 @@ void simulate_task(RunContext& context, ChainSetup<Store>& setup,
     Listeners listeners;
     const auto files = start_sampling(context, setup.observed,
                                       context.names.sample_statistics + ".txt", listeners);
+    start_saving_network(context, listeners);
     const Observer observer = listeners.all(context);
     SimulationRecord record =
         context.chains.chains > 1
@@ -355,8 +366,9 @@ void run_task(RunContext& context) {
     // A host's listener is called on the thread that started the run; the engine's own may
     // hear a chain's samples from the chain's thread.
     context.chains.calling_thread_events = context.observer != nullptr;
-    context.chains.networks_to_root = s.outputs.any();
+    context.chains.networks_to_root = s.outputs.any() || !context.save_network.empty();
     if (context.write_files) check_sample_files_disk(s, available_disk_bytes(s.output_directory));
+    task_detail::say_no_network_saved(context);
     ChainSetup<Store> setup;
     task_detail::prepare(context, setup);
     if constexpr (std::is_same_v<Store, SparseGraph> || std::is_same_v<Store, SparseDigraph>) {

@@ -199,9 +199,10 @@ void keep_only(Digraph& d, Bookkeeping keep) {
              (Bookkeeping::two_paths | Bookkeeping::common_senders | Bookkeeping::common_receivers);
 }
 
-Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes) {
+Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes,
+                     const ReadProgress* progress) {
     Digraph d = create_digraph(n);
-    digraph_building::read_arcs(d, path, n, notes);
+    digraph_building::read_arcs(d, path, n, notes, progress);
     return d;
 }
 

@@ -25,6 +25,7 @@
 #include "base/compiler.h"
 #include "base/large_allocator.h"
 #include "base/matrix_text.h"
+#include "base/progress.h"
 #include "network/bookkeeping.h"
 #include "network/network_kind.h"
 
@@ -185,8 +186,10 @@ inline void prepare_change(const Digraph&, Workspace&, int, int) {}
 // node i; a value of exactly 1 off the diagonal is an arc, anything else is not. Throws
 // InputFileError naming the file, and the row and column of a value that is not a number, or
 // the row where a short file ends.
-// `notes`, when given, counts the cells that are neither 0 nor 1.
-Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes = nullptr);
+// `notes`, when given, counts the cells that are neither 0 nor 1. `progress`, when given, hears
+// the bytes read.
+Digraph read_digraph(const std::string& path, int n, MatrixNotes* notes = nullptr,
+                     const ReadProgress* progress = nullptr);
 
 // A random digraph with exactly arc_target arcs: the generator is reseeded, then senders and
 // receivers are drawn in that order until the target is met. Throws SettingError when the

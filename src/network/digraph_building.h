@@ -5,37 +5,71 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/progress.h"
+#include "base/tie_list_file.h"
 #include "numeric/rng.h"
 
 namespace vexa::digraph_building {
 
+// Whether a store is filled at once from a reader's arcs (fill_from_ties, recount_bookkeeping)
+// instead of arc by arc: the sparse one, whose arc-by-arc counting scatters its updates over
+// lists and tables of hundreds of megabytes.
+template <class D>
+concept FilledAtOnce = requires(D& d, std::span<const std::pair<int32_t, int32_t>> arcs) {
+    fill_from_ties(d, arcs, nullptr);
+    recount_bookkeeping(d, nullptr);
+};
+
 // Adds the arcs of an n x n matrix file to an empty store D: row i holds the arcs sent by node
 // i, a value of exactly 1 off the diagonal is an arc. Notes cells other than 0 and 1. A file
 // that lists its ties instead adds every tie of value 1, both ways for a line under *Edges.
+// `progress` (may be null) hears the bytes read and the nodes counted.
 template <class D>
-void read_arcs(D& d, const std::string& path, int n, MatrixNotes* notes) {
+void read_arcs(D& d, const std::string& path, int n, MatrixNotes* notes,
+               const ReadProgress* progress) {
     MatrixNotes seen;
     const auto arc = [&](int a, int b, double value) {
         if (a != b && value == 1.0 && !d.has_arc(a, b)) {
             add_arc(d, a, b);
-            update_two_paths(d, a, b, 1);
+            if constexpr (!FilledAtOnce<D>) update_two_paths(d, a, b, 1);
         }
     };
+    const WorkDone* bytes = progress != nullptr ? &progress->bytes : nullptr;
+    const WorkDone* nodes = progress != nullptr ? &progress->nodes : nullptr;
     if (is_tie_list_file(path)) {
-        read_tie_list_file(path, "network", n, [&](int a, int b, double value, bool both) {
-            note_cell(seen, a, b, value);
-            arc(a, b, value);
-            if (both) arc(b, a, value);
-        });
+        std::vector<std::pair<int32_t, int32_t>> arcs;
+        const auto take = [&](int a, int b, double value) {
+            if constexpr (FilledAtOnce<D>) {
+                if (value == 1.0) arcs.emplace_back(a, b);
+            } else {
+                arc(a, b, value);
+            }
+        };
+        read_tie_list_file(
+            path, "network", n,
+            [&](int a, int b, double value, bool both) {
+                note_cell(seen, a, b, value);
+                take(a, b, value);
+                if (both) take(b, a, value);
+            },
+            bytes);
+        if constexpr (FilledAtOnce<D>) fill_from_ties(d, arcs, nodes);
     } else {
-        read_matrix_file(path, "network", n, [&](int a, int b, double value) {
-            note_cell(seen, a, b, value);
-            arc(a, b, value);
-        });
+        read_matrix_file(
+            path, "network", n,
+            [&](int a, int b, double value) {
+                note_cell(seen, a, b, value);
+                arc(a, b, value);
+            },
+            bytes);
+        if constexpr (FilledAtOnce<D>) recount_bookkeeping(d, nodes);
     }
     if (notes != nullptr) *notes = seen;
 }

@@ -253,9 +253,9 @@ void keep_only(Graph& g, Bookkeeping keep) {
     g.kept = g.kept & keep & (Bookkeeping::shared_partners | Bookkeeping::triangles);
 }
 
-Graph read_graph(const std::string& path, int n, MatrixNotes* notes) {
+Graph read_graph(const std::string& path, int n, MatrixNotes* notes, const ReadProgress* progress) {
     Graph g = create_graph(n);
-    graph_building::read_ties(g, path, n, notes);
+    graph_building::read_ties(g, path, n, notes, progress);
     return g;
 }
 

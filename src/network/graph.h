@@ -20,6 +20,7 @@
 #include "base/compiler.h"
 #include "base/large_allocator.h"
 #include "base/matrix_text.h"
+#include "base/progress.h"
 #include "network/bookkeeping.h"
 #include "network/network_kind.h"
 
@@ -128,8 +129,9 @@ void keep_only(Graph& graph, Bookkeeping keep);
 // diagonal is an edge, anything else is not. Throws InputFileError naming the file, and the
 // row and column of a value that is not a number, or the count when the file is short or long.
 // `notes`, when given, counts the cells that are neither 0 nor 1 and the pairs whose lower
-// cell disagrees with the upper one.
-Graph read_graph(const std::string& path, int n, MatrixNotes* notes = nullptr);
+// cell disagrees with the upper one. `progress`, when given, hears the bytes read.
+Graph read_graph(const std::string& path, int n, MatrixNotes* notes = nullptr,
+                 const ReadProgress* progress = nullptr);
 
 // A random graph with exactly edge_target edges (pairs drawn uniformly; the generator is
 // reseeded first). Throws SettingError when edge_target exceeds n(n-1)/2.

@@ -4,41 +4,71 @@
 // density. Included by the two stores' sources only.
 
 #include <cstdint>
+#include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
+#include "base/progress.h"
+#include "base/tie_list_file.h"
 #include "numeric/rng.h"
 
 namespace vexa::graph_building {
 
+// Whether a store is filled at once from a reader's ties (fill_from_ties, recount_bookkeeping)
+// instead of tie by tie: the sparse one, whose tie-by-tie counting scatters its updates over
+// lists and tables of hundreds of megabytes.
+template <class G>
+concept FilledAtOnce = requires(G& g, std::span<const std::pair<int32_t, int32_t>> ties) {
+    fill_from_ties(g, ties, nullptr);
+    recount_bookkeeping(g, nullptr);
+};
+
 // Adds the ties of an n x n matrix file to an empty store G: a value of exactly 1 above the
 // diagonal is an edge. Notes cells other than 0 and 1 and pairs whose two cells disagree. A
-// file that lists its ties instead adds every tie of value 1 as an edge.
+// file that lists its ties instead adds every tie of value 1 as an edge. `progress` (may be
+// null) hears the bytes read and the nodes counted.
 template <class G>
-void read_ties(G& g, const std::string& path, int n, MatrixNotes* notes) {
+void read_ties(G& g, const std::string& path, int n, MatrixNotes* notes,
+               const ReadProgress* progress) {
     MatrixNotes seen;
+    const auto add = [&g](int a, int b) {
+        if (has_edge(g, a, b)) return;
+        add_edge(g, a, b);
+        if constexpr (!FilledAtOnce<G>) update_shared_partners(g, a, b, 1);
+    };
+    const WorkDone* bytes = progress != nullptr ? &progress->bytes : nullptr;
+    const WorkDone* nodes = progress != nullptr ? &progress->nodes : nullptr;
     if (is_tie_list_file(path)) {
         // Every listed tie is an edge, whichever way it is listed.
-        read_tie_list_file(path, "network", n, [&](int a, int b, double value, bool) {
-            note_cell(seen, a, b, value);
-            if (value == 1.0 && !has_edge(g, a, b)) {
-                add_edge(g, a, b);
-                update_shared_partners(g, a, b, 1);
-            }
-        });
-        if (notes != nullptr) *notes = seen;
-        return;
+        std::vector<std::pair<int32_t, int32_t>> ties;
+        read_tie_list_file(
+            path, "network", n,
+            [&](int a, int b, double value, bool) {
+                note_cell(seen, a, b, value);
+                if (value != 1.0) return;
+                if constexpr (FilledAtOnce<G>) {
+                    ties.emplace_back(a, b);
+                } else {
+                    add(a, b);
+                }
+            },
+            bytes);
+        if constexpr (FilledAtOnce<G>) fill_from_ties(g, ties, nodes);
+    } else {
+        read_matrix_file(
+            path, "network", n,
+            [&](int a, int b, double value) {
+                note_cell(seen, a, b, value);
+                if (a < b && value == 1.0) add(a, b);
+                // The upper cell of this pair was read a row earlier.
+                if (a > b && (value == 1.0) != has_edge(g, b, a)) note_asymmetry(seen, b, a);
+            },
+            bytes);
+        if constexpr (FilledAtOnce<G>) recount_bookkeeping(g, nodes);
     }
-    read_matrix_file(path, "network", n, [&](int a, int b, double value) {
-        note_cell(seen, a, b, value);
-        if (a < b && value == 1.0 && !has_edge(g, a, b)) {
-            add_edge(g, a, b);
-            update_shared_partners(g, a, b, 1);
-        }
-        // The upper cell of this pair was read a row earlier.
-        if (a > b && (value == 1.0) != has_edge(g, b, a)) note_asymmetry(seen, b, a);
-    });
     if (notes != nullptr) *notes = seen;
 }
 

@@ -116,9 +116,10 @@ void keep_only(SparseDigraph& d, Bookkeeping keep) {
              (Bookkeeping::two_paths | Bookkeeping::common_senders | Bookkeeping::common_receivers);
 }
 
-SparseDigraph read_sparse_digraph(const std::string& path, int n, MatrixNotes* notes) {
+SparseDigraph read_sparse_digraph(const std::string& path, int n, MatrixNotes* notes,
+                                  const ReadProgress* progress) {
     SparseDigraph d = create_sparse_digraph(n);
-    digraph_building::read_arcs(d, path, n, notes);
+    digraph_building::read_arcs(d, path, n, notes, progress);
     return d;
 }
 

@@ -21,9 +21,11 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/matrix_text.h"
+#include "base/progress.h"
 #include "network/bookkeeping.h"
 #include "network/network_kind.h"
 #include "network/pair_table.h"
@@ -88,12 +90,26 @@ void remove_arc(SparseDigraph& digraph, int i, int j);
 void update_two_paths(SparseDigraph& digraph, int i, int j, int added);
 // Drops (and frees) the tables `keep` leaves out, as the dense store's keep_only.
 void keep_only(SparseDigraph& digraph, Bookkeeping keep);
+// Makes the pair tables the store keeps anew from the out- and in-lists alone, node by node:
+// for a store whose arcs came by add_arc alone (a reader's), the counts update_two_paths would
+// have left, in a fraction of the time (each pair's count lands in its table once, and each
+// table is sized once). `nodes`, when given, hears the nodes done of all (each node counts
+// twice per table).
+void recount_bookkeeping(SparseDigraph& digraph, const WorkDone* nodes);
+// Makes the store the network of the arcs (from, to), whatever it held: the lists add_arc of
+// every arc in order would leave (an arc already there skipped), entry for entry, with their
+// degrees and mutual dyads, then the tables of recount_bookkeeping.
+void fill_from_ties(SparseDigraph& digraph, std::span<const std::pair<int32_t, int32_t>> arcs,
+                    const WorkDone* nodes);
 
 // The bytes the store holds now (its lists, tables and arrays, at their capacity).
 double held_bytes(const SparseDigraph& digraph);
 
-// Reads an n x n matrix file as read_digraph does (the same notes and errors).
-SparseDigraph read_sparse_digraph(const std::string& path, int n, MatrixNotes* notes = nullptr);
+// Reads an n x n matrix file or a tie list as read_digraph does (the same notes and errors),
+// then makes the pair counts at once (recount_bookkeeping); `progress` hears the bytes read and
+// the nodes counted.
+SparseDigraph read_sparse_digraph(const std::string& path, int n, MatrixNotes* notes = nullptr,
+                                  const ReadProgress* progress = nullptr);
 // A random digraph with exactly arc_target arcs, drawn as random_digraph_by_count draws them
 // (the same network for the same generator state).
 SparseDigraph random_sparse_digraph(int n, int64_t arc_target, Rng& rng, SeedSource& seeds);

@@ -181,9 +181,10 @@ void keep_only(SparseGraph& g, Bookkeeping keep) {
     g.kept = g.kept & keep & (Bookkeeping::shared_partners | Bookkeeping::triangles);
 }
 
-SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes) {
+SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes,
+                              const ReadProgress* progress) {
     SparseGraph g = create_sparse_graph(n);
-    graph_building::read_ties(g, path, n, notes);
+    graph_building::read_ties(g, path, n, notes, progress);
     return g;
 }
 

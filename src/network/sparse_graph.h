@@ -24,6 +24,7 @@
 
 #include "base/compiler.h"
 #include "base/matrix_text.h"
+#include "base/progress.h"
 #include "network/bookkeeping.h"
 #include "network/network_kind.h"
 #include "network/pair_table.h"
@@ -110,12 +111,26 @@ void remove_edge(SparseGraph& graph, int i, int j);
 void update_shared_partners(SparseGraph& graph, int i, int j, int added);
 // Drops (and frees) the counts `keep` leaves out, as the dense store's keep_only.
 void keep_only(SparseGraph& graph, Bookkeeping keep);
+// Makes the shared partners, triangles, their histograms and the partner filter that the store
+// keeps anew from the neighbour lists alone, node by node: for a store whose edges came by
+// add_edge alone (a reader's), the counts update_shared_partners would have left, in a fraction
+// of the time (each pair's count lands in the table once, not once per partner, and the table
+// is sized once). `nodes`, when given, hears the nodes done of all (each node counts twice).
+void recount_bookkeeping(SparseGraph& graph, const WorkDone* nodes);
+// Makes the store the network of the ties (from, to), whatever it held: the lists add_edge of
+// every tie in order would leave (a tie already there skipped), entry for entry, with their
+// degrees, then the counts of recount_bookkeeping. What a reader of millions of ties needs:
+// the lists are laid out once at their final length instead of growing tie by tie.
+void fill_from_ties(SparseGraph& graph, std::span<const std::pair<int32_t, int32_t>> ties,
+                    const WorkDone* nodes);
 
 // The bytes the store holds now (its lists, tables and arrays, at their capacity).
 double held_bytes(const SparseGraph& graph);
 
-// Reads an n x n matrix file as read_graph does.
-SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes = nullptr);
+// Reads an n x n matrix file or a tie list as read_graph does, then makes the pair counts at
+// once (recount_bookkeeping); `progress` hears the bytes read and the nodes counted.
+SparseGraph read_sparse_graph(const std::string& path, int n, MatrixNotes* notes = nullptr,
+                              const ReadProgress* progress = nullptr);
 // A random graph with exactly edge_target edges, drawn as random_graph draws them (the same
 // network for the same generator state).
 SparseGraph random_sparse_graph(int n, int64_t edge_target, Rng& rng, SeedSource& seeds);

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <variant>
 #include <vector>
@@ -38,6 +39,8 @@ enum class Stage : int32_t {
     parameter_sets,  // a goodness of fit over parameter sets: one burn-in per set
     check_burn_in,   // the long-chain check of an estimate: its burn-in
     check,           // the long-chain check: its draws
+    reading,         // a large network file: its bytes read (only files that take a while)
+    counting,        // the network just read: its nodes whose pair counts are made
 };
 
 struct StageStarted {
@@ -76,6 +79,10 @@ struct SamplingEnded {
     Stage stage = Stage::sampling;
     double samples = 0.0;
     double accepted = 0.0;  // over the stage
+    // The network the stage ended at, where one chain's network is it: a simulation's final
+    // network, whose statistics are its end statistics (of K chains, that of the chain that drew
+    // the last sample). Told by every simulation.
+    std::optional<NetworkRef> network;
 };
 
 struct RunStarted {

@@ -204,8 +204,12 @@ SimulationRecord simulate_chains(const ChainSetup<Store>& setup,
         cluster_send(0, k, v);
     });
     record.accepted = sum_in_order(accepted);
-    observer.tell(SamplingEnded{Stage::sampling, static_cast<double>(m), record.accepted});
     const int32_t last = m > 0 ? static_cast<int32_t>((m - 1) % static_cast<size_t>(K)) : 0;
+    // The last sample's chain ended there; on process 0 its network is at hand when the chain
+    // is its own or sent its networks here.
+    SamplingEnded ended{Stage::sampling, static_cast<double>(m), record.accepted, std::nullopt};
+    if (cluster.owns(last) || chains.networks_to_root) ended.network = set[last].store;
+    observer.tell(ended);
     record.end_statistics = end_statistics_of(set, setup, chains, last, p);
     return record;
 }
@@ -264,7 +268,10 @@ GofRecord goodness_of_fit_chains(const ChainSetup<Store>& setup,
                            &scratch[kk].value);
     });
     record.accepted = sum_in_order(accepted);
-    observer.tell(SamplingEnded{Stage::sampling, static_cast<double>(m), record.accepted});
+    observer.tell(SamplingEnded{.stage = Stage::sampling,
+                                .samples = static_cast<double>(m),
+                                .accepted = record.accepted,
+                                .network = std::nullopt});
     const auto last = static_cast<int32_t>((m - 1) % static_cast<size_t>(K));
     gof_detail::finish_record(record, setup, *set[last].store);
     record.end_statistics = end_statistics_of(set, setup, chains, last, p);
@@ -327,8 +334,10 @@ GofRecord bayesian_goodness_of_fit_chains(const ChainSetup<Store>& setup,
         summary.empty += bound == Bound::empty ? 1 : 0;
         summary.complete += bound == Bound::complete ? 1 : 0;
     }
-    observer.tell(
-        SamplingEnded{Stage::parameter_sets, static_cast<double>(summary.count), record.accepted});
+    observer.tell(SamplingEnded{.stage = Stage::parameter_sets,
+                                .samples = static_cast<double>(summary.count),
+                                .accepted = record.accepted,
+                                .network = std::nullopt});
     record.sets = std::move(summary);
     const auto last = m > 0 ? static_cast<int32_t>((m - 1) % static_cast<size_t>(K)) : 0;
     gof_detail::finish_record(record, setup, *set[last].store);

@@ -179,8 +179,10 @@ GofRecord bayesian_goodness_of_fit(const ChainSetup<Store>& setup,
             summary.empty += bound == Bound::empty ? 1 : 0;
             summary.complete += bound == Bound::complete ? 1 : 0;
         });
-    observer.tell(
-        SamplingEnded{Stage::parameter_sets, static_cast<double>(summary.count), record.accepted});
+    observer.tell(SamplingEnded{.stage = Stage::parameter_sets,
+                                .samples = static_cast<double>(summary.count),
+                                .accepted = record.accepted,
+                                .network = std::nullopt});
     record.sets = std::move(summary);
     gof_detail::finish_record(record, setup, working);
     return record;

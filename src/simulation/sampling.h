@@ -44,7 +44,8 @@ double run_proposals(Chain<Store>& chain, const double* parameters, const Sampli
             next_sample += plan.interval;
         }
     }
-    observer.tell(SamplingEnded{Stage::sampling, samples, accepted_total});
+    const Store* network = chain.store;
+    observer.tell(SamplingEnded{Stage::sampling, samples, accepted_total, network});
     return accepted_total;
 }
 

@@ -43,6 +43,24 @@ test_that("a simulation returns its networks with their statistics", {
   expect_equal(sim$statistics$Triangle, triangles)
 })
 
+test_that("a simulation saves its final network as a tie list", {
+  file <- tempfile(fileext = ".net")
+  on.exit(unlink(file))
+  sim <- vexa_simulate(12, c("edge", "Triangle"), parameters = c(-1, 0.2), seed = 9,
+                       networks = TRUE, save_network = file,
+                       settings = quiet(iterations = 5000, samples = 10, chains = 2))
+  expect_equal(sim$saved_network, file)
+  lines <- readLines(file)
+  expect_equal(lines[1:2], c("*Vertices 12", "*Edges"))
+  ties <- do.call(rbind, lapply(strsplit(lines[-(1:2)], " "), as.integer))
+  saved <- matrix(0L, 12, 12)
+  saved[ties] <- 1L
+  saved[ties[, 2:1]] <- 1L
+  expect_equal(saved, sim$networks[[10]])
+  expect_error(vexa_simulate(12, "edge", parameters = -1, save_network = c("a", "b")),
+               "save_network must be one file name")
+})
+
 test_that("chains give the same goodness of fit on one thread as on two", {
   data(flomarriage, package = "vexa")
   run <- function(threads) {

@@ -21,7 +21,8 @@ void usage(FILE* out) {
     std::fprintf(
         out,
         "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
-        "            [--method sa|ee] [--chains K] [--threads N] RUNFILE\n"
+        "            [--method sa|ee] [--chains K] [--threads N] [--save-network FILE]\n"
+        "            RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says. Exits with 0 after a complete run, 1 when\n"
@@ -59,6 +60,10 @@ void usage(FILE* out) {
         "               --auto). Each chain holds a copy of the network in memory\n"
         "  --threads N  run the chains on N threads (default: the cores available); the\n"
         "               results depend on the seed and K alone, never on N\n"
+        "  --save-network FILE\n"
+        "               a simulation saves its final network in FILE as a tie list (*Vertices,\n"
+        "               then *Edges or *Arcs, nodes from 1), which a run reads back as its\n"
+        "               network file; other tasks save none\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -111,6 +116,17 @@ bool take_either(int argc, char** argv, int& k, const char* name, const char* fi
     return true;
 }
 
+// --save-network FILE at argv[k]: -1 when taken (k moved past FILE), 2 (after saying why)
+// without a file name.
+int take_save_network(int argc, char** argv, int& k, CommandLine& line) {
+    if (k + 1 >= argc || argv[k + 1][0] == '\0') {
+        std::fprintf(stderr, "vexa: --save-network needs a file name\n");
+        return 2;
+    }
+    line.options.save_network = argv[++k];
+    return -1;
+}
+
 // Takes the option at argv[k] (and its values), moving k past them. Returns -1 when the option
 // was taken, else the exit status to end with (0 after --help or --version, 2 for a mistake).
 int take_option(int argc, char** argv, int& k, CommandLine& line) {
@@ -161,6 +177,7 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
         return take_count(argc, argv, k, arg, vexa::max_chains, line.options.chains) ? -1 : 2;
     if (std::strcmp(arg, "--threads") == 0)
         return take_count(argc, argv, k, arg, 4096, line.options.threads) ? -1 : 2;
+    if (std::strcmp(arg, "--save-network") == 0) return take_save_network(argc, argv, k, line);
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
         return -1;
