@@ -97,7 +97,7 @@ bool run_equilibrium_expectation(RunState<Store>& r, float a) {
     const int stages = r.settings.subphase_count;
     for (int k = 0; k < stages + settling_stages_allowed; ++k) {
         const int last = std::min(k, stages - 1);
-        if (k == 1) a = a + a;  // stages 0 and 1 both run with the starting gain
+        if (k == 1 && stages > 1) a = a + a;  // stages 0 and 1 both run with the starting gain
         const double draws = std::ceil(std::pow(2.0, 4.0 * last / 3.0) * (r.p + 7));
         if (!run_equilibrium_stage(r, k, a, static_cast<int>(draws * blocks_per_draw), halves))
             return false;

@@ -51,6 +51,10 @@ TEST(EquilibriumExpectation, ReachesClosedFormsAndPhase3JudgesThem) {
     testing::GraphRunFile edge = testing::on_network(graph_dir, "flomarriage.txt");
     edge.effects = {{"edge", {0, 0}}};
     expect_near_exact(edge, graph_dir, {std::log(20.0 / 100.0)}, 0.2);
+    // A single stage is also the last: it keeps the starting gain, and runs again while its
+    // halves differ.
+    edge.subphases = 1;
+    expect_near_exact(edge, graph_dir, {std::log(20.0 / 100.0)}, 0.3);
 
     // Arc and reciprocity on samplike.
     const std::string digraph_dir = testing::scratch_directory("equilibrium_reciprocity");
