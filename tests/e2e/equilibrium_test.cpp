@@ -14,15 +14,16 @@
 namespace vexa {
 namespace {
 
-// Eight seeds in the plain mode at factor 4, up to three runs: at least seven converge, and
-// every reported estimate lies within `tolerance` standard errors of the exact values
-// (measured: at most 0.13 of a standard error off).
+// Eight seeds (two in the checking build) in the plain mode at factor 4, up to three runs: all
+// but one converge, and every reported estimate lies within `tolerance` standard errors of the
+// exact values (measured: at most 0.13 of a standard error off).
 void expect_near_exact(testing::GraphRunFile file, const std::string& dir,
                        const std::vector<double>& exact, double tolerance) {
     file.factor = 4;
     file.runs = 3;
     int converged = 0;
-    for (uint32_t seed = 1; seed <= 8; ++seed) {
+    const uint32_t seeds = testing::checking_build ? 2 : 8;
+    for (uint32_t seed = 1; seed <= seeds; ++seed) {
         RunOptions options;
         options.fixed_seed = true;
         options.seed = seed;
@@ -42,7 +43,7 @@ void expect_near_exact(testing::GraphRunFile file, const std::string& dir,
                 << " exact " << exact[k] << " se " << summary[k].se;
         }
     }
-    EXPECT_GE(converged, 7);
+    EXPECT_GE(converged, static_cast<int>(seeds) - 1);
 }
 
 TEST(EquilibriumExpectation, ReachesClosedFormsAndPhase3JudgesThem) {

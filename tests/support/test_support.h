@@ -7,6 +7,14 @@
 
 namespace vexa::testing {
 
+// Whether this build recounts the store after every accepted step (the sanitizer build): its
+// statistical tests run shorter, as they are there to find memory faults, not to measure.
+#if defined(__SANITIZE_ADDRESS__) || defined(VEXA_CHECK_BOOKKEEPING)
+inline constexpr bool checking_build = true;
+#else
+inline constexpr bool checking_build = false;
+#endif
+
 // A file of tests/data.
 inline std::string data_path(const std::string& name) {
     return std::string(VEXA_TEST_DATA_DIR) + "/" + name;
