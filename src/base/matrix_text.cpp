@@ -105,15 +105,8 @@ std::vector<std::string> read_words(const std::string& path, const char* what) {
 
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell, const WorkDone* bytes) {
-    FILE* file = open_file(path, "rb");
-    if (file == nullptr) {
-        throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
-    }
-    // Closes the file however the reading ends.
-    struct Closer {
-        FILE* file;
-        ~Closer() { std::fclose(file); }
-    } closer{file};
+    const ReadingFile opened(path, what);
+    FILE* file = opened.file;
 
     const long long needed = static_cast<long long>(n) * n;
     // Generous room for blanks and long spellings of numbers; only a file that runs on

@@ -28,6 +28,12 @@ FILE* open_file(const std::string& path, const char* mode) {
     return std::fopen(path.c_str(), mode);
 }
 
+ReadingFile::ReadingFile(const std::string& path, const char* what) : file(open_file(path, "rb")) {
+    if (file == nullptr) {
+        throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
+    }
+}
+
 double file_size(FILE* file) {
 #if defined(_WIN32)
     struct _stat64 status {};

@@ -19,6 +19,16 @@ enum class OpenMode { truncate, append };
 // path that is not UTF-8 is taken to be in that code page and opened as it stands.
 FILE* open_file(const std::string& path, const char* mode);
 
+// A file opened for binary reading and closed however the reading ends. Throws InputFileError
+// ("vexa: cannot open <what> file '<path>'") when it cannot be opened.
+struct ReadingFile {
+    FILE* file = nullptr;
+    ReadingFile(const std::string& path, const char* what);
+    ~ReadingFile() { std::fclose(file); }
+    ReadingFile(const ReadingFile&) = delete;
+    ReadingFile& operator=(const ReadingFile&) = delete;
+};
+
 // The size in bytes of an open regular file; -1 for anything else (a pipe, a device).
 double file_size(FILE* file);
 // The same of the file at `path`; -1 also when it cannot be opened.

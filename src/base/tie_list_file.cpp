@@ -185,15 +185,8 @@ static_assert(longest_tie_list_line < block_bytes);
 void read_tie_list_file(const std::string& path, const char* what, int n,
                         const std::function<void(int, int, double, bool)>& tie,
                         const WorkDone* bytes) {
-    FILE* file = open_file(path, "rb");
-    if (file == nullptr) {
-        throw InputFileError(format_message("vexa: cannot open %s file '%s'", what, path.c_str()));
-    }
-    // Closes the file however the reading ends.
-    struct Closer {
-        FILE* file;
-        ~Closer() { std::fclose(file); }
-    } closer{file};
+    const ReadingFile opened(path, what);
+    FILE* file = opened.file;
     const double size = file_size(file);
     TieListLines lines(path, what, n, tie);
     std::vector<char> block(block_bytes);
