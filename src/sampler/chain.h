@@ -111,6 +111,11 @@ Chain<Store> make_chain(Store& store, const std::vector<Term<Store>>& terms,
     chain.store = &store;
     chain.terms = &terms;
     chain.settings = settings;
+    // A digraph has no closure proposal, and a constraint network would leave ties out of the
+    // list its two-path draws start from: such chains take the tie/no-tie proposal.
+    if (settings.proposal == Proposal::closure &&
+        (Store::kind != NetworkKind::graph || settings.mask != nullptr))
+        chain.settings.proposal = Proposal::tie_no_tie;
     chain.rng = &rng;
     chain.draw_node = NodeDraw::of(store.node_count);
     const auto count = static_cast<size_t>(statistic_count);

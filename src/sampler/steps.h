@@ -173,13 +173,9 @@ inline int step(Chain<Store>& chain, const double* parameters) {
     switch (chain.settings.proposal) {
         case Proposal::swap: return swap_step(chain, parameters);
         case Proposal::tie_no_tie: return tie_no_tie_step(chain, parameters);
-        case Proposal::closure:
-            // A constraint network would leave ties out of the list the two-path draw starts
-            // from; such chains take the tie/no-tie proposal.
-            if constexpr (Store::kind == NetworkKind::graph) {
-                if (chain.settings.mask == nullptr) return closure_step(chain, parameters);
-            }
-            return tie_no_tie_step(chain, parameters);
+        case Proposal::closure:  // graphs without a constraint only (see make_chain)
+            if constexpr (Store::kind == NetworkKind::graph) return closure_step(chain, parameters);
+            break;
         case Proposal::receiver_move:
             if constexpr (Store::kind == NetworkKind::digraph)
                 return receiver_move_step(chain, parameters);

@@ -14,6 +14,7 @@
 #include "model/terms.h"
 #include "report/network_file.h"
 #include "sampler/runs.h"
+#include "support/kinds.h"
 #include "support/run_files.h"
 #include "support/test_support.h"
 
@@ -24,14 +25,9 @@ namespace {
 // random start and 20 million tie/no-tie proposals, some 40 times the chain's autocorrelation
 // time at this size.
 Graph simulated_network() {
-    Model model = empty_model(NetworkKind::graph);
-    for (const GraphEffect effect :
-         {GraphEffect::edge, GraphEffect::as, GraphEffect::at, GraphEffect::a2p}) {
-        EffectSetting& setting = model.structural[static_cast<size_t>(effect)];
-        setting.slot = model.structural_included++;
-        setting.lambda = 2.0f;
-    }
-    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
+    const std::vector<Term<Graph>> terms = make_terms<Graph>(
+        testing::model_of(NetworkKind::graph, {int(GraphEffect::edge), int(GraphEffect::as),
+                                               int(GraphEffect::at), int(GraphEffect::a2p)}));
     const std::vector<double> theta{std::log(10.0 / 989.0) + 1.6, 0.1, 0.1, -0.1};
     Rng rng;
     SeedSource seeds{true, 5, 0};
