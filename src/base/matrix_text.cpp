@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 #include "base/errors.h"
 #include "base/text_file.h"
@@ -103,8 +104,14 @@ std::vector<std::string> read_words(const std::string& path, const char* what) {
     return split_words(read_text_file(path, what));
 }
 
+bool is_missing_word(std::string_view word) {
+    return word == "." || (word.size() == 2 && (word[0] == 'N' || word[0] == 'n') &&
+                           (word[1] == 'A' || word[1] == 'a'));
+}
+
 void read_matrix_file(const std::string& path, const char* what, int n,
-                      const std::function<void(int, int, double)>& cell, const WorkDone* bytes) {
+                      const std::function<void(int, int, double)>& cell, const WorkDone* bytes,
+                      bool missing_allowed) {
     const ReadingFile opened(path, what);
     FILE* file = opened.file;
 
@@ -124,7 +131,9 @@ void read_matrix_file(const std::string& path, const char* what, int n,
         const int row = static_cast<int>(count / n);
         const int column = static_cast<int>(count % n);
         double value = 0.0;
-        if (!parse_double(word, value)) {
+        if (missing_allowed && is_missing_word(word)) {
+            value = std::numeric_limits<double>::quiet_NaN();
+        } else if (!parse_double(word, value)) {
             throw InputFileError(
                 format_message("vexa: %s file '%s', row %d, column %d: '%s' is not a number", what,
                                path.c_str(), row + 1, column + 1, quoted_word(word).c_str()));

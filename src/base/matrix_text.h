@@ -20,7 +20,18 @@ struct MatrixNotes {
     // Undirected networks: pairs whose two cells disagree on a tie (the upper one counts).
     int64_t asymmetric_pairs = 0;
     int first_asymmetric_row = 0, first_asymmetric_column = 0;  // its upper cell, from 1
+    // Dyads whose cell says the tie was not observed ("NA" or "."), as (a << 32 | b) from 0: a
+    // graph's with a < b, a digraph's ordered. In reading order, possibly repeated.
+    std::vector<uint64_t> missing;
 };
+
+// Whether a cell's value marks a dyad not observed (a network reader's NaN).
+inline bool missing_cell(double value) { return value != value; }
+
+// The key a reader notes a missing dyad under.
+inline uint64_t missing_key(int a, int b) {
+    return uint64_t{static_cast<uint32_t>(a)} << 32 | static_cast<uint32_t>(b);
+}
 
 // Counts a cell (row a, column b, from 0) that holds neither 0 nor 1.
 inline void note_cell(MatrixNotes& notes, int a, int b, double value) {
@@ -60,10 +71,14 @@ inline constexpr size_t longest_number_word = 256;
 // (naming the row where it ends) or more than n x n values. The file is read in pieces: one
 // that never ends a word, or runs on far past what the matrix needs (a device such as
 // /dev/zero), is refused before it fills the memory. `bytes`, when given, hears the bytes read
-// of the file's size every few megabytes.
+// of the file's size every few megabytes. With `missing_allowed`, a cell of "NA" or "." (a tie
+// not observed) is passed on as NaN instead of refused.
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell,
-                      const WorkDone* bytes = nullptr);
+                      const WorkDone* bytes = nullptr, bool missing_allowed = false);
+
+// Whether a word marks a value not observed: "NA" (in any case) or ".".
+bool is_missing_word(std::string_view word);
 
 // The whole content of a text file. Throws InputFileError naming the file (`what` says which
 // file it is: "network", "attribute") when it cannot be opened or read, or when it holds more

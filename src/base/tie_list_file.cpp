@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -88,7 +89,7 @@ public:
     }
 
 private:
-    enum class Section { none, vertices, arcs, edges };
+    enum class Section { none, vertices, arcs, edges, missing };
 
     [[noreturn]] void fail(const std::string& why) const {
         throw InputFileError(format_message("vexa: %s file '%s', line %d: %s", what_, path_.c_str(),
@@ -141,9 +142,13 @@ private:
             section_ = Section::arcs;
         } else if (same_word(words[0], "*edges")) {
             section_ = Section::edges;
+        } else if (same_word(words[0], "*missing")) {
+            section_ = Section::missing;
         } else {
-            fail(format_message("'%s' sections are not read: list the ties under *Arcs or *Edges",
-                                quoted_word(words[0]).c_str()));
+            fail(
+                format_message("'%s' sections are not read: list the ties under *Arcs or *Edges "
+                               "and the pairs not observed under *Missing",
+                               quoted_word(words[0]).c_str()));
         }
         if (section_ != Section::vertices && !counted_) {
             fail("the node count comes first, as '*Vertices n'");
@@ -161,6 +166,13 @@ private:
         const int from = node(words[0]);
         const int to = node(words[1]);
         double value = 1.0;
+        if (section_ == Section::missing || (words.size() > 2 && is_missing_word(words[2]))) {
+            // A pair not observed: a tie of no known value.
+            if (from != to)
+                tie_(from, to, std::numeric_limits<double>::quiet_NaN(),
+                     section_ == Section::edges);
+            return;
+        }
         if (words.size() > 2 && !parse_double(words[2], value)) {
             fail(format_message("'%s' is not a number", quoted_word(words[2]).c_str()));
         }

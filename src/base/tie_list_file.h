@@ -6,7 +6,10 @@
 //   *Arcs           ties from the first node to the second
 //   1 2
 //   *Edges          ties both ways
-//   2 3 1           a third number is the tie's value (1, or read as no tie like a matrix cell)
+//   2 3 1           a third number is the tie's value (1, or read as no tie like a matrix cell;
+//                   "NA" or ".": the tie was not observed)
+//   *Missing        pairs whose tie was not observed (a digraph's ordered, a graph's either way)
+//   4 5
 // Nodes are numbered from 1; a line starting with '%' is a comment; a tie of a node to itself
 // is skipped, as the diagonal of a matrix is.
 
@@ -26,7 +29,8 @@ bool is_tie_list_file(const std::string& path);
 inline constexpr size_t longest_tie_list_line = size_t{1} << 20;
 
 // Calls tie(from, to, value, both) for every listed tie (nodes from 0); `both` says that the
-// line stands under *Edges and so ties the two nodes both ways. Throws InputFileError naming the
+// line stands under *Edges and so ties the two nodes both ways. A pair not observed comes with
+// the value NaN. Throws InputFileError naming the
 // file and the line for a missing or different *Vertices count, a section it does not read, a word
 // that is not a node number or a value, a node beyond n, and a line longer than the longest.
 // The file is read in large blocks, and the plain lines ("12 345", "12 345 1") are parsed by

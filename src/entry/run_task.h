@@ -17,6 +17,7 @@
 #include "entry/console.h"
 #include "entry/embedding.h"
 #include "entry/memory_plan.h"
+#include "entry/missing_setup.h"
 #include "entry/network_reading.h"
 #include "entry/run_context.h"
 #include "estimation/exact_likelihood.h"
@@ -135,6 +136,7 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
         setup.sampler.proposal = automatic_proposal(s.proposal, setup.observed, setup.terms);
     setup.sampler.max_degree = s.degree_cap;
     setup.sampler.mask = setup.mask.get();
+    take_missing(context, setup, std::move(notes.missing));
     check_proposals_possible(setup.observed, setup.sampler);
     // Files of every sample's counts read them all; otherwise a chain keeps what its terms read.
     const bool samples_read_counts =
@@ -232,13 +234,19 @@ void bayesian_gof_task(RunContext& context, const ChainSetup<Store>& setup) {
 // The density effect (a graph's edge, a digraph's arc) started at exactly 0 starts at the
 // observed log-odds of a tie. At 0 a digraph's chain would first run to networks of density
 // one half, far from any observed network, and phase 1 would measure the covariance there.
+// Among the observed dyads only, when some are missing.
 template <class Store>
-void adjust_start(const Model& model, const Store& observed, std::vector<double>& parameters) {
+void adjust_start(const Model& model, const ChainSetup<Store>& setup,
+                  std::vector<double>& parameters) {
     const size_t row = Store::kind == NetworkKind::graph ? static_cast<size_t>(GraphEffect::edge)
                                                          : static_cast<size_t>(DigraphEffect::arc);
     const EffectSetting& density_effect = model.structural[row];
     if (density_effect.slot != -1 && density_effect.value == 0.0) {
-        const double d = density(observed);
+        const double observed_dyads = dyad_count(setup.observed.node_count, Store::kind) -
+                                      static_cast<double>(setup.missing.count());
+        const double d = setup.missing.empty()
+                             ? density(setup.observed)
+                             : static_cast<double>(tie_count(setup.observed)) / observed_dyads;
         const double log_odds = std::log(d / (1.0 - d));
         if (std::isfinite(log_odds))
             parameters[static_cast<size_t>(density_effect.slot)] = log_odds;
@@ -313,7 +321,7 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
             "vexa: run file '%s' includes no effect, so there is nothing to estimate",
             s.run_file.c_str()));
     }
-    adjust_start(context.model, setup.observed, parameters);
+    adjust_start(context.model, setup, parameters);
     EstimationSettings settings = estimation_settings(s);
     settings.automatic = context.automatic;
     settings.method = context.method;

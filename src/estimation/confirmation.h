@@ -46,14 +46,19 @@ inline bool confirms(const ConvergenceCheck& check) {
 
 // Runs the check on `chain` (a fresh chain on the observed network, its statistics the observed
 // ones) at `theta`. `steps_per_draw` and `draws` are the estimation's K and its phase-3 draws.
+// `target`, when given, replaces the observed statistics (a network with missing dyads: their
+// expectation given the observed ones).
 template <class Store>
 Confirmation confirm_estimate(Chain<Store>& chain, const std::vector<double>& theta,
                               double steps_per_draw, const Matrix& draws, int32_t factor,
-                              SeedSource& seeds, const Observer& observer) {
+                              SeedSource& seeds, const Observer& observer,
+                              const std::vector<double>* target = nullptr) {
     Confirmation c;
-    const std::vector<double> observed(
-        chain.statistics.begin(),
-        chain.statistics.begin() + static_cast<std::ptrdiff_t>(theta.size()));
+    const std::vector<double> observed =
+        target != nullptr ? *target
+                          : std::vector<double>(chain.statistics.begin(),
+                                                chain.statistics.begin() +
+                                                    static_cast<std::ptrdiff_t>(theta.size()));
     // The slowest statistic sets the spacing: an autocorrelation time apart, draws are close
     // to independent, and the chain goes on until their effective number is enough anyway.
     const double tau = slowest_autocorrelation(draws);

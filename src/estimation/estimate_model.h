@@ -62,6 +62,15 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
     std::vector<double> parameters = start;
     Store working = setup.chain_store();
     Chain<Store> chain = setup.chain_on(working, p, rng);
+    // Missing dyads: the chain given the observed dyads, kept across runs.
+    Store given_store = setup.missing.empty() ? Store{} : setup.chain_store();
+    Rng given_rng;
+    std::optional<Chain<Store>> given;
+    if (!setup.missing.empty()) {
+        SamplerSettings given_settings = setup.sampler;
+        given_settings.proposal = Proposal::missing_toggle;
+        given.emplace(make_chain(given_store, setup.terms, p, given_settings, given_rng));
+    }
     Matrix D = make_matrix(p, p, 0.0);
     AutoCarry carry;
     EstimationSettings run_settings = settings;
@@ -71,7 +80,8 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
         // partly reduced.
         if (run > 1) D = make_matrix(p, p, 0.0);
         observer.tell(RunStarted{run, runs});
-        EstimationRun result = estimate(chain, parameters, D, run_settings, seeds, observer, carry);
+        EstimationRun result = estimate(chain, parameters, D, run_settings, seeds, observer, carry,
+                                        given ? &*given : nullptr);
         result.astray = went_astray(result, previous_stopped, run == runs);
         previous_stopped = result.degenerate;
         if (result.astray) run_settings.start_a_value *= 0.5f;
@@ -98,9 +108,9 @@ EstimationRecord estimate_model(const ChainSetup<Store>& setup, const std::vecto
         Store fresh = setup.chain_store();
         Chain<Store> fresh_chain = setup.chain_on(fresh, p, rng);
         const EstimationRun& last = record.runs.back();
-        record.confirmation =
-            confirm_estimate(fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
-                             settings.multiplication_factor, seeds, observer);
+        record.confirmation = confirm_estimate(
+            fresh_chain, parameters, last.steps_per_draw, last.phase3_draws_matrix,
+            settings.multiplication_factor, seeds, observer, given ? &last.observed : nullptr);
         observer.tell(CheckEnded{*record.confirmation});
     }
     record.estimates = std::move(parameters);

@@ -18,14 +18,18 @@ namespace vexa {
 
 // One run on the chain (its statistics hold the observed totals), continuing from theta and
 // the caller's matrix D (zero at the first run). In the automatic mode `carry` is what the
-// run before found was needed.
+// run before found was needed. A network with missing dyads comes with `given`, the chain that
+// toggles only those (missing_ties.h); its generator is reseeded with the run's.
 template <class Store>
 EstimationRun estimate(Chain<Store>& chain, std::vector<double>& theta, Matrix& D,
                        const EstimationSettings& settings, SeedSource& seeds,
-                       const Observer& observer, const AutoCarry& carry = {}) {
+                       const Observer& observer, const AutoCarry& carry = {},
+                       Chain<Store>* given = nullptr) {
     using namespace estimation_detail;
     seeds.reseed(*chain.rng);
+    if (given != nullptr) seeds.reseed(*given->rng);
     RunState<Store> r(chain, theta, D, settings, observer);
+    r.given = given;
     start_run(r);
     const bool phase1_done = settings.automatic ? run_auto_phase1(r, carry) : run_phase1(r);
     if (!phase1_done) return std::move(r.run);

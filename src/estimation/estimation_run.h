@@ -89,6 +89,10 @@ struct EstimationRun {
     std::vector<double> after_phase2;
     int32_t phase3_draws = 0;
     int32_t phase3_chains = 1;  // row i of the draws is from chain i mod phase3_chains
+    // A network with missing dyads: the draws of the chain given the observed dyads at the
+    // estimate, whose mean replaced the observed statistics (0: none missing).
+    int32_t given_draws = 0;
+    int64_t missing_dyads = 0;
     std::vector<double> phase3_means;
     Matrix phase3_draws_matrix;  // one row per draw, as drawn
     std::vector<double> estimates;

@@ -103,12 +103,16 @@ PseudoLikelihood starting_estimate(Store& network, const std::vector<Term<Store>
     const TieReads reads = model_reads(terms);
     const bool whole = samples_every_network(sampler, network.node_count);
     if (reads == TieReads::reverse && Store::kind == NetworkKind::digraph && whole &&
-        sampler.mask == nullptr &&
+        sampler.mask == nullptr && (sampler.missing == nullptr || sampler.missing->empty()) &&
         pseudo_likelihood_detail::dyad_count(network) <= static_cast<double>(sizes.exact_dyads)) {
         PseudoLikelihood fit = dyad_likelihood(network, terms, count);
         if (fit.finite) return fit;
     }
-    PseudoLikelihood fit = pseudo_likelihood(network, terms, count, sampler.mask, rng, sizes);
+    // Without the missing dyads, the likelihood of independent ties is the logistic regression
+    // over the observed ones: the estimate stays exact when the missing ties are missing at
+    // random.
+    PseudoLikelihood fit =
+        pseudo_likelihood(network, terms, count, sampler.mask, rng, sizes, sampler.missing);
     fit.exact = fit.finite && !fit.sampled && whole && reads == TieReads::nothing;
     return fit;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "estimation/estimation_run.h"
+#include "estimation/missing_ties.h"
 #include "numeric/matrix.h"
 #include "numeric/rng.h"
 #include "sampler/chain_set.h"
@@ -82,6 +83,9 @@ struct RunState {
                                          // sub-phase's iterations, row by row
     ChainSet<Store> phase3;              // phase 3's chains when it runs several: the run's
                                          // own, then copies of its network at phase 3's start
+    Chain<Store>* given = nullptr;       // a network with missing dyads: the chain of those dyads
+                                         // given the observed ones (missing_ties.h)
+    Matrix given_covariance;             // of the given chain's phase-3 draws
 
     RunState(Chain<Store>& run_chain, std::vector<double>& parameters, Matrix& scaling,
              const EstimationSettings& run_settings, const Observer& watcher)
@@ -134,6 +138,7 @@ template <class Store>
 bool finish_phase1(RunState<Store>& r, Matrix& draws) {
     r.run.phase1_means = r.mean;
     accumulate_covariance(r.D, draws, r.mean, r.variance);
+    given_phase1(r, draws.rows);
     if (invert_in_place(r.D) == 0) return r.stop(Degeneracy::singular);
     if (r.extreme) return r.stop(Degeneracy::extreme_network);
     r.run.after_phase1 = r.theta;
@@ -166,18 +171,20 @@ bool run_phase1(RunState<Store>& r) {
 // observed statistics.
 template <class Store>
 void update_parameters(RunState<Store>& r, float a) {
-    for (size_t l = 0; l < r.count; ++l) r.previous[l] = r.chain.statistics[l];
+    // The target is the observed statistics, or for a network with missing dyads the given
+    // chain's, which move on with the draw.
+    const double* observed =
+        r.given != nullptr ? r.given->statistics.data() : r.run.observed.data();
+    for (size_t l = 0; l < r.count; ++l) r.previous[l] = r.chain.statistics[l] - observed[l];
     run_steps_counted(r.chain, r.theta.data(), r.K, r.steps);
+    advance_given(r);
     const double* z = r.chain.statistics.data();
-    const std::vector<double>& observed = r.run.observed;
     for (int j = 0; j < r.p; ++j) {
         for (int l = 0; l < r.p; ++l) {
-            r.theta[static_cast<size_t>(j)] -=
-                (z[l] - observed[static_cast<size_t>(l)]) * a * r.D[l][j];
+            r.theta[static_cast<size_t>(j)] -= (z[l] - observed[l]) * a * r.D[l][j];
         }
     }
-    for (size_t l = 0; l < r.count; ++l)
-        r.crossing[l] += (z[l] - observed[l]) * (r.previous[l] - observed[l]);
+    for (size_t l = 0; l < r.count; ++l) r.crossing[l] += (z[l] - observed[l]) * r.previous[l];
     for (size_t l = 0; l < r.count; ++l) r.parameter_sum[l] += r.theta[l];
 }
 
@@ -282,6 +289,7 @@ bool finish_phase3(RunState<Store>& r, Matrix final_draws) {
         r.run.culprit = -1;
     }
     accumulate_covariance(r.D, final_draws, r.mean, r.variance);
+    if (r.given != nullptr) take_off_given(r.D, r.given_covariance);
     invert_in_place(r.D);  // a singular phase-3 matrix is reported through its entries
     return true;
 }
@@ -327,6 +335,7 @@ Matrix draw_side_by_side(RunState<Store>& r, SeedSource& seeds, int first, int c
 // left in r.mean.
 template <class Store>
 Matrix start_phase3(RunState<Store>& r, SeedSource& seeds, int N3) {
+    given_phase3(r, N3);
     r.steps.stage = Stage::phase3;
     r.observer.tell(StageStarted{
         .stage = Stage::phase3, .draws = N3, .steps_per_draw = r.K, .steps = N3 * std::ceil(r.K)});

@@ -22,6 +22,7 @@
 #include "effects/term.h"
 #include "estimation/logistic.h"
 #include "network/dyad_mask.h"
+#include "network/missing_dyads.h"
 #include "network/network_kind.h"
 #include "numeric/rng.h"
 
@@ -133,7 +134,8 @@ std::vector<std::pair<int, int>> sample_ties(const Store& network, const DyadMas
 // yield fewer.
 template <class Store>
 std::vector<std::pair<int, int>> sample_non_ties(const Store& network, const DyadMask* mask,
-                                                 int64_t wanted, double non_ties, Rng& rng) {
+                                                 const MissingDyads* missing, int64_t wanted,
+                                                 double non_ties, Rng& rng) {
     std::vector<std::pair<int, int>> sample;
     if (wanted <= 0 || non_ties <= 0.0) return sample;
     sample.reserve(static_cast<size_t>(wanted));
@@ -147,6 +149,7 @@ std::vector<std::pair<int, int>> sample_non_ties(const Store& network, const Dya
         if (Store::kind == NetworkKind::graph && i > j) std::swap(i, j);
         if (mask != nullptr && !mask->allows(i, j)) continue;
         if (has_tie(network, i, j)) continue;
+        if (missing != nullptr && missing->contains(i, j)) continue;
         sample.emplace_back(i, j);
     }
     return sample;
@@ -155,20 +158,24 @@ std::vector<std::pair<int, int>> sample_non_ties(const Store& network, const Dya
 }  // namespace pseudo_likelihood_detail
 
 // The MPLE of the terms' `count` statistics on `network`, over the dyads the mask allows (all
-// when it is null). The store is changed while a present tie's change statistics are read and
-// left holding the same ties on return (a neighbour list may list them in another order), as a
+// when it is null) that were observed (not among `missing`, whose change statistics read the
+// missing ties as absent). The store is changed while a present tie's change statistics are read
+// and left holding the same ties on return (a neighbour list may list them in another order), as a
 // sampler's refused step leaves it; pass a copy when that order matters. `rng` draws the sample
 // of a large network and is untouched otherwise. Never throws on data without a finite
 // maximum: `finite` is false then, and the caller should start elsewhere.
 template <class Store>
 PseudoLikelihood pseudo_likelihood(Store& network, const std::vector<Term<Store>>& terms,
                                    int32_t count, const DyadMask* mask, Rng& rng,
-                                   const PseudoLikelihoodSizes& sizes = {}) {
+                                   const PseudoLikelihoodSizes& sizes = {},
+                                   const MissingDyads* missing = nullptr) {
     namespace detail = pseudo_likelihood_detail;
     PseudoLikelihood result;
     result.estimates.assign(static_cast<size_t>(count), 0.0);
+    const double unobserved = missing != nullptr ? static_cast<double>(missing->count()) : 0.0;
     const double allowed =
-        mask != nullptr ? static_cast<double>(mask->allowed_count) : detail::dyad_count(network);
+        (mask != nullptr ? static_cast<double>(mask->allowed_count) : detail::dyad_count(network)) -
+        unobserved;
     LogisticCases cases;
     cases.columns = count;
     Workspace workspace;
@@ -176,6 +183,7 @@ PseudoLikelihood pseudo_likelihood(Store& network, const std::vector<Term<Store>
     const std::vector<double> zeros(static_cast<size_t>(count), 0.0);
     bool usable = true;
     const auto add = [&](int i, int j) {
+        if (missing != nullptr && !missing->empty() && missing->contains(i, j)) return;
         usable = detail::add_case(network, terms, workspace, zeros, cases, i, j) && usable;
     };
     if (allowed <= static_cast<double>(sizes.exact_dyads)) {
@@ -190,7 +198,7 @@ PseudoLikelihood pseudo_likelihood(Store& network, const std::vector<Term<Store>
             detail::sample_ties(network, mask, sizes.tie_sample, rng, allowed_ties);
         const double non_ties = allowed - static_cast<double>(allowed_ties);
         const std::vector<std::pair<int, int>> others =
-            detail::sample_non_ties(network, mask, sizes.non_tie_sample, non_ties, rng);
+            detail::sample_non_ties(network, mask, missing, sizes.non_tie_sample, non_ties, rng);
         // Non-ties exist but none was found: the sample would misstate the network.
         if (non_ties > 0.0 && others.empty()) usable = false;
         const size_t total = ties.size() + others.size();

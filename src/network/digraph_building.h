@@ -28,8 +28,9 @@ concept FilledAtOnce = requires(D& d, std::span<const std::pair<int32_t, int32_t
 };
 
 // Adds the arcs of an n x n matrix file to an empty store D: row i holds the arcs sent by node
-// i, a value of exactly 1 off the diagonal is an arc. Notes cells other than 0 and 1. A file
-// that lists its ties instead adds every tie of value 1, both ways for a line under *Edges.
+// i, a value of exactly 1 off the diagonal is an arc. Notes cells other than 0 and 1, and the
+// arcs not observed ("NA" or "."). A file that lists its ties instead adds every tie of value
+// 1, both ways for a line under *Edges, and notes the pairs of its *Missing section.
 // `progress` (may be null) hears the bytes read and the nodes counted.
 template <class D>
 void read_arcs(D& d, const std::string& path, int n, MatrixNotes* notes,
@@ -55,6 +56,11 @@ void read_arcs(D& d, const std::string& path, int n, MatrixNotes* notes,
         read_tie_list_file(
             path, "network", n,
             [&](int a, int b, double value, bool both) {
+                if (missing_cell(value)) {
+                    seen.missing.push_back(missing_key(a, b));
+                    if (both) seen.missing.push_back(missing_key(b, a));
+                    return;
+                }
                 note_cell(seen, a, b, value);
                 take(a, b, value);
                 if (both) take(b, a, value);
@@ -65,10 +71,14 @@ void read_arcs(D& d, const std::string& path, int n, MatrixNotes* notes,
         read_matrix_file(
             path, "network", n,
             [&](int a, int b, double value) {
+                if (missing_cell(value)) {
+                    if (a != b) seen.missing.push_back(missing_key(a, b));
+                    return;
+                }
                 note_cell(seen, a, b, value);
                 arc(a, b, value);
             },
-            bytes);
+            bytes, true);
         if constexpr (FilledAtOnce<D>) recount_bookkeeping(d, nodes);
     }
     if (notes != nullptr) *notes = seen;

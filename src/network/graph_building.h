@@ -3,6 +3,7 @@
 // update_shared_partners and has_edge: read a matrix file, draw a random start, give the
 // density. Included by the two stores' sources only.
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -27,8 +28,9 @@ concept FilledAtOnce = requires(G& g, std::span<const std::pair<int32_t, int32_t
 };
 
 // Adds the ties of an n x n matrix file to an empty store G: a value of exactly 1 above the
-// diagonal is an edge. Notes cells other than 0 and 1 and pairs whose two cells disagree. A
-// file that lists its ties instead adds every tie of value 1 as an edge. `progress` (may be
+// diagonal is an edge. Notes cells other than 0 and 1, pairs whose two cells disagree, and the
+// pairs not observed ("NA" or "." above the diagonal). A file that lists its ties instead adds
+// every tie of value 1 as an edge, and notes the pairs of its *Missing section. `progress` (may be
 // null) hears the bytes read and the nodes counted.
 template <class G>
 void read_ties(G& g, const std::string& path, int n, MatrixNotes* notes,
@@ -47,6 +49,10 @@ void read_ties(G& g, const std::string& path, int n, MatrixNotes* notes,
         read_tie_list_file(
             path, "network", n,
             [&](int a, int b, double value, bool) {
+                if (missing_cell(value)) {
+                    seen.missing.push_back(missing_key(std::min(a, b), std::max(a, b)));
+                    return;
+                }
                 note_cell(seen, a, b, value);
                 if (value != 1.0) return;
                 if constexpr (FilledAtOnce<G>) {
@@ -61,12 +67,17 @@ void read_ties(G& g, const std::string& path, int n, MatrixNotes* notes,
         read_matrix_file(
             path, "network", n,
             [&](int a, int b, double value) {
+                // A graph's pair is what its upper cell says.
+                if (missing_cell(value)) {
+                    if (a < b) seen.missing.push_back(missing_key(a, b));
+                    return;
+                }
                 note_cell(seen, a, b, value);
                 if (a < b && value == 1.0) add(a, b);
                 // The upper cell of this pair was read a row earlier.
                 if (a > b && (value == 1.0) != has_edge(g, b, a)) note_asymmetry(seen, b, a);
             },
-            bytes);
+            bytes, true);
         if constexpr (FilledAtOnce<G>) recount_bookkeeping(g, nodes);
     }
     if (notes != nullptr) *notes = seen;

@@ -147,8 +147,21 @@ std::string chain_lines(const EstimationRun& run) {
         run.phase3_chains);
 }
 
+namespace {
+
+std::string missing_lines(const EstimationRun& run) {
+    if (run.given_draws == 0) return "";
+    return format_message(
+        "missing dyads\t%lld, missing at random: the observed statistics are the mean of %d "
+        "draws of the missing dyads given the observed ones at the estimate, and the standard "
+        "errors leave out the information the missing dyads would have given\n",
+        static_cast<long long>(run.missing_dyads), run.given_draws);
+}
+
+}  // namespace
+
 std::string method_lines(const EstimationRun& run) {
-    if (run.method != EstimationMethod::equilibrium_expectation) return "";
+    if (run.method != EstimationMethod::equilibrium_expectation) return missing_lines(run);
     if (run.subphases.empty()) return "method\tequilibrium expectation (phase 2 not run)\n";
     return format_message(
         "method\tequilibrium expectation: one chain from the observed network, the parameters "

@@ -23,15 +23,28 @@ std::vector<std::vector<double>> rows_of(const GofSample& sample) {
     return rows;
 }
 
+// A network with missing dyads compares the sample with the mean of networks drawn given its
+// observed dyads.
+void write_given_line(FILE* out, const GofRecord& record) {
+    if (record.given_draws == 0) return;
+    print(out,
+          "The observed network has %lld missing dyads: its values below are the means of %d "
+          "networks drawn given the observed dyads%s.\n",
+          static_cast<long long>(record.missing_dyads), record.given_draws,
+          record.sets ? " at the mean of the parameter sets" : "");
+}
+
 void write_heading(FILE* out, const Model& model, const GofRecord& record) {
     const std::vector<ParameterLabel> labels = parameter_labels(model, LabelStyle::simulation);
     if (record.sets) {
         write_bayesian_heading(out, labels, record.sets->moments, record.sets->count,
                                record.burn_in);
+        write_given_line(out, record);
         return;
     }
     write_gof_heading(out, record.kind, labels, record.parameters, record.plan);
     if (record.after_estimation) write_gof_plan_after_estimation(out, record.plan, record.burn_in);
+    write_given_line(out, record);
 }
 
 void write_comparisons(FILE* out, const Model& model, const GofRecord& record) {

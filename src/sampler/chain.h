@@ -18,6 +18,7 @@
 #include "effects/combiner.h"
 #include "effects/term.h"
 #include "network/dyad_mask.h"
+#include "network/missing_dyads.h"
 #include "numeric/rng.h"
 #include "sampler/tie_list.h"
 
@@ -30,6 +31,9 @@ enum class Proposal : int32_t {
     receiver_move,  // digraphs: an arc moves to another receiver of its sender (out-degrees stay)
     tie_no_tie,     // a present tie half of the time, else any dyad: fast on sparse networks
     closure,        // graphs: a present tie, a dyad closing a two-path, or any dyad
+    // A dyad not observed, drawn uniformly, changes: the chain of a network given its observed
+    // dyads (the settings name the missing dyads).
+    missing_toggle,
 };
 
 // The proposal a sampler code (of a run file or a command line) selects for a network kind:
@@ -44,10 +48,11 @@ const char* proposal_name(Proposal proposal, NetworkKind kind);
 
 struct SamplerSettings {
     Proposal proposal = Proposal::toggle;
-    int32_t max_degree = 9999;       // graphs: no tie is added at a node of this degree;
-                                     // digraphs: the cap on out-degrees
-    int32_t max_in_degree = 9999;    // digraphs: the cap on in-degrees
-    const DyadMask* mask = nullptr;  // when set, only the dyads it allows may change
+    int32_t max_degree = 9999;              // graphs: no tie is added at a node of this degree;
+                                            // digraphs: the cap on out-degrees
+    int32_t max_in_degree = 9999;           // digraphs: the cap on in-degrees
+    const DyadMask* mask = nullptr;         // when set, only the dyads it allows may change
+    const MissingDyads* missing = nullptr;  // the missing-dyad toggle's dyads
 };
 
 template <class Store>
@@ -187,6 +192,7 @@ struct ChainSetup {
     Store observed;
     std::vector<Term<Store>> terms;
     std::unique_ptr<DyadMask> mask;
+    MissingDyads missing;  // of the observed network; the sampler's settings point at it
     SamplerSettings sampler;
     // The counts a chain's store keeps: the terms' needs, or everything when the task reads its
     // samples' counts (descriptive files). The observed network keeps everything.

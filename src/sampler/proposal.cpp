@@ -19,6 +19,7 @@ const char* proposal_name(Proposal proposal, NetworkKind kind) {
         case Proposal::receiver_move: return "receiver move";
         case Proposal::tie_no_tie: return "tie/no-tie";
         case Proposal::closure: return "closure";
+        case Proposal::missing_toggle: return "missing-dyad toggle";
     }
     return "toggle";
 }

@@ -9,6 +9,36 @@
 
 namespace vexa {
 
+// The toggle of dyad (i, j), accepted with the Metropolis probability; 1 when accepted.
+template <class Store>
+int toggle_dyad(Chain<Store>& chain, const double* parameters, int i, int j) {
+    Store& store = *chain.store;
+    Rng& rng = *chain.rng;
+    const std::vector<Term<Store>>& terms = *chain.terms;
+    double* changes = chain.change_vector.data();
+    if (!has_tie(store, i, j)) {
+        if (chain_detail::addition_capped(store, chain.settings, i, j)) return 0;
+        const double s =
+            change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
+        if (!(rng.acceptance_uniform() < std::exp(s))) return 0;
+        chain_detail::add_changes(chain, chain.change_vector, 1.0);
+        add_tie(store, i, j);
+        update_after_toggle(store, i, j, 1);
+        chain_detail::check_after_step(chain);
+        return 1;
+    }
+    remove_tie(store, i, j);
+    const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 0);
+    if (!(rng.acceptance_uniform() < std::exp(-s))) {
+        add_tie(store, i, j);  // the pair counts never changed
+        return 0;
+    }
+    chain_detail::add_changes(chain, chain.change_vector, -1.0);
+    update_after_toggle(store, i, j, 0);
+    chain_detail::check_after_step(chain);
+    return 1;
+}
+
 // One toggle of one dyad; 1 when accepted.
 template <class Store>
 int toggle_step(Chain<Store>& chain, const double* parameters) {
@@ -33,29 +63,17 @@ int toggle_step(Chain<Store>& chain, const double* parameters) {
             j = draw(rng);
         }
     }
-    const std::vector<Term<Store>>& terms = *chain.terms;
-    double* changes = chain.change_vector.data();
-    if (!has_tie(store, i, j)) {
-        if (chain_detail::addition_capped(store, chain.settings, i, j)) return 0;
-        const double s =
-            change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 1);
-        if (!(rng.acceptance_uniform() < std::exp(s))) return 0;
-        chain_detail::add_changes(chain, chain.change_vector, 1.0);
-        add_tie(store, i, j);
-        update_after_toggle(store, i, j, 1);
-        chain_detail::check_after_step(chain);
-        return 1;
-    }
-    remove_tie(store, i, j);
-    const double s = change_statistics(store, terms, chain.workspace, parameters, changes, i, j, 0);
-    if (!(rng.acceptance_uniform() < std::exp(-s))) {
-        add_tie(store, i, j);  // the pair counts never changed
-        return 0;
-    }
-    chain_detail::add_changes(chain, chain.change_vector, -1.0);
-    update_after_toggle(store, i, j, 0);
-    chain_detail::check_after_step(chain);
-    return 1;
+    return toggle_dyad(chain, parameters, i, j);
+}
+
+// One toggle of a missing dyad, drawn uniformly from the settings' list; 1 when accepted.
+// The draw is symmetric, so the Metropolis ratio alone decides.
+template <class Store>
+int missing_toggle_step(Chain<Store>& chain, const double* parameters) {
+    const std::vector<uint64_t>& keys = chain.settings.missing->keys;
+    const uint64_t key =
+        keys[static_cast<size_t>(chain.rng->uniform(static_cast<int64_t>(keys.size())))];
+    return toggle_dyad(chain, parameters, MissingDyads::first(key), MissingDyads::second(key));
 }
 
 // One move of a tie to a non-tie, keeping the number of ties; 1 when accepted.
@@ -180,6 +198,7 @@ inline int step(Chain<Store>& chain, const double* parameters) {
             if constexpr (Store::kind == NetworkKind::digraph)
                 return receiver_move_step(chain, parameters);
             break;
+        case Proposal::missing_toggle: return missing_toggle_step(chain, parameters);
         case Proposal::toggle: break;
     }
     return toggle_step(chain, parameters);

@@ -232,6 +232,7 @@ GofRecord goodness_of_fit_chains(const ChainSetup<Store>& setup,
     start_chains(set, setup, setup.observed, Bookkeeping::all, p, K, seeds);
     std::vector<Alone<ScratchOf<Store>>> scratch(static_cast<size_t>(K) + 1);
     GofRecord record = gof_detail::start_record(setup, p, scratch.back().value);
+    gof_detail::observe_given(record, setup, parameters, seeds, scratch.back().value);
     record.parameters = parameters;
     record.plan = plan;
     record.burn_in = gof.burn_in;
@@ -295,6 +296,8 @@ GofRecord bayesian_goodness_of_fit_chains(const ChainSetup<Store>& setup,
     record.burn_in = burn_in;
     ParameterSetsSummary summary;
     summary.moments = summarise_sets(sets, p);
+    gof_detail::observe_given(record, setup, gof_detail::set_means(summary), seeds,
+                              scratch.back().value);
     summary.count = static_cast<int32_t>(m);
     const double steps_per_set = burn_in > 0.0 ? std::ceil(burn_in) : 0.0;
     record.proposals = steps_per_set * summary.count;

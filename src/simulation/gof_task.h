@@ -18,39 +18,13 @@
 #include "numeric/moments.h"
 #include "sampler/observer.h"
 #include "simulation/bayesian_gof.h"
+#include "simulation/given_sample.h"
+#include "simulation/gof_record.h"
 #include "simulation/goodness_of_fit.h"
 #include "simulation/measures.h"
 #include "simulation/sampling.h"
 
 namespace vexa {
-
-// What the Bayesian form adds: the sets' spread, and how many draws ended at the empty or the
-// complete network (a sign of parameter sets in a degenerate region).
-struct ParameterSetsSummary {
-    std::vector<Moments> moments;  // per parameter, over the sets used
-    int32_t count = 0;             // sets used
-    int32_t empty = 0;
-    int32_t complete = 0;
-};
-
-struct GofRecord {
-    NetworkKind kind = NetworkKind::graph;
-    std::vector<double> parameters;  // the fixed parameters (empty in the Bayesian form)
-    SamplingPlan plan;               // the Bayesian form: none
-    double burn_in = 0.0;            // the Bayesian form: per set
-    bool after_estimation = false;   // the plan is the one an estimation set
-    std::vector<double> observed_statistics;
-    SampleMeasures observed_measures;
-    GofSample sample;
-    std::vector<double> acceptance_rates;  // per sample
-    double accepted = 0.0;
-    double proposals = 0.0;  // the proposals the acceptance rate is over
-    Mahalanobis distance;
-    TriadCensus observed_census;  // digraphs
-    std::vector<TriadCensus> census;
-    std::vector<double> end_statistics;  // of the last network drawn
-    std::optional<ParameterSetsSummary> sets;
-};
 
 // What goodness of fit samples: the plan, the burn-in before it, and whether it follows an
 // estimation.
@@ -131,6 +105,7 @@ GofRecord goodness_of_fit(const ChainSetup<Store>& setup, const std::vector<doub
 
     ScratchOf<Store> scratch;
     GofRecord record = gof_detail::start_record(setup, p, scratch);
+    gof_detail::observe_given(record, setup, parameters, seeds, scratch);
     record.parameters = parameters;
     record.plan = plan;
     record.burn_in = gof.burn_in;
@@ -161,6 +136,7 @@ GofRecord bayesian_goodness_of_fit(const ChainSetup<Store>& setup,
     record.burn_in = burn_in;
     ParameterSetsSummary summary;
     summary.moments = summarise_sets(sets, p);
+    gof_detail::observe_given(record, setup, gof_detail::set_means(summary), seeds, scratch);
     summary.count = static_cast<int32_t>(sets.size());
     // A chain of b steps takes ceil(b) of them.
     const double steps_per_set = burn_in > 0.0 ? std::ceil(burn_in) : 0.0;
