@@ -90,14 +90,19 @@ as_network <- function(net, directed = NULL) {
   }
   storage.mode(m) <- "double"
   diag(m) <- 0
-  bad <- which(is.na(m) | (m != 0 & m != 1), arr.ind = TRUE)
+  # NA marks a dyad not observed: the engine draws it from the model given the others.
+  bad <- which(!is.na(m) & m != 0 & m != 1, arr.ind = TRUE)
   if (nrow(bad) > 0L) {
     fail("the network matrix holds ", m[bad[1L, , drop = FALSE]], " at row ", bad[1L, 1L],
-         ", column ", bad[1L, 2L], "; ties are 1 and non-ties 0")
+         ", column ", bad[1L, 2L], "; ties are 1, non-ties 0 and dyads not observed NA")
   }
-  if (is.null(directed)) directed <- !isSymmetric(unname(m))
-  if (!directed && !isSymmetric(unname(m))) {
-    bad <- which(m != t(m), arr.ind = TRUE)[1L, ]
+  if (all(is.na(m[row(m) != col(m)])) && n > 1L) {
+    fail("every dyad of the network matrix is NA: nothing was observed")
+  }
+  unequal <- function(a) is.na(a) != is.na(t(a)) | (!is.na(a) & !is.na(t(a)) & a != t(a))
+  if (is.null(directed)) directed <- any(unequal(m))
+  if (!directed && any(unequal(m))) {
+    bad <- which(unequal(m), arr.ind = TRUE)[1L, ]
     fail("the undirected network's matrix is not symmetric at row ", bad[1L], ", column ",
          bad[2L])
   }

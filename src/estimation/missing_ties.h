@@ -7,8 +7,8 @@
 // beside the run's chain through the three phases:
 // - phase 1: the Jacobian of E[s | theta] - E[s | observed, theta] is Cov(s) - Cov(s |
 //   observed), the information of the observed dyads; the given chain's covariance is taken
-//   off the run chain's before inverting (unless that leaves a statistic without variance,
-//   when the plain covariance, a smaller step, is kept);
+//   off the run chain's before inverting (less of it where the difference of the two
+//   estimates would not be positive definite: a smaller step, never one turned around);
 // - phase 2: each iteration moves the given chain one draw on, and its statistics stand where
 //   the observed ones stand for a complete network;
 // - phase 3: the given chain's draws at the estimate give the target the t-ratios measure
@@ -33,7 +33,7 @@ double given_steps(const R& r) {
     const auto& chain = *r.given;
     const double missing = static_cast<double>(chain.settings.missing->count());
     const double dyads = dyad_count(chain.store->node_count, chain.settings.missing->kind);
-    return std::max(missing, std::ceil(r.K * missing / dyads));
+    return std::max(4.0 * missing, std::ceil(r.K * missing / dyads));
 }
 
 // `draws` draws of the given chain at the run's parameters after a burn-in of a tenth of them
@@ -62,13 +62,40 @@ Matrix given_covariance(R& r, int draws, std::vector<double>& mean) {
     return covariance;
 }
 
-// D less the given chain's covariance, when every statistic keeps some variance; else D as
-// it is. D holds the run chain's covariance.
+// Whether a symmetric matrix is positive definite (its Cholesky factorisation succeeds with
+// every pivot clear of rounding).
+inline bool positive_definite(const Matrix& a) {
+    const int p = a.rows;
+    Matrix l = make_matrix(p, p, 0.0);
+    for (int j = 0; j < p; ++j) {
+        double pivot = a[j][j];
+        for (int k = 0; k < j; ++k) pivot -= l[j][k] * l[j][k];
+        if (!(pivot > 1e-9 * std::fabs(a[j][j]))) return false;
+        l[j][j] = std::sqrt(pivot);
+        for (int i = j + 1; i < p; ++i) {
+            double sum = a[i][j];
+            for (int k = 0; k < j; ++k) sum -= l[i][k] * l[j][k];
+            l[i][j] = sum / l[j][j];
+        }
+    }
+    return true;
+}
+
+// D less the given chain's covariance. Both are estimates, and where the missing dyads carry
+// much of the information their difference can come out indefinite, which would turn a step
+// of phase 2 (or a variance of phase 3) around: then the largest share of the given
+// covariance (a half, a quarter, ...) that leaves it positive definite is taken off, and none
+// at worst. D holds the run chain's covariance.
 inline void take_off_given(Matrix& D, const Matrix& given) {
-    for (int k = 0; k < D.rows; ++k)
-        if (!(D[k][k] - given[k][k] > 0.0)) return;
-    for (int j = 0; j < D.rows; ++j)
-        for (int k = 0; k < D.cols; ++k) D[j][k] -= given[j][k];
+    for (double share = 1.0; share >= 1.0 / 64.0; share *= 0.5) {
+        Matrix difference = D;
+        for (int j = 0; j < D.rows; ++j)
+            for (int k = 0; k < D.cols; ++k) difference[j][k] -= share * given[j][k];
+        if (positive_definite(difference)) {
+            D = std::move(difference);
+            return;
+        }
+    }
 }
 
 // Phase 1: the given chain's covariance over as many draws as the run chain's, taken off D.

@@ -21,6 +21,25 @@ test_that("the edge-only model estimates the log-odds of a tie", {
   expect_true(any(grepl("Signif. codes", shown)))
 })
 
+test_that("NA marks dyads not observed, left out of the edge-only model's log-odds", {
+  # Missing at random, the likelihood of independent ties is that of the observed dyads alone:
+  # T ties of D observed dyads give log(T / (D - T)) whatever the missing ones hold.
+  data(flomarriage, package = "vexa")
+  m <- as.matrix(flomarriage)
+  upper <- which(upper.tri(m))
+  missing <- upper[seq(3, length(upper), by = 5)]
+  m[missing] <- NA
+  m[lower.tri(m)] <- t(m)[lower.tri(m)]
+  dyads <- length(upper) - length(missing)
+  ties <- sum(m[upper], na.rm = TRUE)
+  fit <- vexa_estimate(m, "edge", seed = 1, settings = quiet())
+  expect_equal(unname(coef(fit)), log(ties / (dyads - ties)), tolerance = 1e-6)
+  p <- ties / dyads
+  expect_equal(unname(fit$std_errors), sqrt(1 / (dyads * p * (1 - p))), tolerance = 0.15)
+  expect_error(vexa_estimate(matrix(NA_real_, 4, 4), "edge", settings = quiet()),
+               "every dyad")
+})
+
 test_that("equilibrium expectation lands on the edge-only model's log-odds too", {
   # The plain mode, so that phase 2 runs (the automatic mode would start at the exact
   # estimate and skip it); the estimate is the mean of the last stage's parameters.
