@@ -18,6 +18,9 @@ namespace {
 
 using namespace run_file_rows;
 
+// The largest lambda taken: the weights' single precision leaves their steps four digits.
+constexpr double max_lambda = 1e4;
+
 void size_section(AttributeSection& section, int32_t effects, int32_t count) {
     const auto e = static_cast<size_t>(effects);
     const auto c = static_cast<size_t>(count);
@@ -67,6 +70,16 @@ void read_structural_entry(Reader& reader, Model& model, size_t row, const char*
                                "proper change statistic and the model is degenerate; give "
                                "1 or more (0 for the default, %g)",
                                static_cast<double>(lambda), static_cast<double>(lambda_default)));
+        }
+        // The weights are held in single precision: far above this, 1 - 1/lambda is 1 to the
+        // last digit and the change statistics vanish (the statistic stops varying at all).
+        if (lambda > max_lambda) {
+            impossible(reader, word.line, setting,
+                       format_message("lambda %g is above %g, where the weights (1 - 1/lambda)^k "
+                                      "lose their precision and the effect stops varying; give "
+                                      "a lambda from 1 to %g (0 for the default, %g)",
+                                      static_cast<double>(lambda), max_lambda, max_lambda,
+                                      static_cast<double>(lambda_default)));
         }
         effect.lambda = lambda == 0.0f ? lambda_default : lambda;
     }
@@ -210,6 +223,11 @@ void read_estimation_rows(Reader& reader, RunSettings& settings) {
     int32_t line = 0;
     settings.subphase_count = int_row_at_least(reader, "subphase_count", 0,
                                                "the number of sub-phases must be 0 or more", &line);
+    if (settings.subphase_count == 0) {
+        warn(reader, line, "subphase_count",
+             "0 sub-phases run no phase 2, so the estimate reported is the starting value "
+             "(phase 3 measures the standard errors and t-ratios around it)");
+    }
     settings.start_a_value = float_row(reader, "start_a_value", &line);
     if (!(settings.start_a_value > 0.0f)) {
         impossible(reader, line, "start_a_value",
@@ -242,6 +260,11 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     if (settings.degree_cap_given) {
         settings.degree_cap = int_row_at_least(reader, "degree_cap", 0, "the cap must be 0 or more",
                                                &settings.degree_cap_line);
+        if (settings.degree_cap == 0 && task == Task::simulation) {
+            warn(reader, settings.degree_cap_line, "degree_cap",
+                 "a cap of 0 lets no tie be added: the simulation runs, but no sampled network "
+                 "can gain a tie");
+        }
     }
 
     read_structural_section(reader, model);
