@@ -7,6 +7,7 @@
 
 #include "entry/parameter_sets.h"
 #include "entry/run_driver.h"
+#include "entry/template_command.h"
 #include "sampler/cluster.h"
 
 #if defined(_WIN32)
@@ -24,6 +25,8 @@ void usage(FILE* out) {
         "            [--method sa|ee] [--chains K] [--threads N] [--save-network FILE]\n"
         "            RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
+        "       vexa template --task T --kind K [--network FILE] [--effects LIST] ...\n"
+        "       vexa effects [--kind graph|digraph]\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says. Exits with 0 after a complete run, 1 when\n"
         "the run was refused or stopped, and 3 when an estimation ended without a converged run.\n"
@@ -219,6 +222,11 @@ int run_command_line(int argc, char** argv) {
 }
 
 int run_parsed(int argc, char** argv, CommandLine& line) {
+    // Commands that write a run file or the effect list and run nothing.
+    if (argc > 1 && std::strcmp(argv[1], "template") == 0)
+        return vexa::template_command(argc - 1, argv + 1, stdout, stderr);
+    if (argc > 1 && std::strcmp(argv[1], "effects") == 0)
+        return vexa::effects_command(argc - 1, argv + 1, stdout, stderr);
     for (int k = 1; k < argc; ++k) {
         const char* arg = argv[k];
         if (arg[0] == '-' && arg[1] != '\0') {
