@@ -23,6 +23,7 @@ void usage(FILE* out) {
         out,
         "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
         "            [--method sa|ee] [--chains K] [--threads N] [--save-network FILE]\n"
+        "            [--start-from FILE]\n"
         "            RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "       vexa template --task T --kind K [--network FILE] [--effects LIST] ...\n"
@@ -52,8 +53,9 @@ void usage(FILE* out) {
         "  --draw-sets COUNT SETSFILE\n"
         "               run nothing: after the estimation that RUNFILE describes, write COUNT\n"
         "               parameter sets drawn from the normal distribution around its estimates\n"
-        "               (the update files in the working directory) with its covariance file\n"
-        "               to SETSFILE, one per line, for a Bayesian goodness of fit (task 4)\n"
+        "               with its covariance (its estimation report's last table, matched to\n"
+        "               RUNFILE's model by label) to SETSFILE, one per line, for a Bayesian\n"
+        "               goodness of fit (task 4)\n"
         "  --store S    the network store: dense (n x n arrays, fastest on small networks) or\n"
         "               sparse (memory in proportion to the ties); without it, sparse above\n"
         "               20,000 nodes or when the dense arrays would take half the memory\n"
@@ -67,6 +69,10 @@ void usage(FILE* out) {
         "               a simulation saves its final network in FILE as a tie list (*Vertices,\n"
         "               then *Edges or *Arcs, nodes from 1), which a run reads back as its\n"
         "               network file; other tasks save none\n"
+        "  --start-from FILE\n"
+        "               the model's effects take the estimates of an earlier run, matched by\n"
+        "               label: its estimation report (the last run's table) or an update file;\n"
+        "               a file that does not fit the model is refused, naming the effects\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -181,6 +187,14 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
     if (std::strcmp(arg, "--threads") == 0)
         return take_count(argc, argv, k, arg, 4096, line.options.threads) ? -1 : 2;
     if (std::strcmp(arg, "--save-network") == 0) return take_save_network(argc, argv, k, line);
+    if (std::strcmp(arg, "--start-from") == 0) {
+        if (k + 1 >= argc || argv[k + 1][0] == '\0') {
+            std::fprintf(stderr, "vexa: --start-from needs a file name\n");
+            return 2;
+        }
+        line.options.start_from = argv[++k];
+        return -1;
+    }
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
         return -1;
