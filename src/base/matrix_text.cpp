@@ -61,6 +61,14 @@ std::vector<std::string> matrix_note_lines(const MatrixNotes& notes, const char*
             what, path.c_str(), static_cast<long long>(notes.other_values), notes.first_other_row,
             notes.first_other_column));
     }
+    if (notes.loops > 0) {
+        lines.push_back(format_message(
+            "vexa: %s file '%s': %lld %s of a node to itself (first of node %d, a 1 on the "
+            "diagonal) %s dropped; a network has no loops",
+            what, path.c_str(), static_cast<long long>(notes.loops),
+            notes.loops == 1 ? "tie" : "ties", notes.first_loop_node,
+            notes.loops == 1 ? "is" : "are"));
+    }
     if (notes.asymmetric_pairs > 0) {
         lines.push_back(format_message(
             "vexa: %s file '%s': the matrix is not symmetric (%lld %s, first at row %d, column "

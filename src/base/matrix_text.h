@@ -23,6 +23,9 @@ struct MatrixNotes {
     // Dyads whose cell says the tie was not observed ("NA" or "."), as (a << 32 | b) from 0: a
     // graph's with a < b, a digraph's ordered. In reading order, possibly repeated.
     std::vector<uint64_t> missing;
+    // Ties of a node to itself (a 1 on the diagonal), which no network holds: dropped.
+    int64_t loops = 0;
+    int first_loop_node = 0;  // from 1
 };
 
 // Whether a cell's value marks a dyad not observed (a network reader's NaN).
@@ -33,8 +36,10 @@ inline uint64_t missing_key(int a, int b) {
     return uint64_t{static_cast<uint32_t>(a)} << 32 | static_cast<uint32_t>(b);
 }
 
-// Counts a cell (row a, column b, from 0) that holds neither 0 nor 1.
+// Counts a cell (row a, column b, from 0) that holds neither 0 nor 1, or a tie of a node to
+// itself.
 inline void note_cell(MatrixNotes& notes, int a, int b, double value) {
+    if (a == b && value == 1.0 && notes.loops++ == 0) notes.first_loop_node = a + 1;
     if (value == 0.0 || value == 1.0) return;
     if (notes.other_values++ == 0) {
         notes.first_other_row = a + 1;

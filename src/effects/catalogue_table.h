@@ -9,7 +9,7 @@
 // orders of a view, each checked to list the right rows once.
 //
 // Every table has the same columns, the fields of CatalogueRow in order:
-//   id | update report column summary simulation gof sample spss format (EffectLabels)
+//   id | update report column summary simulation gof sample spss format meaning (EffectLabels)
 //      | lambda integral clique carried variant reads needs (EffectDescription) | change total
 //      | helps (optional)
 
@@ -119,6 +119,15 @@ constexpr bool names_unique(const CatalogueTable<Id, Store, N>& table) {
     return unique_labels(table, &EffectLabels::update_name) &&
            unique_labels(table, &EffectLabels::column_name) &&
            unique_labels(table, &EffectLabels::sample_column);
+}
+
+// Every row says what it counts: `vexa effects` lists it.
+template <class Id, class Store, std::size_t N>
+constexpr bool meanings_given(const CatalogueTable<Id, Store, N>& table) {
+    for (const auto& row : table) {
+        if (row.labels.meaning == nullptr || row.labels.meaning[0] == '\0') return false;
+    }
+    return true;
 }
 
 // The number of rows with a run-file entry.

@@ -19,6 +19,7 @@ struct EffectLabels {
     const char* sample_column;     // sample statistics columns
     const char* spss_name;         // SPSS variable
     const char* spss_format;       // "F8.0" or "F8.4", as each variable has it
+    const char* meaning;           // what it counts, in one line, for `vexa effects`
 };
 
 // Which of the names a file prints.

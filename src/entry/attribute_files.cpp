@@ -157,6 +157,15 @@ AttributeData read_attribute_file(const std::string& path, AttributeKind kind, i
             if (missing) {
                 value = 0.0;  // a missing value counts as 0 (a missing category matches nothing)
             } else if (kind == AttributeKind::categorical) {
+                // A number with a fraction is a measurement, not a category: counted as one,
+                // every value would be a category of its own.
+                if (parse_double(words[a], value) && std::isfinite(value) &&
+                    value != std::trunc(value)) {
+                    bad_value(kind, path, lines.number, node, a, words[a],
+                              "is not a category: categories are whole numbers or words (a "
+                              "value with a fraction belongs to a continuous attribute)");
+                }
+                value = 0.0;
                 categories[a].push_back(words[a]);
             } else {
                 value = attribute_value(words[a], kind, path, lines.number, node, a);

@@ -9,6 +9,7 @@
 #include "base/text_file.h"
 #include "entry/run_driver.h"
 #include "entry/run_file.h"
+#include "entry/start_from.h"
 #include "model/parameter_vector.h"
 #include "numeric/matrix.h"
 #include "numeric/normal.h"
@@ -112,8 +113,18 @@ void draw_parameter_sets(const std::string& run_file, int count, const std::stri
     if (count < 1) {
         throw SettingError(format_message("vexa: cannot draw %d parameter sets", count));
     }
-    const std::vector<double> estimates = read_update_estimates(file.model, "");
-    const Matrix covariance = read_matrix(file.names.covariance, p);
+    // The estimation's own report, never the update files that every run in the folder shares.
+    const MatchedEstimates matched = match_report(
+        file.model, read_report_estimates(file.names.estimation),
+        format_message("the estimation report '%s'", file.names.estimation.c_str()), run_file);
+    if (matched.covariance.rows != p) {
+        throw InputFileError(format_message(
+            "vexa: the estimation report '%s' holds no covariance matrix after its last summary "
+            "table",
+            file.names.estimation.c_str()));
+    }
+    const std::vector<double>& estimates = matched.estimates;
+    const Matrix& covariance = matched.covariance;
     SeedSource seeds;
     seeds.fixed = options.fixed_seed;
     seeds.base = options.seed;
@@ -126,9 +137,9 @@ void draw_parameter_sets(const std::string& run_file, int count, const std::stri
     }
     out.close();
     std::fprintf(console,
-                 "vexa: %d parameter sets drawn around the estimates in the update files and the "
-                 "covariance file '%s' were written to '%s'\n",
-                 count, file.names.covariance.c_str(), sets_path.c_str());
+                 "vexa: %d parameter sets drawn around the estimates and covariance of the "
+                 "estimation report '%s' were written to '%s'\n",
+                 count, file.names.estimation.c_str(), sets_path.c_str());
 }
 
 int draw_parameter_sets_entry(const std::string& run_file, int count, const std::string& sets_path,

@@ -16,11 +16,11 @@ namespace vexa {
 // cannot be read or an included effect has no entry (or no number) in it.
 std::vector<double> read_update_estimates(const Model& model, const std::string& directory);
 
-// Reads the estimation's run file for its model and output names, takes the estimates from the
-// update files in the working directory and the covariance matrix from the estimation's
-// covariance file, and writes `count` draws to `sets_path`, one tab-separated vector per line.
-// Throws VexaError for every problem (no estimation run file, files missing, a covariance that
-// is not one).
+// Reads the estimation's run file for its model and output names, takes the estimates and the
+// covariance matrix from the last summary table of its estimation report, matched to the
+// model by label (a report of another model is refused, naming the effects), and writes `count`
+// draws to `sets_path`, one tab-separated vector per line. Throws VexaError for every problem (no
+// estimation run file, files missing, a covariance that is not one).
 void draw_parameter_sets(const std::string& run_file, int count, const std::string& sets_path,
                          const RunOptions& options);
 

@@ -38,6 +38,7 @@ void take_options(RunContext& context, const RunOptions& options) {
     context.method = options.method;
     context.store = options.store;
     context.save_network = options.save_network;
+    context.start_from = options.start_from;
     context.seeds.fixed = options.fixed_seed;
     context.seeds.base = options.seed;
     context.chains.chains = options.chains > 0  ? options.chains

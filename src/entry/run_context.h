@@ -104,6 +104,9 @@ struct RunOptions {
     // Where a simulation saves its final network as a tie list (the form a network file may
     // take, so that it reads back as the same network); "": nowhere. Other tasks save none.
     std::string save_network;
+    // An earlier run's estimation report or update file whose estimates, matched by label, the
+    // model's effects take before the task; "": the run file's values.
+    std::string start_from;
     FILE* console = stdout;              // progress and messages
     const Observer* observer = nullptr;  // a host's listener to the task's events, if any
 };
@@ -138,6 +141,7 @@ struct RunContext {
     StoreChoice store = StoreChoice::automatic;
     ChainPlan chains;          // the chains every task draws from, and their threads
     std::string save_network;  // where a simulation saves its final network; "": nowhere
+    std::string start_from;    // the file the model's values came from; "": the run file
     // A host's in-memory network, n x n row by row, in place of the network file; null: the
     // file.
     const std::vector<double>* adjacency = nullptr;

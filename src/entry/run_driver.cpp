@@ -7,6 +7,7 @@
 #include "entry/digraph_kind.h"
 #include "entry/graph_kind.h"
 #include "entry/run_file.h"
+#include "entry/start_from.h"
 #include "model/parameter_labels.h"
 
 namespace vexa {
@@ -24,6 +25,12 @@ RunOutcome run_driver(const std::string& run_file, const RunOptions& options) {
     context.write_files = context.chains.cluster.rank == 0;
     context.model = std::move(file.model);
     context.names = std::move(file.names);
+    if (!context.start_from.empty()) {
+        const int taken = take_estimates(context.model, context.start_from, run_file);
+        std::fprintf(context.console,
+                     "vexa: %d effects take the estimates of '%s', matched by label\n", taken,
+                     context.start_from.c_str());
+    }
     if (context.settings.network_kind == NetworkKind::digraph) {
         run_digraph_task(context);
     } else {

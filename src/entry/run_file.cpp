@@ -18,6 +18,9 @@ namespace {
 
 using namespace run_file_rows;
 
+// The largest lambda taken: the weights' single precision leaves their steps four digits.
+constexpr double max_lambda = 1e4;
+
 void size_section(AttributeSection& section, int32_t effects, int32_t count) {
     const auto e = static_cast<size_t>(effects);
     const auto c = static_cast<size_t>(count);
@@ -40,7 +43,7 @@ void size_all_sections(Model& model) {
 void read_structural_entry(Reader& reader, Model& model, size_t row, const char* name,
                            float lambda_default) {
     const std::string entry = name;
-    skip_label(reader, entry);
+    skip_label(reader, entry, entry);
     const int32_t flag = read_int(reader, entry + ": inclusion flag");
     EffectSetting& effect = model.structural[row];
     effect.value = read_double(reader, entry + ": value");
@@ -68,6 +71,16 @@ void read_structural_entry(Reader& reader, Model& model, size_t row, const char*
                                "1 or more (0 for the default, %g)",
                                static_cast<double>(lambda), static_cast<double>(lambda_default)));
         }
+        // The weights are held in single precision: far above this, 1 - 1/lambda is 1 to the
+        // last digit and the change statistics vanish (the statistic stops varying at all).
+        if (lambda > max_lambda) {
+            impossible(reader, word.line, setting,
+                       format_message("lambda %g is above %g, where the weights (1 - 1/lambda)^k "
+                                      "lose their precision and the effect stops varying; give "
+                                      "a lambda from 1 to %g (0 for the default, %g)",
+                                      static_cast<double>(lambda), max_lambda, max_lambda,
+                                      static_cast<double>(lambda_default)));
+        }
         effect.lambda = lambda == 0.0f ? lambda_default : lambda;
     }
     if (flag == 1) {
@@ -81,16 +94,24 @@ void read_structural_section(Reader& reader, Model& model) {
     if (!model.structural_given) return;
     const CatalogueView& catalogue = structural_catalogue(model.kind);
     for (const int32_t row : catalogue.run_file_order) {
+        reader.known_labels.emplace_back(
+            catalogue.rows[static_cast<size_t>(row)].labels.update_name);
+    }
+    for (const int32_t row : catalogue.run_file_order) {
         const EffectDescription& effect = catalogue.rows[static_cast<size_t>(row)];
         read_structural_entry(reader, model, static_cast<size_t>(row), effect.labels.update_name,
                               effect.lambda_default);
     }
 }
 
-// One attribute (or covariate) entry: label, inclusion flag, value.
+// One attribute (or covariate) entry: label (the attribute's name, '_' and the effect's),
+// inclusion flag, value.
 void read_attribute_entry(Reader& reader, AttributeSection& section, size_t effect,
-                          size_t attribute, const std::string& entry) {
-    skip_label(reader, entry);
+                          size_t attribute, const std::string& entry,
+                          const std::vector<std::string>& labels) {
+    // Run files in use shorten these labels freely ("Grade_same" for Grade_Same_Category_edge):
+    // only a label nearer to another entry of the attribute is taken for a shifted row.
+    skip_label(reader, entry, labels[effect], &labels);
     const int32_t flag = read_int(reader, entry + ": inclusion flag");
     section.value[effect][attribute] = read_double(reader, entry + ": value");
     if (flag == 1) {
@@ -104,14 +125,20 @@ void read_attribute_entries(Reader& reader, Model& model, AttributeKind kind,
                             const char* kind_name) {
     AttributeSection& section = model.section(kind);
     const CatalogueView& catalogue = attribute_catalogue(model.kind, kind);
-    for (size_t a = 0; a < static_cast<size_t>(section.count); ++a) {
+    std::vector<std::vector<std::string>> labels(static_cast<size_t>(section.count));
+    for (size_t a = 0; a < labels.size(); ++a) {
+        for (const EffectDescription& row : catalogue.rows)
+            labels[a].push_back(section.names[a] + "_" + row.labels.update_name);
+        reader.known_labels.insert(reader.known_labels.end(), labels[a].begin(), labels[a].end());
+    }
+    for (size_t a = 0; a < labels.size(); ++a) {
         for (size_t e = 0; e < catalogue.rows.size(); ++e) {
+            const char* name = catalogue.rows[e].labels.update_name;
             const std::string entry =
                 kind == AttributeKind::covariate
-                    ? format_message("covariate, %s", catalogue.rows[e].labels.update_name)
-                    : format_message("%s attribute %zu, %s", kind_name, a + 1,
-                                     catalogue.rows[e].labels.update_name);
-            read_attribute_entry(reader, section, e, a, entry);
+                    ? format_message("covariate, %s", name)
+                    : format_message("%s attribute %zu, %s", kind_name, a + 1, name);
+            read_attribute_entry(reader, section, e, a, entry, labels[a]);
         }
     }
 }
@@ -194,8 +221,13 @@ void read_output_flags(Reader& reader, RunSettings& settings) {
 // The estimation rows, each refused when no estimation could be run with it.
 void read_estimation_rows(Reader& reader, RunSettings& settings) {
     int32_t line = 0;
-    settings.subphase_count =
-        int_row_at_least(reader, "subphase_count", 0, "the number of sub-phases must be 0 or more");
+    settings.subphase_count = int_row_at_least(reader, "subphase_count", 0,
+                                               "the number of sub-phases must be 0 or more", &line);
+    if (settings.subphase_count == 0) {
+        warn(reader, line, "subphase_count",
+             "0 sub-phases run no phase 2, so the estimate reported is the starting value "
+             "(phase 3 measures the standard errors and t-ratios around it)");
+    }
     settings.start_a_value = float_row(reader, "start_a_value", &line);
     if (!(settings.start_a_value > 0.0f)) {
         impossible(reader, line, "start_a_value",
@@ -228,6 +260,11 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
     if (settings.degree_cap_given) {
         settings.degree_cap = int_row_at_least(reader, "degree_cap", 0, "the cap must be 0 or more",
                                                &settings.degree_cap_line);
+        if (settings.degree_cap == 0 && task == Task::simulation) {
+            warn(reader, settings.degree_cap_line, "degree_cap",
+                 "a cap of 0 lets no tie be added: the simulation runs, but no sampled network "
+                 "can gain a tie");
+        }
     }
 
     read_structural_section(reader, model);

@@ -1,6 +1,7 @@
 #pragma once
-// Reading the run file: strictly positional rows, each value after a one-word label line
-// that is never examined. The layout depends on the task and the network kind.
+// Reading the run file: strictly positional rows, each value after a one-word label line. A
+// label that is not its row's is said once on the console, and the value still read by
+// position. The layout depends on the task and the network kind.
 
 #include <cstdio>
 #include <string>

@@ -1,10 +1,13 @@
 #include "entry/run_file_rows.h"
 
+#include <cctype>
 #include <cmath>
 #include <cstdlib>
 
+#include "base/closest.h"
 #include "base/errors.h"
 #include "base/text_file.h"
+#include "entry/run_file_labels.h"
 
 namespace vexa::run_file_rows {
 
@@ -111,6 +114,12 @@ Word next_word(Reader& reader, const std::string& setting) {
                                       line, setting.c_str(), why.c_str()));
 }
 
+void warn(const Reader& reader, int32_t line, const std::string& setting, const std::string& why) {
+    if (reader.console == nullptr) return;
+    std::fprintf(reader.console, "vexa: warning: run file '%s', line %d (%s): %s\n",
+                 reader.path.c_str(), line, setting.c_str(), why.c_str());
+}
+
 bool parse_int(const std::string& word, int32_t& value) {
     size_t k = 0;
     bool negative = false;
@@ -128,7 +137,60 @@ bool parse_int(const std::string& word, int32_t& value) {
     return true;
 }
 
-void skip_label(Reader& reader, const std::string& setting) { next_word(reader, setting); }
+namespace {
+
+// Whether the letters and digits of `label` appear in `word` in order, regardless of case: an
+// abbreviation ("group_same_reciprocity" of "group_same_Category_reciprocity").
+bool abbreviates(const std::string& label, const std::string& word) {
+    const auto plain = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; };
+    size_t k = 0;
+    for (const char c : label) {
+        if (!plain(c)) continue;
+        const auto lower = [](char x) {
+            return static_cast<char>(std::tolower(static_cast<unsigned char>(x)));
+        };
+        while (k < word.size() && lower(word[k]) != lower(c)) ++k;
+        if (k == word.size()) return false;
+        ++k;
+    }
+    return true;
+}
+
+// Whether `label` stands for `expected` rather than for any of `siblings`: it abbreviates
+// `expected` alone, or lies nearer to it than to every sibling.
+bool nearest_is(const std::string& label, const std::string& expected,
+                const std::vector<std::string>& siblings) {
+    bool alone = abbreviates(label, expected);
+    bool nearest = true;
+    const size_t distance = edit_distance(label, expected);
+    for (const std::string& other : siblings) {
+        if (other == expected) continue;
+        if (abbreviates(label, other)) alone = false;
+        if (edit_distance(label, other) <= distance) nearest = false;
+    }
+    return alone || nearest;
+}
+
+}  // namespace
+
+void skip_label(Reader& reader, const std::string& setting, const std::string& expected,
+                const std::vector<std::string>* siblings) {
+    const Word label = next_word(reader, setting);
+    const std::vector<std::string> accepted =
+        expected.empty() ? accepted_labels(setting) : std::vector<std::string>{expected};
+    if (label_matches(label.text, accepted)) return;
+    if (siblings != nullptr && nearest_is(label.text, expected, *siblings)) return;
+    ++reader.label_warnings;
+    if (reader.console == nullptr) return;
+    // Effect entries first: among labels as near, the effect is the likelier meaning.
+    std::vector<std::string> known = reader.known_labels;
+    known.insert(known.end(), fixed_row_labels().begin(), fixed_row_labels().end());
+    std::fprintf(reader.console,
+                 "vexa: warning: run file '%s', line %d: the label says '%.60s' where '%s' is "
+                 "expected (the closest known label is '%s'); the value after it is read as %s\n",
+                 reader.path.c_str(), label.line, label.text.c_str(), accepted.front().c_str(),
+                 closest_word(label.text, known).c_str(), accepted.front().c_str());
+}
 
 int32_t read_int(Reader& reader, const std::string& setting, int32_t* line) {
     const Word word = next_word(reader, setting);

@@ -1,11 +1,13 @@
 #pragma once
-// The rows of a run file as the reader takes them: a one-word label that is never examined,
-// then a value, read by position; whole numbers, numbers and text lines, each refused with the
-// file, the setting and its line when it does not parse or cannot be carried out.
+// The rows of a run file as the reader takes them: a one-word label, then a value read by
+// position; whole numbers, numbers and text lines, each refused with the file, the setting and
+// its line when it does not parse or cannot be carried out. A label that is not the row's is
+// said on the console (run_file_labels.h) and the value is read all the same.
 
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace vexa::run_file_rows {
 
@@ -18,6 +20,9 @@ struct Reader {
     int32_t line = 1;
     FILE* console = nullptr;
     int32_t next_slot = 0;  // the next free parameter slot, shared by every effect section
+    // Labels beyond the fixed rows' (effect entries), for naming the closest to a wrong one.
+    std::vector<std::string> known_labels;
+    int32_t label_warnings = 0;  // label lines that were not their row's
 };
 
 struct Word {
@@ -36,8 +41,17 @@ Reader open_reader(const std::string& path, FILE* console);
 [[noreturn]] void impossible(const Reader& reader, int32_t line, const std::string& setting,
                              const std::string& why);
 
+// A value the run can go on with but that does not do what it seems to: one warning line on
+// the console naming the line and setting.
+void warn(const Reader& reader, int32_t line, const std::string& setting, const std::string& why);
+
 Word next_word(Reader& reader, const std::string& setting);
-void skip_label(Reader& reader, const std::string& setting);
+// Reads a label line and says on the console when it is not the row's: `expected` for an
+// effect entry, else one of the spellings of the fixed row `setting`. With `siblings` (the
+// labels of the entries beside this one), a label nearer to `expected` than to every sibling
+// passes too: an abbreviation, not a shifted row.
+void skip_label(Reader& reader, const std::string& setting, const std::string& expected = "",
+                const std::vector<std::string>* siblings = nullptr);
 // An optional sign and decimal digits, the whole word, within 32 bits.
 bool parse_int(const std::string& word, int32_t& value);
 

@@ -328,7 +328,8 @@ void estimation_task(RunContext& context, ChainSetup<Store>& setup,
     settings.chains = context.chains;
     Listeners listeners;
     start_console(listeners, context);
-    if (context.automatic)
+    // Estimates handed over from an earlier run are a better start than a pseudo-likelihood.
+    if (context.automatic && context.start_from.empty())
         settings.exact_start = automatic_start(context, setup, parameters, listeners.console);
     if (context.write_files) {
         write_estimation_start(context.names, s.network_name, settings, s.estimation_runs);

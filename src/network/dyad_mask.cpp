@@ -39,6 +39,8 @@ DyadMask read_dyad_mask(const std::string& path, int n, NetworkKind kind, Matrix
         if (kind == NetworkKind::graph && a > b && (value == 1.0) != mask.allows(b, a))
             note_asymmetry(seen, b, a);
     });
+    // A constraint of every dyad often marks the diagonal too; no dyad is lost by it.
+    seen.loops = 0;
     if (notes != nullptr) *notes = seen;
     return mask;
 }

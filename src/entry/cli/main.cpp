@@ -7,6 +7,7 @@
 
 #include "entry/parameter_sets.h"
 #include "entry/run_driver.h"
+#include "entry/template_command.h"
 #include "sampler/cluster.h"
 
 #if defined(_WIN32)
@@ -22,8 +23,11 @@ void usage(FILE* out) {
         out,
         "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
         "            [--method sa|ee] [--chains K] [--threads N] [--save-network FILE]\n"
+        "            [--start-from FILE]\n"
         "            RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
+        "       vexa template --task T --kind K [--network FILE] [--effects LIST] ...\n"
+        "       vexa effects [--kind graph|digraph]\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
         "writes its reports where the run file says. Exits with 0 after a complete run, 1 when\n"
         "the run was refused or stopped, and 3 when an estimation ended without a converged run.\n"
@@ -49,8 +53,9 @@ void usage(FILE* out) {
         "  --draw-sets COUNT SETSFILE\n"
         "               run nothing: after the estimation that RUNFILE describes, write COUNT\n"
         "               parameter sets drawn from the normal distribution around its estimates\n"
-        "               (the update files in the working directory) with its covariance file\n"
-        "               to SETSFILE, one per line, for a Bayesian goodness of fit (task 4)\n"
+        "               with its covariance (its estimation report's last table, matched to\n"
+        "               RUNFILE's model by label) to SETSFILE, one per line, for a Bayesian\n"
+        "               goodness of fit (task 4)\n"
         "  --store S    the network store: dense (n x n arrays, fastest on small networks) or\n"
         "               sparse (memory in proportion to the ties); without it, sparse above\n"
         "               20,000 nodes or when the dense arrays would take half the memory\n"
@@ -64,6 +69,10 @@ void usage(FILE* out) {
         "               a simulation saves its final network in FILE as a tie list (*Vertices,\n"
         "               then *Edges or *Arcs, nodes from 1), which a run reads back as its\n"
         "               network file; other tasks save none\n"
+        "  --start-from FILE\n"
+        "               the model's effects take the estimates of an earlier run, matched by\n"
+        "               label: its estimation report (the last run's table) or an update file;\n"
+        "               a file that does not fit the model is refused, naming the effects\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -178,6 +187,14 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
     if (std::strcmp(arg, "--threads") == 0)
         return take_count(argc, argv, k, arg, 4096, line.options.threads) ? -1 : 2;
     if (std::strcmp(arg, "--save-network") == 0) return take_save_network(argc, argv, k, line);
+    if (std::strcmp(arg, "--start-from") == 0) {
+        if (k + 1 >= argc || argv[k + 1][0] == '\0') {
+            std::fprintf(stderr, "vexa: --start-from needs a file name\n");
+            return 2;
+        }
+        line.options.start_from = argv[++k];
+        return -1;
+    }
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
         return -1;
@@ -219,6 +236,11 @@ int run_command_line(int argc, char** argv) {
 }
 
 int run_parsed(int argc, char** argv, CommandLine& line) {
+    // Commands that write a run file or the effect list and run nothing.
+    if (argc > 1 && std::strcmp(argv[1], "template") == 0)
+        return vexa::template_command(argc - 1, argv + 1, stdout, stderr);
+    if (argc > 1 && std::strcmp(argv[1], "effects") == 0)
+        return vexa::effects_command(argc - 1, argv + 1, stdout, stderr);
     for (int k = 1; k < argc; ++k) {
         const char* arg = argv[k];
         if (arg[0] == '-' && arg[1] != '\0') {

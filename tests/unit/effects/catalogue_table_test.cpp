@@ -17,7 +17,7 @@ using ToyRow = CatalogueRow<Toy, ToyStore>;
 
 constexpr ToyRow row(Toy id, const char* update, const char* sample) {
     return {id,
-            {update, "r", update, "s", "s", "g", sample, sample, "F8.0"},
+            {update, "r", update, "s", "s", "g", sample, sample, "F8.0", "toy"},
             0.0f,
             true,
             0,
