@@ -14,5 +14,6 @@ from ._api import estimate, gof, bayes_gof, simulate, statistics, effects
 from ._results import Fit, GoodnessOfFit
 
 __version__ = "0.1.0"
-__all__ = ["estimate", "gof", "bayes_gof", "simulate", "statistics", "effects", "Settings", "Fit", "GoodnessOfFit",
+__all__ = ["estimate", "gof", "bayes_gof", "simulate", "statistics", "effects", "Settings",
+           "Fit", "GoodnessOfFit",
            "VexaError", "VexaNotConverged"]

@@ -67,8 +67,10 @@ def gof_figure(gof, path=None):
         _distribution(axes[k], s, o, [str(d) for d in keep], title, "degree")
         k += 1
     n = gof.n
+    # Entry d counts the pairs at distance d, entry n those without a path.
     s, o = _padded(gof.geodesics, profile["geodesics"])
-    s, o = np.pad(s, ((0, 0), (0, max(0, n + 1 - s.shape[1])))), np.pad(o, (0, max(0, n + 1 - len(o))))
+    wanting = max(0, n + 1 - len(o))
+    s, o = np.pad(s, ((0, 0), (0, wanting))), np.pad(o, (0, wanting))
     fs, fo, keep = _trimmed(s[:, :n], o[:n], 1)
     _distribution(axes[k], np.column_stack([fs, s[:, n]]), np.append(fo, o[n]),
                   [str(d) for d in keep] + ["inf"], "Geodesic distribution", "distance")
