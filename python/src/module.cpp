@@ -34,6 +34,9 @@ struct Progress {
     double burn_in = 0.0;
     double proposals = 0.0;
     Clock::time_point last{};
+    // The share shown last: an estimation's plan shrinks as sub-phases end early, and a bar
+    // that went back would read as lost work.
+    double shown = 0.0;
     bool interrupted = false;
     std::optional<py::error_already_set> failure;  // the callback raised
 };
@@ -50,8 +53,9 @@ void call_back(Progress& p, double share) {
         throw vexa::VexaError("vexa: the run was interrupted");
     }
     if (p.update.is_none() || share < 0.0) return;
+    p.shown = std::min(1.0, std::max(p.shown, share));
     try {
-        p.update(std::min(1.0, std::max(0.0, share)));
+        p.update(p.shown);
     } catch (py::error_already_set& e) {
         p.failure.emplace(std::move(e));
         throw vexa::VexaError("vexa: the progress callback failed");

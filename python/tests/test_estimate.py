@@ -84,8 +84,11 @@ def test_simulate_returns_graphs_of_the_network_kind_and_size():
                              directed=True, seed=1, burn_in=100, thin=50, progress=False)
     assert [type(g) for g in digraphs] == [nx.DiGraph] * 3
     assert all(g.number_of_nodes() == D.number_of_nodes() for g in digraphs)
-    # The same seed draws the same networks.
-    again = vexa.simulate(fit, 4, seed=5, burn_in=1000, thin=200, progress=False)
+    # The same seed draws the same networks; a progress callable hears the share done go up
+    # to 1.
+    shares = []
+    again = vexa.simulate(fit, 4, seed=5, burn_in=1000, thin=200, progress=shares.append)
+    assert shares == sorted(shares) and shares[-1] == 1.0
     assert [sorted(g.edges()) for g in again] == [sorted(g.edges()) for g in graphs]
 
 

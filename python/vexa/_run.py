@@ -87,6 +87,8 @@ def run(task, network, effects, values, columns, covariate, settings, seed, auto
     update, close = progress_of(progress, task)
     try:
         result = _engine.run_task(request, update)
+        if update is not None and not result["error"]:
+            update(1.0)  # a run that converged early ends short of its plan
     finally:
         close()
     if result["error"]:
