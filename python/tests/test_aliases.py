@@ -125,6 +125,12 @@ def test_aliases_without_an_equal_effect_are_refused():
     for term, closest in [(("gwdegree", 0.5), "AS"), (("gwnsp", 0.5), "A2P")]:
         with pytest.raises(vexa.VexaError, match="the closest is " + closest):
             vexa.statistics(G, ["edges", term])
+    # What the refusal says of gwdegree holds: AS at lambda = e^d is lambda (2 edges - gwdegree).
+    G = nx.gnp_random_graph(12, 0.3, seed=2)
+    lam = math.exp(0.4)
+    gwdegree = lam * sum(1 - (1 - 1 / lam) ** d for _, d in G.degree())
+    alternating = vexa.statistics(G, [("AS", lam)]).iloc[0]
+    assert alternating == pytest.approx(lam * (2 * G.number_of_edges() - gwdegree), rel=1e-5)
     listed = vexa.effects()
     assert {"structural", "alias", "categorical"} <= set(listed.kind)
     assert listed.meaning.str.len().min() > 0
