@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what vexa needs to build and test on Debian, skipping what is already there.
 # With --windows, also the MinGW-w64 cross-compiler and Wine for the Windows build; with --mpi,
-# OpenMPI; with --r, only what the R package needs.
+# OpenMPI; with --r, only what the R package needs; with --python, only what the Python module
+# needs.
 set -euo pipefail
 
 packages=(cmake g++ ninja-build ccache libgtest-dev libbenchmark-dev default-jdk-headless python3 clang-format clang-tidy)
@@ -13,6 +14,10 @@ for option in "$@"; do
         # R, Rcpp, testthat and the network package, for the R package (and ccache for its
         # compile when scripts/test-r.sh builds it).
         --r) packages=(r-base-core r-base-dev r-cran-rcpp r-cran-testthat r-cran-network ccache) ;;
+        # pybind11, networkx, numpy, pandas, scipy, matplotlib and pytest for Debian's own
+        # interpreter, for the Python module (scripts/test-python.sh); ccache for its compile.
+        --python) packages=(python3-pybind11 python3-networkx python3-numpy python3-pandas
+                            python3-scipy python3-matplotlib python3-pytest python3-pip ccache) ;;
         # OpenMPI, for the build that spreads chains over processes (scripts/test-mpi.sh).
         --mpi) packages+=(openmpi-bin libopenmpi-dev) ;;
         *) echo "setup: unknown option $option" >&2; exit 2 ;;

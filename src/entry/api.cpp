@@ -102,10 +102,12 @@ NetworkProfile observed_profile(const std::vector<double>& adjacency, int n) {
 // Checks the request's settings and fills in what a run file's reader would derive.
 void check_request(const TaskRequest& request, RunSettings& s) {
     if (s.task == Task::bayesian_goodness_of_fit) {
-        throw SettingError(format_message(
-            "vexa: %s asks for a Bayesian goodness of fit; a request runs a simulation, an "
-            "estimation or a goodness of fit",
-            s.run_file.c_str()));
+        if (request.parameter_sets.empty()) {
+            throw SettingError(format_message(
+                "vexa: %s asks for a Bayesian goodness of fit without parameter sets",
+                s.run_file.c_str()));
+        }
+        s.sample_count = static_cast<int32_t>(request.parameter_sets.size());
     }
     if (s.node_count < 1) {
         throw SettingError(format_message("vexa: %s: the network needs at least 1 node, found %d",
@@ -150,12 +152,14 @@ TaskResult run_request(const TaskRequest& request) noexcept {
         context.console = console.get();
         check_request(request, s);
         context.model = request_model(request);
+        result.slots = effect_slots(request, context.model);
         context.names = form_output_names(s.output_directory, s.network_name);
         context.write_files = request.write_files;
         context.update_directory = s.output_directory;
         context.records = &result.records;
         label_result(context.model, result);
         if (s.task != Task::simulation) context.adjacency = &request.adjacency;
+        context.parameter_sets = &request.parameter_sets;
         const Observer host = observe_all({request.observer, sample_collector(request, result)});
         context.observer = &host;
         const bool digraph = s.network_kind == NetworkKind::digraph;

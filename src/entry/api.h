@@ -48,14 +48,19 @@ struct TaskRequest {
     std::vector<double> covariate;  // n x n, row by row
     RunOptions options;             // seed, confirmation, sampler override
     Observer observer;              // the host's listener: a progress bar, an interrupt check
-    bool keep_networks = false;     // keep the sampled networks of a simulation
-    bool write_files = false;       // write the reports into settings.output_directory
+    // A Bayesian goodness of fit: its parameter sets, each in parameter-vector order.
+    std::vector<std::vector<double>> parameter_sets;
+    bool keep_networks = false;  // keep the sampled networks of a simulation
+    bool write_files = false;    // write the reports into settings.output_directory
 };
 
 struct TaskResult {
     std::string error;    // the one-line message of a failed run; empty after a complete run
     std::string console;  // what the run said on its console
     std::vector<ParameterLabel> labels;  // summary labels, in parameter-vector order
+    // Per effect of the request, in its order: the effect's place in the parameter vector
+    // (which follows the run file's order of the effects, not the request's).
+    std::vector<int32_t> slots;
     std::vector<std::string> gof_labels;
     std::vector<std::string> sample_columns;
     std::vector<std::string> measure_names;  // of the goodness of fit's descriptive measures
@@ -70,6 +75,10 @@ struct TaskResult {
 // The model a request describes, slots given in the order a run file would give them.
 // Throws SettingError naming an unknown, repeated or malformed effect or attribute.
 Model request_model(const TaskRequest& request);
+
+// Per effect of the request, its position in the parameter vector of `model` (the
+// request's).
+std::vector<int32_t> effect_slots(const TaskRequest& request, const Model& model);
 
 // Runs the request. Never throws: a failure leaves its one line in `error`, and the files
 // written so far stay.

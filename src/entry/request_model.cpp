@@ -222,12 +222,8 @@ void assign_slots(Model& model, const Chosen& chosen) {
     }
 }
 
-}  // namespace
-
-Model request_model(const TaskRequest& request) {
+Attributes attributes_of(const TaskRequest& request) {
     const RunSettings& s = request.settings;
-    Model model = empty_model(s.network_kind);
-    model.structural_given = true;
     Attributes attributes;
     for (const AttributeColumn& column : request.attributes) {
         if (column.kind == AttributeKind::covariate) {
@@ -237,9 +233,42 @@ Model request_model(const TaskRequest& request) {
         check_values(request, column, s.node_count);
         attributes.by_kind[static_cast<size_t>(column.kind)].push_back(&column);
     }
+    return attributes;
+}
+
+}  // namespace
+
+Model request_model(const TaskRequest& request) {
+    Model model = empty_model(request.settings.network_kind);
+    model.structural_given = true;
+    const Attributes attributes = attributes_of(request);
     fill_sections(request, model, attributes);
     assign_slots(model, choose_effects(request, model, attributes));
     return model;
+}
+
+std::vector<int32_t> effect_slots(const TaskRequest& request, const Model& model) {
+    const Attributes attributes = attributes_of(request);
+    std::vector<int32_t> slots;
+    for (const EffectChoice& choice : request.effects) {
+        const Target t = find_effect(request, model, attributes, choice);
+        if (t.structural) {
+            slots.push_back(model.structural[static_cast<size_t>(t.row)].slot);
+            continue;
+        }
+        // Attribute values follow the structural ones in the order the vector walks them,
+        // which is not their slot order (the binary effects take an order of their own).
+        int32_t position = model.structural_included;
+        int32_t found = -1;
+        for_each_included_attribute_effect(model, [&](AttributeKind kind, int32_t effect,
+                                                      int32_t attribute) {
+            if (kind == t.kind && effect == t.row && attribute == static_cast<int32_t>(t.attribute))
+                found = position;
+            ++position;
+        });
+        slots.push_back(found);
+    }
+    return slots;
 }
 
 }  // namespace vexa

@@ -145,6 +145,9 @@ struct RunContext {
     // A host's in-memory network, n x n row by row, in place of the network file; null: the
     // file.
     const std::vector<double>* adjacency = nullptr;
+    // A host's parameter sets for a Bayesian goodness of fit, each in parameter-vector order,
+    // in place of the sets file; null: the file.
+    const std::vector<std::vector<double>>* parameter_sets = nullptr;
     const Observer* observer = nullptr;  // a host's listener, beside the console
     TaskRecords* records = nullptr;      // where a host takes the records; null: nowhere
     bool write_files = true;             // write the reports (a host may not want them)

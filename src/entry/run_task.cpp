@@ -67,6 +67,18 @@ std::vector<std::vector<double>> parameter_sets_of(const RunContext& context) {
             "vexa: run file '%s' includes no effect, so there is no parameter set to draw under",
             s.run_file.c_str()));
     }
+    if (context.parameter_sets != nullptr) {
+        std::vector<std::vector<double>> sets;
+        for (const std::vector<double>& set : *context.parameter_sets) {
+            if (set.size() != static_cast<size_t>(p)) {
+                throw SettingError(
+                    format_message("vexa: %s: parameter set %zu holds %zu values for %d parameters",
+                                   s.run_file.c_str(), sets.size() + 1, set.size(), p));
+            }
+            if (sets.size() < static_cast<size_t>(s.sample_count)) sets.push_back(set);
+        }
+        return sets;
+    }
     ParameterSets read = read_parameter_sets(s.parameter_sets_file, p, s.sample_count);
     const int count = static_cast<int>(read.sets.size());
     if (count < s.sample_count) {

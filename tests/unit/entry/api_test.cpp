@@ -66,9 +66,20 @@ TEST(Api, RequestBuildsTheModelTheRunFileDescribes) {
             const WorkingDirectory in(data_path("../golden/cases/") + name);
             return read_run_file("run.txt", nullptr);
         }();
-        const Model built = request_model(request_like(file));
+        const TaskRequest request = request_like(file);
+        const Model built = request_model(request);
         const Model& read = file.model;
         EXPECT_EQ(pack(built), pack(read));
+        // Each effect's slot is where its value lands in the parameter vector: effect k
+        // valued k + 1 puts k + 1 there.
+        TaskRequest numbered = request;
+        for (size_t k = 0; k < numbered.effects.size(); ++k)
+            numbered.effects[k].value = static_cast<double>(k + 1);
+        const std::vector<double> vector = pack(request_model(numbered));
+        const std::vector<int32_t> slots = effect_slots(numbered, request_model(numbered));
+        ASSERT_EQ(slots.size(), vector.size());
+        for (size_t k = 0; k < slots.size(); ++k)
+            EXPECT_EQ(vector[static_cast<size_t>(slots[k])], static_cast<double>(k + 1)) << k;
         for (size_t r = 0; r < read.structural.size(); ++r) {
             EXPECT_EQ(built.structural[r].slot, read.structural[r].slot) << r;
             if (read.structural[r].slot >= 0) {
