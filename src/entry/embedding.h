@@ -13,6 +13,7 @@
 #include "network/graph.h"
 #include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
+#include "simulation/measures.h"
 
 namespace vexa {
 
@@ -46,5 +47,13 @@ NetworkProfile profile_of(const Graph& graph, const DescribeScratch& scratch);
 NetworkProfile profile_of(const Digraph& digraph, const DigraphScratch& scratch);
 NetworkProfile profile_of(const SparseGraph& graph, const DescribeScratch& scratch);
 NetworkProfile profile_of(const SparseDigraph& digraph, const DigraphScratch& scratch);
+
+// The profile of a network, measured afresh and trimmed.
+template <class Store>
+NetworkProfile measured_profile(const Store& network) {
+    ScratchOf<Store> scratch;
+    measure(network, scratch);
+    return trimmed(profile_of(network, scratch));
+}
 
 }  // namespace vexa

@@ -21,7 +21,7 @@ void usage(FILE* out) {
     std::fprintf(
         out,
         "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
-        "            [--method sa|ee] [--chains K] [--threads N] [--save-network FILE]\n"
+        "            [--method sa|ee] [--chains K] [--threads N] [--save-network FILE] [--html]\n"
         "            RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "Runs the estimation, simulation or goodness-of-fit run that RUNFILE describes and\n"
@@ -64,6 +64,8 @@ void usage(FILE* out) {
         "               a simulation saves its final network in FILE as a tie list (*Vertices,\n"
         "               then *Edges or *Arcs, nodes from 1), which a run reads back as its\n"
         "               network file; other tasks save none\n"
+        "  --html       also write the report as one self-contained HTML page with plots,\n"
+        "               report_NAME.html in the output directory\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -180,6 +182,10 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
     if (std::strcmp(arg, "--save-network") == 0) return take_save_network(argc, argv, k, line);
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
+        return -1;
+    }
+    if (std::strcmp(arg, "--html") == 0) {
+        line.options.html = true;
         return -1;
     }
     if (std::strcmp(arg, "--auto") == 0) {
