@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <set>
 
 #include "report/svg.h"
 
@@ -61,11 +62,19 @@ void draw_box_panel(Svg& svg, const BoxItem& item, double left, double top) {
               " font-weight=\"bold\"");
     svg.label(left + panel_width / 2, top + 28.0, item.note, "middle", 10.5,
               item.flagged ? " fill=\"#d62728\"" : "");
-    draw_y_axis(svg, area, 4);
+    draw_y_axis(svg, area);
     svg.rect(area.left, area.top, area.width, area.height, "none",
              item.flagged ? observed_colour : "#888888");
     const double middle = area.x(0.5);
     if (box.count > 0) draw_box(svg, area, middle, 28.0, box);
+    // The values beyond the whiskers, each distinct one once.
+    std::set<double> outliers;
+    if (item.sample != nullptr) {
+        for (const double value : *item.sample)
+            if (value < box.low_whisker || value > box.high_whisker) outliers.insert(value);
+    }
+    for (const double value : outliers)
+        svg.circle(middle, area.y(value), 1.8, sample_colour, " fill-opacity=\"0.6\"");
     const double y = area.y(item.observed);
     svg.line(area.left + 8.0, y, area.left + area.width - 8.0, y, observed_colour, 2.0,
              " class=\"observed\"");
@@ -106,7 +115,7 @@ std::string distribution_chart(const DistributionPlot& plot) {
     }
     const PlotArea area =
         plot_area(56.0, 30.0, width - 70.0, 190.0, -0.5, static_cast<double>(n) - 0.5, low, high);
-    draw_y_axis(svg, area, 4);
+    draw_y_axis(svg, area);
     draw_frame(svg, area);
     const double half = std::min(9.0, area.width / static_cast<double>(std::max<size_t>(n, 1)) / 3);
     std::vector<double> xs, ys;
@@ -169,8 +178,9 @@ void draw_trace_panel(Svg& svg, const TraceLine& line, double left, double top) 
     svg.begin_group("class=\"trace\" " + line.attributes);
     svg.label(left + panel_width / 2, top + 16.0, line.name, "middle", 12.0,
               " font-weight=\"bold\"");
-    draw_y_axis(svg, area, 4);
+    draw_y_axis(svg, area);
     draw_frame(svg, area);
+    draw_x_ends(svg, area);
     std::vector<double> xs, ys;
     for (const size_t k : thinned_indices(std::min(line.xs.size(), line.ys.size()), 400)) {
         xs.push_back(area.x(line.xs[k]));
@@ -223,8 +233,9 @@ void draw_histogram_panel(Svg& svg, const TraceLine& line, double left, double t
     svg.begin_group("class=\"histogram\" " + line.attributes);
     svg.label(left + panel_width / 2, top + 16.0, line.name, "middle", 12.0,
               " font-weight=\"bold\"");
-    draw_y_axis(svg, area, 4);
+    draw_y_axis(svg, area);
     draw_frame(svg, area);
+    draw_x_ends(svg, area);
     const double step = (hi - lo) / bins;
     for (int b = 0; b < bins; ++b) {
         const double x0 = area.x(lo + step * b);
@@ -282,6 +293,45 @@ std::string bar_chart(const std::vector<Bar>& bars, const std::string& title, do
         char words[16];
         std::snprintf(words, sizeof words, "%g", tick);
         svg.label(x(tick), bottom + 13.0, words, "middle", 10.0);
+    }
+    svg.close();
+    return svg.text;
+}
+
+std::string interval_chart(const std::vector<Interval>& rows, const std::string& title) {
+    constexpr double row = 24.0, name_width = 200.0, plot_width = 600.0;
+    double low = 0.0, high = 0.0;
+    for (const Interval& r : rows) {
+        if (!std::isfinite(r.centre)) continue;
+        const double reach = std::isfinite(r.half_width) ? r.half_width : 0.0;
+        low = std::min(low, r.centre - reach);
+        high = std::max(high, r.centre + reach);
+    }
+    const std::vector<double> ticks = nice_ticks(low, high, 6);
+    const Scale x{ticks.front(), ticks.back(), name_width, name_width + plot_width};
+    const double bottom = 30.0 + row * static_cast<double>(rows.size());
+    Svg svg;
+    svg.open(name_width + plot_width + 40.0, bottom + 24.0, title);
+    svg.label(4.0, 18.0, title, "start", 14.0, " font-weight=\"bold\"");
+    for (const double tick : ticks) {
+        svg.line(x(tick), 26.0, x(tick), bottom, tick == 0.0 ? "#555555" : "#e4e4e4", 1.0,
+                 tick == 0.0 ? " stroke-dasharray=\"4 3\"" : "");
+        char words[32];
+        std::snprintf(words, sizeof words, "%.6g", tick);
+        svg.label(x(tick), bottom + 14.0, words, "middle", 10.0);
+    }
+    for (size_t k = 0; k < rows.size(); ++k) {
+        const Interval& r = rows[k];
+        const double y = 30.0 + row * (static_cast<double>(k) + 0.5);
+        svg.begin_group("class=\"interval\" " + r.attributes);
+        svg.label(name_width - 8.0, y + 4.0, r.name, "end", 11.0);
+        if (std::isfinite(r.centre)) {
+            const char* colour = r.marked ? "#1b7a1b" : "#888888";
+            if (std::isfinite(r.half_width))
+                svg.line(x(r.centre - r.half_width), y, x(r.centre + r.half_width), y, colour, 2.0);
+            svg.circle(x(r.centre), y, 4.0, colour);
+        }
+        svg.end_group();
     }
     svg.close();
     return svg.text;

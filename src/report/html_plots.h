@@ -62,6 +62,17 @@ struct Bar {
 };
 std::string bar_chart(const std::vector<Bar>& bars, const std::string& title, double limit);
 
+// Points with intervals about them (estimates with two standard errors either side), one row
+// each, against a dashed line at 0; a marked row (significant) in green.
+struct Interval {
+    std::string name;
+    double centre = 0.0;
+    double half_width = 0.0;  // not finite: no interval
+    bool marked = false;
+    std::string attributes;
+};
+std::string interval_chart(const std::vector<Interval>& rows, const std::string& title);
+
 // At most `most` points of a long series, evenly spaced, the last one kept: a trace of 20,000
 // draws drawn point by point would weigh megabytes and show no more.
 std::vector<size_t> thinned_indices(size_t count, size_t most);

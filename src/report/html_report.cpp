@@ -64,6 +64,11 @@ std::string thresholds_text() {
         t_ratio_limit, overall_ratio_limit, enough_effective_draws);
 }
 
+// The star of the text report: a converged run, a small t-ratio, two standard errors.
+bool significant(const EstimationRecord& record, double estimate, double se, double t) {
+    return record.converged && std::fabs(t) < 0.1 && std::fabs(estimate) > 2.0 * se;
+}
+
 std::string estimates_table(const EstimationRecord& record,
                             const std::vector<ParameterLabel>& labels) {
     const EstimationRun& run = record.runs[shown_run(record)];
@@ -76,19 +81,17 @@ std::string estimates_table(const EstimationRecord& record,
         const double estimate = record.estimates[k];
         const double se = have_errors ? run.standard_errors[k] : std::nan("");
         const double t = have_errors ? run.t_ratios[k] : std::nan("");
-        // The star of the text report: a converged run, a small t-ratio, two standard errors.
-        const bool significant =
-            record.converged && std::fabs(t) < 0.1 && std::fabs(estimate) > 2.0 * se;
+        const bool starred = significant(record, estimate, se, t);
         html += format_message(
             "<tr class=\"estimate\" data-effect=\"%s\" data-estimate=\"%s\" data-se=\"%s\" "
             "data-t=\"%s\" data-significant=\"%d\"><td>%s</td><td>%.4f</td><td>%s</td>"
             "<td>%s</td><td>%s</td><td>%s</td></tr>\n",
             html_escape(labelled(label)).c_str(), data_number(estimate).c_str(),
-            data_number(se).c_str(), data_number(t).c_str(), significant ? 1 : 0,
+            data_number(se).c_str(), data_number(t).c_str(), starred ? 1 : 0,
             html_escape(labelled(label)).c_str(), estimate,
             have_errors ? fixed_text(se, 4).c_str() : "-",
             have_errors ? fixed_text(estimate / se, 2).c_str() : "-",
-            have_errors ? fixed_text(t, 3).c_str() : "-", significant ? "yes *" : "no");
+            have_errors ? fixed_text(t, 3).c_str() : "-", starred ? "yes *" : "no");
     }
     return html + "</table>\n";
 }
@@ -110,6 +113,24 @@ std::string runs_table(const EstimationRecord& record, const std::vector<Paramet
             check.overall_ratio, check.smallest_effective_size);
     }
     return html + "</table>\n";
+}
+
+std::vector<Interval> estimate_intervals(const EstimationRecord& record,
+                                         const std::vector<ParameterLabel>& labels) {
+    const EstimationRun& run = record.runs[shown_run(record)];
+    const bool have_errors = !run.degenerate && run.standard_errors.size() == run.estimates.size();
+    std::vector<Interval> rows;
+    for (const ParameterLabel& label : labels) {
+        const auto k = static_cast<size_t>(label.position);
+        const double estimate = record.estimates[k];
+        const double se = have_errors ? run.standard_errors[k] : std::nan("");
+        const double t = have_errors ? run.t_ratios[k] : std::nan("");
+        rows.push_back({labelled(label), estimate, 2.0 * se, significant(record, estimate, se, t),
+                        format_message("data-effect=\"%s\" data-estimate=\"%s\" data-se=\"%s\"",
+                                       html_escape(labelled(label)).c_str(),
+                                       data_number(estimate).c_str(), data_number(se).c_str())});
+    }
+    return rows;
 }
 
 // Each parameter's path through phase 2: the start, after phase 1, after every sub-phase.
@@ -183,6 +204,8 @@ std::string estimation_section(const Model& model, const EstimationRecord& recor
     }
     html += thresholds_text();
     html += "<h3>Estimates</h3>\n" + estimates_table(record, labels);
+    html += interval_chart(estimate_intervals(record, labels),
+                           "Estimates with two standard errors either side (green: significant)");
     html += "<h3>Runs</h3>\n" + runs_table(record, labels);
     if (!run.subphases.empty()) {
         html += trace_grid(phase2_paths(run, labels, record.estimates),

@@ -18,10 +18,12 @@ std::vector<double> nice_ticks(double low, double high, int count) {
     const double raw = (high - low) / std::max(1, count);
     const double magnitude = std::pow(10.0, std::floor(std::log10(raw)));
     const double scaled = raw / magnitude;
-    const double step = (scaled <= 1.0   ? 1.0
-                         : scaled <= 2.0 ? 2.0
-                         : scaled <= 5.0 ? 5.0
-                                         : 10.0) *
+    // The slack keeps a step that is 2 but for rounding (0.8 / 4) from becoming 5.
+    constexpr double slack = 1.0 + 1e-9;
+    const double step = (scaled <= slack         ? 1.0
+                         : scaled <= 2.0 * slack ? 2.0
+                         : scaled <= 5.0 * slack ? 5.0
+                                                 : 10.0) *
                         magnitude;
     // A hair of slack so that a bound already on a tick does not add a step for rounding.
     const double first = std::floor(low / step + 1e-9);
@@ -149,15 +151,14 @@ PlotArea plot_area(double left, double top, double width, double height, double 
         y_low -= pad;
         y_high += pad;
     }
-    const std::vector<double> ticks = nice_ticks(y_low, y_high, 4);
-    PlotArea area{left, top, width, height, {}, {}};
+    PlotArea area{left, top, width, height, {}, {}, nice_ticks(y_low, y_high, 4)};
     area.x = Scale{x_low, x_high, left, left + width};
-    area.y = Scale{ticks.front(), ticks.back(), top + height, top};
+    area.y = Scale{area.y_ticks.front(), area.y_ticks.back(), top + height, top};
     return area;
 }
 
-void draw_y_axis(Svg& svg, const PlotArea& area, int ticks) {
-    for (const double value : nice_ticks(area.y.low, area.y.high, ticks)) {
+void draw_y_axis(Svg& svg, const PlotArea& area) {
+    for (const double value : area.y_ticks) {
         const double y = area.y(value);
         svg.line(area.left, y, area.left + area.width, y, "#e4e4e4", 1.0);
         char words[32];
@@ -168,6 +169,15 @@ void draw_y_axis(Svg& svg, const PlotArea& area, int ticks) {
 
 void draw_frame(Svg& svg, const PlotArea& area) {
     svg.rect(area.left, area.top, area.width, area.height, "none", "#888888");
+}
+
+void draw_x_ends(Svg& svg, const PlotArea& area) {
+    char words[32];
+    const double y = area.top + area.height + 12.0;
+    std::snprintf(words, sizeof words, "%.6g", area.x.low);
+    svg.label(area.left, y, words, "start", 9.5);
+    std::snprintf(words, sizeof words, "%.6g", area.x.high);
+    svg.label(area.left + area.width, y, words, "end", 9.5);
 }
 
 }  // namespace vexa

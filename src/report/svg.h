@@ -62,6 +62,7 @@ struct Svg {
 struct PlotArea {
     double left = 0.0, top = 0.0, width = 0.0, height = 0.0;
     Scale x, y;
+    std::vector<double> y_ticks;  // the y scale runs from the first to the last
 };
 
 // A plot area at (left, top) of the given size for the data box [x_low, x_high] x [y_low,
@@ -70,8 +71,10 @@ PlotArea plot_area(double left, double top, double width, double height, double 
                    double x_high, double y_low, double y_high);
 
 // The y axis of an area: its ticks, their values and light grid lines across.
-void draw_y_axis(Svg& svg, const PlotArea& area, int ticks);
+void draw_y_axis(Svg& svg, const PlotArea& area);
 // The frame of an area.
 void draw_frame(Svg& svg, const PlotArea& area);
+// The x scale's two ends, under the area's corners.
+void draw_x_ends(Svg& svg, const PlotArea& area);
 
 }  // namespace vexa

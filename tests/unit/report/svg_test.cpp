@@ -25,6 +25,12 @@ TEST(Svg, ScalesTicksAndBoxesByHand) {
     EXPECT_EQ(nice_ticks(-0.3, 0.7, 4), (std::vector<double>{-0.5, 0.0, 0.5, 1.0}));
     EXPECT_EQ(nice_ticks(20.0, 40.0, 2), (std::vector<double>{20, 30, 40}));
     EXPECT_EQ(nice_ticks(3.0, 3.0, 4), std::vector<double>{3.0});
+    // 0.8 / 4 is 0.2 but for the last bit: still steps of 0.2, not of 0.5 (which would put
+    // ticks outside the plotted range).
+    const std::vector<double> fifths = nice_ticks(-2.4, -1.6, 4);
+    ASSERT_EQ(fifths.size(), 5u);
+    for (size_t k = 0; k < 5; ++k)
+        EXPECT_NEAR(fifths[k], -2.4 + 0.2 * static_cast<double>(k), 1e-12);
 
     // 1 2 3 4 100: quartiles at positions 1, 2, 3 of the sorted values; the box 2..4 reaches
     // 1.5 x 2 = 3 beyond it, so 100 lies outside the upper whisker, which stops at 4.
