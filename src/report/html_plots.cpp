@@ -121,11 +121,12 @@ std::string distribution_chart(const DistributionPlot& plot) {
     std::vector<double> xs, ys;
     for (size_t c = 0; c < n; ++c) {
         const double x = area.x(static_cast<double>(c));
-        char head[160];
+        char head[200];
         std::snprintf(head, sizeof head,
-                      "class=\"dist\" data-kind=\"%s\" data-category=\"%s\" data-mean=\"%.10g\"%s",
+                      "class=\"dist\" data-kind=\"%s\" data-category=\"%s\" data-mean=\"%.10g\" "
+                      "data-count=\"%zu\"",
                       plot.kind.c_str(), html_escape(plot.categories[c]).c_str(), boxes[c].mean,
-                      c < plot.observed.size() ? "" : " data-no-observed=\"1\"");
+                      boxes[c].count);
         std::string attributes = head;
         if (c < plot.observed.size()) {
             char observed[48];
