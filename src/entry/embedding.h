@@ -8,22 +8,14 @@
 
 #include "describe/digraph_describe.h"
 #include "describe/graph_describe.h"
+#include "describe/network_profile.h"
 #include "network/digraph.h"
 #include "network/graph.h"
 #include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
+#include "simulation/measures.h"
 
 namespace vexa {
-
-// The distributions a goodness-of-fit plot shows of one network.
-struct NetworkProfile {
-    std::vector<int32_t> degree;     // entry d: nodes of degree d (a digraph: out-degree)
-    std::vector<int32_t> in_degree;  // a digraph: nodes of in-degree d; a graph: empty
-    // Pairs at distance d for d = 1 .. n-1, pairs without a path at n, entry 0 unused (a graph
-    // counts unordered pairs, a digraph ordered ones).
-    std::vector<int64_t> geodesics;
-    std::vector<double> triads;  // a digraph's triad census, in census order; a graph: empty
-};
 
 // A store built from a host's matrix, tie by tie in the order a network file is read,
 // so that a run from memory and one from the file walk the same chain.
@@ -55,5 +47,13 @@ NetworkProfile profile_of(const Graph& graph, const DescribeScratch& scratch);
 NetworkProfile profile_of(const Digraph& digraph, const DigraphScratch& scratch);
 NetworkProfile profile_of(const SparseGraph& graph, const DescribeScratch& scratch);
 NetworkProfile profile_of(const SparseDigraph& digraph, const DigraphScratch& scratch);
+
+// The profile of a network, measured afresh and trimmed.
+template <class Store>
+NetworkProfile measured_profile(const Store& network) {
+    ScratchOf<Store> scratch;
+    measure(network, scratch);
+    return trimmed(profile_of(network, scratch));
+}
 
 }  // namespace vexa

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/progress.h"
+#include "describe/network_profile.h"
 #include "estimation/estimate_model.h"
 #include "model/model.h"
 #include "network/network_kind.h"
@@ -107,6 +108,8 @@ struct RunOptions {
     // An earlier run's estimation report or update file whose estimates, matched by label, the
     // model's effects take before the task; "": the run file's values.
     std::string start_from;
+    // Write the HTML report (report_NAME.html) beside the text ones.
+    bool html = false;
     FILE* console = stdout;              // progress and messages
     const Observer* observer = nullptr;  // a host's listener to the task's events, if any
 };
@@ -150,7 +153,10 @@ struct RunContext {
     const std::vector<std::vector<double>>* parameter_sets = nullptr;
     const Observer* observer = nullptr;  // a host's listener, beside the console
     TaskRecords* records = nullptr;      // where a host takes the records; null: nowhere
-    bool write_files = true;             // write the reports (a host may not want them)
+    // Where a task leaves the profile of the network it starts from, the observed one but in a
+    // simulation (for the HTML report); null: nowhere.
+    NetworkProfile* observed_profile = nullptr;
+    bool write_files = true;  // write the reports (a host may not want them)
     // Where the update files go: "" the working directory, as a front end expects.
     std::string update_directory;
     RunOutcome outcome = RunOutcome::complete;  // set by the task

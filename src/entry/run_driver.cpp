@@ -6,6 +6,7 @@
 #include "base/errors.h"
 #include "entry/digraph_kind.h"
 #include "entry/graph_kind.h"
+#include "entry/html_output.h"
 #include "entry/run_file.h"
 #include "entry/start_from.h"
 #include "model/parameter_labels.h"
@@ -17,6 +18,17 @@ RunOutcome run_driver(const std::string& run_file, const RunOptions& options) {
     context.console = options.console != nullptr ? options.console : stdout;
     context.bars = bar_terminal_for(context.console);
     context.observer = options.observer;
+    // The HTML report takes the records and the samples' distributions as well.
+    HtmlCollection html;
+    Observer with_html;
+    if (options.html) {
+        std::vector<Observer> parts{html_collector(html)};
+        if (options.observer != nullptr) parts.insert(parts.begin(), *options.observer);
+        with_html = observe_all(std::move(parts));
+        context.observer = &with_html;
+        context.records = &html.records;
+        context.observed_profile = &html.observed;
+    }
     RunFile file = read_run_file(run_file, context.console);
     context.settings = std::move(file.settings);
     context.settings.run_file = run_file;
@@ -36,6 +48,7 @@ RunOutcome run_driver(const std::string& run_file, const RunOptions& options) {
     } else {
         run_graph_task(context);
     }
+    if (options.html && context.write_files) write_html_output(context, html);
     return context.outcome;
 }
 

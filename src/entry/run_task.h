@@ -118,6 +118,7 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
         reading.done(tie_count(setup.observed));
     }
     say_notes(context, notes, "network", s.network_file);
+    if (context.observed_profile) *context.observed_profile = measured_profile(setup.observed);
     if (s.task != Task::simulation) check_degree_cap(s, setup.observed);
     setup.terms = make_terms<Store>(context.model);
     if (context.write_files) {

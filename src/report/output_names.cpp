@@ -29,6 +29,7 @@ OutputNames form_output_names(const std::string& directory, const std::string& n
     names.twopath_distribution = name("twopath_distribution", ".txt");
     names.et0nt_distribution = name("et0nt_distribution", ".txt");
     names.convergence = name("convergence", ".txt");
+    names.html = name("report", ".html");
     return names;
 }
 

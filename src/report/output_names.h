@@ -6,7 +6,7 @@
 
 namespace vexa {
 
-// The twenty output names, formed right after the head of the run file, whether or not the
+// The output names, formed right after the head of the run file, whether or not the
 // task writes them: directory, separator, suffix word, '_', network name, extension.
 struct OutputNames {
     std::string start_statistics;
@@ -30,6 +30,7 @@ struct OutputNames {
     std::string twopath_distribution;
     std::string et0nt_distribution;
     std::string convergence;  // the verdict on each estimation run
+    std::string html;         // the HTML report, ".html", written on request
 };
 
 // '/' on POSIX systems, '\' on Windows: the files land inside the output directory.

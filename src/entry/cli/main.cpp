@@ -23,7 +23,7 @@ void usage(FILE* out) {
         out,
         "usage: vexa [--seed N] [--auto] [--check] [--sampler V] [--store dense|sparse]\n"
         "            [--method sa|ee] [--chains K] [--threads N] [--save-network FILE]\n"
-        "            [--start-from FILE]\n"
+        "            [--start-from FILE] [--html]\n"
         "            RUNFILE\n"
         "       vexa [--seed N] --draw-sets COUNT SETSFILE RUNFILE\n"
         "       vexa template --task T --kind K [--network FILE] [--effects LIST] ...\n"
@@ -73,6 +73,8 @@ void usage(FILE* out) {
         "               the model's effects take the estimates of an earlier run, matched by\n"
         "               label: its estimation report (the last run's table) or an update file;\n"
         "               a file that does not fit the model is refused, naming the effects\n"
+        "  --html       also write the report as one self-contained HTML page with plots,\n"
+        "               report_NAME.html in the output directory\n"
         "  --help       show this help\n"
         "  --version    show the version\n");
 }
@@ -197,6 +199,10 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
     }
     if (std::strcmp(arg, "--check") == 0) {
         line.options.confirm = true;
+        return -1;
+    }
+    if (std::strcmp(arg, "--html") == 0) {
+        line.options.html = true;
         return -1;
     }
     if (std::strcmp(arg, "--auto") == 0) {
