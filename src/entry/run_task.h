@@ -232,10 +232,9 @@ void bayesian_gof_task(RunContext& context, const ChainSetup<Store>& setup) {
     if (context.records != nullptr) context.records->gof = std::move(record);
 }
 
-// The density effect (a graph's edge, a digraph's arc) started at exactly 0 starts at the
-// observed log-odds of a tie. At 0 a digraph's chain would first run to networks of density
-// one half, far from any observed network, and phase 1 would measure the covariance there.
-// Among the observed dyads only, when some are missing.
+// The density effect (a graph's edge, a digraph's arc) started at exactly 0 starts at the log-odds
+// of a tie among the observed dyads. At 0 a digraph's chain would first run to networks of
+// density one half, and phase 1 would measure the covariance there.
 template <class Store>
 void adjust_start(const Model& model, const ChainSetup<Store>& setup,
                   std::vector<double>& parameters) {
