@@ -1,5 +1,5 @@
 """Models as Python users write them: effect names, alternating effects with their lambda,
-ergm-style aliases with their arguments; and the settings of a run."""
+R-style term aliases with their arguments; and the settings of a run."""
 
 from dataclasses import dataclass, asdict, fields
 import numbers

@@ -109,6 +109,32 @@ TEST(MissingTies, ArcAndReciprocityMatchTheObservedDyadStates) {
     }
 }
 
+// Goodness of fit under edge alone: the missing dyads are independent ties of probability
+// p = logistic(edge), so the observed side's edge count is the observed ties plus about p times
+// the missing dyads (the mean of 200 binomial draws), and the report says it is a mean.
+TEST(MissingTies, GoodnessOfFitComparesWithTheExpectationGivenTheObservedDyads) {
+    const std::string dir = testing::scratch_directory("missing_gof");
+    testing::GraphRunFile file = testing::on_network(dir, "flomarriage.txt");
+    const Thinned thinned = thin_out(testing::read_text(dir + "/flomarriage.txt"), 16, 5);
+    testing::write_text(dir + "/thinned.txt", thinned.text);
+    file.network_file = "thinned.txt";
+    file.task = 3;
+    const double edge = -1.0, p = 1.0 / (1.0 + std::exp(-edge));
+    file.effects = {{"edge", {edge, 0.0}}};
+    file.iterations = 20000;
+    file.samples = 100;
+    const std::string printed = testing::run_vexa(dir, file, 1);
+    const std::string report = testing::read_text(dir + "/out/gof_net.txt");
+    EXPECT_NE(report.find("has 24 missing dyads: its values below are the means of 200"),
+              std::string::npos)
+        << printed << report;
+    const size_t at = report.find("\nedge\t", report.find("observed\tmean"));
+    ASSERT_NE(at, std::string::npos) << report;
+    const double observed = std::stod(report.substr(at + 6));
+    const double spread = std::sqrt(24.0 * p * (1.0 - p) / 200.0);
+    EXPECT_NEAR(observed, thinned.ties + 24.0 * p, 4.0 * spread + 0.01) << report;
+}
+
 TEST(MissingTies, TieListsMarkMissingPairsAndImpossibleSettingsAreRefused) {
     const std::string dir = testing::scratch_directory("missing_list");
     testing::GraphRunFile file = testing::on_network(dir, "flomarriage.txt");
