@@ -78,6 +78,20 @@ TEST(MissingTies, EdgeAloneEstimatesTheLogOddsOfTheObservedDyads) {
     EXPECT_NEAR(se, exact_se, 0.1 * exact_se);
     EXPECT_EQ(status, 0) << printed;
 
+    // The same from the sparse store, and with the tie/no-tie proposal (the given chain draws
+    // its missing dyads whichever proposal the run's chain takes).
+    for (const int sampler : {0, 3}) {
+        RunOptions options;
+        options.fixed_seed = true;
+        options.seed = 2;
+        options.automatic = true;
+        options.store = StoreChoice::sparse;
+        options.sampler_code = sampler;
+        testing::run_vexa_with(dir, file, options);
+        EXPECT_NEAR(estimate_of(dir, 0, &se), exact, 1e-6) << sampler;
+        EXPECT_NEAR(se, exact_se, 0.1 * exact_se) << sampler;
+    }
+
     // Stochastic approximation from the run file's start lands within a fifth of a standard
     // error in every seed.
     for (uint32_t seed = 1; seed <= (testing::checking_build ? 1u : 4u); ++seed) {
