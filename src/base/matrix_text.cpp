@@ -108,6 +108,20 @@ std::vector<std::string> split_words(std::string_view text) {
     return words;
 }
 
+std::vector<std::string> split_lines(std::string_view text) {
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start < text.size()) {
+        size_t end = text.find('\n', start);
+        if (end == std::string_view::npos) end = text.size();
+        std::string line(text.substr(start, end - start));
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(std::move(line));
+        start = end + 1;
+    }
+    return lines;
+}
+
 std::vector<std::string> read_words(const std::string& path, const char* what) {
     return split_words(read_text_file(path, what));
 }

@@ -98,6 +98,9 @@ std::string quoted_word(std::string_view word);
 // The whitespace-separated words of a text ('\r' of a Windows line end counts as a blank).
 std::vector<std::string> split_words(std::string_view text);
 
+// The lines of a text, without their line ends ("\n", or "\r\n" of Windows).
+std::vector<std::string> split_lines(std::string_view text);
+
 // Splits a whole text file into whitespace-separated words.
 std::vector<std::string> read_words(const std::string& path, const char* what);
 

@@ -28,16 +28,7 @@ struct UpdateFile {
 UpdateFile read_update_file(const std::string& path) {
     const std::string text = read_text_file(path, "update");
     UpdateFile file{path, {}};
-    std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(std::move(line));
-        start = end + 1;
-    }
+    const std::vector<std::string> lines = split_lines(text);
     for (size_t k = 0; k + 1 < lines.size(); k += 2) file.values[lines[k]] = lines[k + 1];
     return file;
 }

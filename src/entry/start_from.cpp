@@ -13,20 +13,6 @@ namespace vexa {
 
 namespace {
 
-std::vector<std::string> text_lines(const std::string& text) {
-    std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find('\n', start);
-        if (end == std::string::npos) end = text.size();
-        std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(std::move(line));
-        start = end + 1;
-    }
-    return lines;
-}
-
 std::string joined(const std::vector<std::string>& names) {
     std::string text;
     for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
@@ -64,7 +50,7 @@ std::vector<std::string> report_labels(const Model& model) {
 std::map<std::string, std::string> update_entries(const std::string& path) {
     std::map<std::string, std::string> entries;
     if (!std::filesystem::exists(path)) return entries;
-    const std::vector<std::string> lines = text_lines(read_text_file(path, "update"));
+    const std::vector<std::string> lines = split_lines(read_text_file(path, "update"));
     for (size_t k = 0; k + 1 < lines.size(); k += 2) entries[lines[k]] = lines[k + 1];
     return entries;
 }
@@ -123,7 +109,7 @@ int take_update_estimates(Model& model, const std::string& path, const std::stri
 }  // namespace
 
 ReportEstimates read_report_estimates(const std::string& path) {
-    const std::vector<std::string> lines = text_lines(read_text_file(path, "estimation report"));
+    const std::vector<std::string> lines = split_lines(read_text_file(path, "estimation report"));
     size_t header = lines.size();
     for (size_t k = 0; k < lines.size(); ++k) {
         if (lines[k].rfind("effects\testimates\tstderr\tt-ratio", 0) == 0) header = k;

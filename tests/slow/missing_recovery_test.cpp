@@ -12,45 +12,17 @@
 #include <vector>
 
 #include "effects/graph/graph_catalogue.h"
-#include "model/terms.h"
-#include "sampler/runs.h"
 #include "support/run_files.h"
+#include "support/simulated_network.h"
 #include "support/test_support.h"
 
 namespace vexa {
 namespace {
 
-struct Truth {
-    const char* name;
-    double value;
-    double lambda;
-    GraphEffect row;
-};
-
-const std::vector<Truth> truth{{"edge", -2.5, 0.0, GraphEffect::edge},
-                               {"AT", 0.6, 2.0, GraphEffect::at},
-                               {"A2P", -0.1, 2.0, GraphEffect::a2p}};
+const std::vector<testing::TrueEffect> truth{{"edge", -2.5, 0.0, int(GraphEffect::edge)},
+                                             {"AT", 0.6, 2.0, int(GraphEffect::at)},
+                                             {"A2P", -0.1, 2.0, int(GraphEffect::a2p)}};
 constexpr int nodes = 50;
-
-// One network of n nodes from the model, by a long chain from a random start.
-Graph simulate(int n, uint32_t seed) {
-    Model model = empty_model(NetworkKind::graph);
-    std::vector<double> parameters;
-    for (const Truth& t : truth) {
-        EffectSetting& setting = model.structural[static_cast<size_t>(t.row)];
-        setting.slot = model.structural_included++;
-        setting.lambda = static_cast<float>(t.lambda);
-        parameters.push_back(t.value);
-    }
-    const std::vector<Term<Graph>> terms = make_terms<Graph>(model);
-    Rng rng;
-    SeedSource seeds{true, seed, 0};
-    Graph network = random_graph(n, n, rng, seeds);
-    Chain<Graph> chain =
-        make_chain(network, terms, static_cast<int>(parameters.size()), SamplerSettings{}, rng);
-    run_sampler(chain, parameters.data(), 400.0 * n * n, seeds);
-    return network;
-}
 
 // The network's matrix with each pair removed ("NA" in both cells) with probability `share`.
 std::string matrix_text(const Graph& g, double share, Rng& rng) {
@@ -77,7 +49,7 @@ std::vector<testing::SummaryRow> fit(const std::string& dir, const std::string& 
     testing::GraphRunFile file;
     file.nodes = nodes;
     file.network_file = "net.txt";
-    for (const Truth& t : truth) file.effects[t.name] = {0.0, t.lambda};
+    for (const testing::TrueEffect& t : truth) file.effects[t.name] = {0.0, t.lambda};
     file.runs = 3;
     testing::run_vexa(dir, file, seed, false, nullptr, true);
     return testing::last_summary(testing::read_text(dir + "/out/estimation_net.txt"));
@@ -94,7 +66,8 @@ TEST(MissingTiesRecovery, IntervalsCoverTheTruthAndEstimatesStayNearTheFullData)
         Rng rng;
         rng.seed(static_cast<uint32_t>(share * 100));
         for (int r = 0; r < replications; ++r) {
-            const Graph g = simulate(nodes, static_cast<uint32_t>(2000 + r));
+            const Graph g =
+                testing::simulate_network<Graph>(nodes, truth, static_cast<uint32_t>(2000 + r));
             const auto full = fit(dir, matrix_text(g, 0.0, rng), static_cast<uint32_t>(r + 1));
             const auto thinned = fit(dir, matrix_text(g, share, rng), static_cast<uint32_t>(r + 1));
             if (full.size() != truth.size() || thinned.size() != truth.size()) continue;

@@ -16,43 +16,13 @@
 #include "report/network_file.h"
 #include "sampler/runs.h"
 #include "support/run_files.h"
+#include "support/simulated_network.h"
 #include "support/test_support.h"
 
 namespace vexa {
 namespace {
 
-struct Truth {
-    const char* name;
-    double value;
-    double lambda;
-    int row;  // in the catalogue of the network kind
-};
-
-// Draws one network of n nodes from the model by a long chain from a random start.
-template <class Store>
-Store simulate(int n, const std::vector<Truth>& truth, uint32_t seed) {
-    Model model = empty_model(Store::kind);
-    std::vector<double> parameters;
-    for (const Truth& t : truth) {
-        EffectSetting& setting = model.structural[static_cast<size_t>(t.row)];
-        setting.slot = model.structural_included++;
-        setting.lambda = static_cast<float>(t.lambda);
-        parameters.push_back(t.value);
-    }
-    const std::vector<Term<Store>> terms = make_terms<Store>(model);
-    const int p = static_cast<int>(parameters.size());
-    Rng rng;
-    SeedSource seeds{true, seed, 0};
-    Store network;
-    if constexpr (Store::kind == NetworkKind::graph) {
-        network = random_graph(n, n, rng, seeds);
-    } else {
-        network = random_digraph_by_count(n, n, rng, seeds);
-    }
-    Chain<Store> chain = make_chain(network, terms, p, SamplerSettings{}, rng);
-    run_sampler(chain, parameters.data(), 400.0 * n * n, seeds);
-    return network;
-}
+using Truth = testing::TrueEffect;
 
 // Estimates each replication with the multiplication factor the verdict asks for on networks of
 // this size, checks every converged estimate with a long chain, and counts, per parameter, how
@@ -82,7 +52,7 @@ Recovery recover(const char* tag, int n, const std::vector<Truth>& truth, int re
     int& converged = result.converged;
     int& confirmed = result.confirmed;
     for (int r = 0; r < replications; ++r) {
-        const Store g = simulate<Store>(n, truth, static_cast<uint32_t>(1000 + r));
+        const Store g = testing::simulate_network<Store>(n, truth, static_cast<uint32_t>(1000 + r));
         write_network_file(dir + "/net.txt", g);
         testing::GraphRunFile file;
         file.kind = Store::kind;
