@@ -127,15 +127,25 @@ bool take_either(int argc, char** argv, int& k, const char* name, const char* fi
     return true;
 }
 
-// --save-network FILE at argv[k]: -1 when taken (k moved past FILE), 2 (after saying why)
-// without a file name.
-int take_save_network(int argc, char** argv, int& k, CommandLine& line) {
+// An option with a file name (--save-network FILE) at argv[k]: -1 when taken (k moved past
+// FILE), 2 (after saying why) without a file name.
+int take_file(int argc, char** argv, int& k, const char* name, std::string& file) {
     if (k + 1 >= argc || argv[k + 1][0] == '\0') {
-        std::fprintf(stderr, "vexa: --save-network needs a file name\n");
+        std::fprintf(stderr, "vexa: %s needs a file name\n", name);
         return 2;
     }
-    line.options.save_network = argv[++k];
+    file = argv[++k];
     return -1;
+}
+
+// The options without a value; false when arg is none of them.
+bool take_flag(const char* arg, CommandLine& line) {
+    bool* flag = std::strcmp(arg, "--check") == 0  ? &line.options.confirm
+                 : std::strcmp(arg, "--html") == 0 ? &line.options.html
+                 : std::strcmp(arg, "--auto") == 0 ? &line.options.automatic
+                                                   : nullptr;
+    if (flag != nullptr) *flag = true;
+    return flag != nullptr;
 }
 
 // Takes the option at argv[k] (and its values), moving k past them. Returns -1 when the option
@@ -188,27 +198,11 @@ int take_option(int argc, char** argv, int& k, CommandLine& line) {
         return take_count(argc, argv, k, arg, vexa::max_chains, line.options.chains) ? -1 : 2;
     if (std::strcmp(arg, "--threads") == 0)
         return take_count(argc, argv, k, arg, 4096, line.options.threads) ? -1 : 2;
-    if (std::strcmp(arg, "--save-network") == 0) return take_save_network(argc, argv, k, line);
-    if (std::strcmp(arg, "--start-from") == 0) {
-        if (k + 1 >= argc || argv[k + 1][0] == '\0') {
-            std::fprintf(stderr, "vexa: --start-from needs a file name\n");
-            return 2;
-        }
-        line.options.start_from = argv[++k];
-        return -1;
-    }
-    if (std::strcmp(arg, "--check") == 0) {
-        line.options.confirm = true;
-        return -1;
-    }
-    if (std::strcmp(arg, "--html") == 0) {
-        line.options.html = true;
-        return -1;
-    }
-    if (std::strcmp(arg, "--auto") == 0) {
-        line.options.automatic = true;
-        return -1;
-    }
+    if (std::strcmp(arg, "--save-network") == 0)
+        return take_file(argc, argv, k, arg, line.options.save_network);
+    if (std::strcmp(arg, "--start-from") == 0)
+        return take_file(argc, argv, k, arg, line.options.start_from);
+    if (take_flag(arg, line)) return -1;
     if (std::strcmp(arg, "--seed") == 0) {
         unsigned long seed = 0;
         if (k + 1 >= argc || !parse_seed(argv[k + 1], seed)) {
