@@ -149,6 +149,27 @@ TEST(MissingTies, GoodnessOfFitComparesWithTheExpectationGivenTheObservedDyads) 
     EXPECT_NEAR(observed, thinned.ties + 24.0 * p, 4.0 * spread + 0.01) << report;
 }
 
+// Missing grades beside missing ties: edge + Grade same-category is a model of independent
+// ties, so the automatic mode's start is the estimate, the two log-odds of the observed dyads
+// (a node of unknown grade matching nobody).
+TEST(MissingTies, MissingAttributeValuesKeepWorkingBesideThem) {
+    const std::string dir = testing::scratch_directory("missing_attributes");
+    testing::GraphRunFile file = testing::on_school_network(dir);
+    file.effects = {{"edge", {0, 0}}};
+    const Thinned thinned = thin_out(testing::read_text(dir + "/faux.mesa.high.txt"), 205, 5);
+    testing::write_text(dir + "/thinned.txt", thinned.text);
+    std::istringstream lines(testing::read_text(dir + "/faux.mesa.high_attributes.txt"));
+    std::string attributes, line;
+    for (int row = 0; std::getline(lines, line); ++row)
+        attributes += (row % 10 == 3 ? "NA" + line.substr(line.find(' ')) : line) + "\n";
+    testing::write_text(dir + "/faux.mesa.high_attributes.txt", attributes);
+    file.network_file = "thinned.txt";
+    const std::string printed = testing::run_vexa(dir, file, 1, false, nullptr, true);
+    const std::vector<double> exact = testing::homophily_estimates(thinned.text, attributes);
+    for (size_t k = 0; k < exact.size(); ++k)
+        EXPECT_NEAR(estimate_of(dir, k), exact[k], 1e-6) << k << printed;
+}
+
 TEST(MissingTies, TieListsMarkMissingPairsAndImpossibleSettingsAreRefused) {
     const std::string dir = testing::scratch_directory("missing_list");
     testing::GraphRunFile file = testing::on_network(dir, "flomarriage.txt");

@@ -119,8 +119,14 @@ std::vector<double> samplike_reciprocity_estimates() {
 }
 
 std::vector<double> school_homophily_estimates() {
-    std::istringstream matrix(read_text(data_path("faux.mesa.high.txt")));
-    std::istringstream attributes(read_text(data_path("faux.mesa.high_attributes.txt")));
+    return homophily_estimates(read_text(data_path("faux.mesa.high.txt")),
+                               read_text(data_path("faux.mesa.high_attributes.txt")));
+}
+
+std::vector<double> homophily_estimates(const std::string& matrix_text,
+                                        const std::string& attribute_text) {
+    std::istringstream matrix(matrix_text);
+    std::istringstream attributes(attribute_text);
     std::string word;
     attributes >> word >> word >> word;  // Grade Race Sex
     std::vector<std::string> grade;
@@ -129,12 +135,13 @@ std::vector<double> school_homophily_estimates() {
     double pairs[2] = {0, 0}, ties[2] = {0, 0};  // between, within
     for (size_t i = 0; i < n; ++i) {
         for (size_t j = 0; j < n; ++j) {
-            int cell = 0;
+            std::string cell;
             matrix >> cell;
-            if (j <= i) continue;
-            const int same = grade[i] == grade[j] ? 1 : 0;
+            if (j <= i || cell == "NA" || cell == ".") continue;
+            // A missing grade matches none.
+            const int same = grade[i] == grade[j] && grade[i] != "NA" ? 1 : 0;
             pairs[same] += 1;
-            ties[same] += cell;
+            ties[same] += cell == "1" ? 1 : 0;
         }
     }
     const auto logit = [](double tied, double all) { return std::log(tied / (all - tied)); };

@@ -66,6 +66,10 @@ std::vector<double> samplike_reciprocity_estimates();
 // network, counted from its files: the log-odds of a tie between grades, and the log odds
 // ratio of a tie within a grade.
 std::vector<double> school_homophily_estimates();
+// The same counted from a matrix and an attribute file's texts, leaving out the dyads not
+// observed ("NA" or "."); a node whose grade is "NA" shares it with nobody.
+std::vector<double> homophily_estimates(const std::string& matrix_text,
+                                        const std::string& attribute_text);
 
 // Runs a run file through the entry with a pinned seed, in `dir` as the working directory
 // (creating the run file's output directory); returns what the run printed.
