@@ -319,7 +319,7 @@ vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
     effective_sizes = named(shown$effective_sizes),
     confirmed = if (result$confirmed < 0) NA else result$confirmed == 1,
     trace = trace, runs = runs, observed = named(shown$observed),
-    effects = model, attributes = attributes, covariates = covariates,
+    effects = model, slots = result$slots, attributes = attributes, covariates = covariates,
     network = network, seed = seed, settings = settings,
     output_dir = output_directory(settings), console = result$console,
     call = match.call())
@@ -442,8 +442,12 @@ print.summary.vexa_fit <- function(x, digits = max(3L, getOption("digits") - 3L)
 model_source <- function(x, effects, parameters, attributes, covariates, directed) {
   if (inherits(x, "vexa_fit")) {
     if (anyNA(x$coefficients)) fail("the fit has no estimates: every run was degenerate")
+    # The coefficients follow the engine's order of the effects; the request takes a value per
+    # effect in the order the effects were given.
+    values <- unname(x$coefficients)
+    if (!is.null(x$slots) && length(x$slots) == length(values)) values <- values[x$slots]
     return(list(network = x$network, effects = x$effects,
-                values = unname(x$coefficients), attributes = x$attributes %||% attributes,
+                values = values, attributes = x$attributes %||% attributes,
                 covariates = x$covariates %||% covariates))
   }
   if (is.numeric(x) && length(x) == 1L && !is.matrix(x)) {

@@ -399,6 +399,9 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     List out = List::create(Named("error") = result.error, Named("console") = result.console,
                             Named("labels") = labels, Named("gof_labels") = gof_labels,
                             Named("columns") = columns, Named("networks") = networks);
+    // Where each effect of the request sits in the parameter vector (from 1), which follows the
+    // run file's order of the effects, not the order they were given in.
+    out["slots"] = Rcpp::IntegerVector(result.slots.begin(), result.slots.end()) + 1;
     if (records.estimation) {
         const vexa::EstimationRecord& e = *records.estimation;
         out["runs"] = estimation_runs(e, result.labels, p);

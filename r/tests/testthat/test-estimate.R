@@ -40,6 +40,18 @@ test_that("NA marks dyads not observed, left out of the edge-only model's log-od
                "every dyad")
 })
 
+test_that("a fit's estimates go back to their own effects, in whatever order they were given", {
+  # The engine orders the effects as a run file does (AS before AT); typed the other way round,
+  # a simulation from the fit must still give AT its own estimate: at the fit's estimates the
+  # simulated statistics centre on the observed ones.
+  data(flomarriage, package = "vexa")
+  fit <- vexa_estimate(flomarriage, c("edge", AT = 2, AS = 2), seed = 4, settings = quiet())
+  sims <- vexa_simulate(fit, settings = quiet(burn_in = 20000, iterations = 400000,
+                                              samples = 200), seed = 5)
+  drawn <- sims$statistics[, names(coef(fit))]
+  expect_true(all(abs(colMeans(drawn) - fit$observed) < 0.5 * apply(drawn, 2, sd)))
+})
+
 test_that("equilibrium expectation lands on the edge-only model's log-odds too", {
   # The plain mode, so that phase 2 runs (the automatic mode would start at the exact
   # estimate and skip it); the estimate is the mean of the last stage's parameters.
