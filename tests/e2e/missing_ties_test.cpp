@@ -113,7 +113,9 @@ TEST(MissingTies, ArcAndReciprocityMatchTheObservedDyadStates) {
     // exp(2 arc + reciprocity) = M / N.
     const double M = thinned.mutual, A = thinned.asymmetric, N = thinned.null;
     const std::vector<double> exact = {std::log(A / (2.0 * N)), std::log(4.0 * M * N / (A * A))};
-    for (uint32_t seed = 1; seed <= (testing::checking_build ? 1u : 3u); ++seed) {
+    // The checking build looks for memory faults, which the edge-alone fits already walk
+    // through: it skips these fits of a phase 2 and eight phase-3 chains.
+    for (uint32_t seed = 1; seed <= (testing::checking_build ? 0u : 3u); ++seed) {
         const std::string printed = testing::run_vexa(dir, file, seed, false, nullptr, true);
         for (size_t k = 0; k < 2; ++k) {
             double se = 0.0;

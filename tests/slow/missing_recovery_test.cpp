@@ -57,7 +57,7 @@ std::vector<testing::SummaryRow> fit(const std::string& dir, const std::string& 
 
 TEST(MissingTiesRecovery, IntervalsCoverTheTruthAndEstimatesStayNearTheFullData) {
     const char* text = std::getenv("VEXA_RECOVERY_REPLICATIONS");
-    const int replications = text != nullptr && std::atoi(text) > 0 ? std::atoi(text) : 20;
+    const int replications = text != nullptr && std::atoi(text) > 0 ? std::atoi(text) : 12;
     const std::string dir = testing::scratch_directory("missing_recovery");
     for (const double share : {0.1, 0.3}) {
         std::vector<int> covered(truth.size(), 0);
