@@ -126,10 +126,7 @@ std::vector<std::string> read_words(const std::string& path, const char* what) {
     return split_words(read_text_file(path, what));
 }
 
-bool is_missing_word(std::string_view word) {
-    return word == "." || (word.size() == 2 && (word[0] == 'N' || word[0] == 'n') &&
-                           (word[1] == 'A' || word[1] == 'a'));
-}
+bool is_missing_word(std::string_view word) { return word == "NA" || word == "na" || word == "."; }
 
 void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell, const WorkDone* bytes,

@@ -82,7 +82,7 @@ void read_matrix_file(const std::string& path, const char* what, int n,
                       const std::function<void(int, int, double)>& cell,
                       const WorkDone* bytes = nullptr, bool missing_allowed = false);
 
-// Whether a word marks a value not observed: "NA" (in any case) or ".".
+// Whether a word marks a value not observed (a tie, an attribute): "NA", "na" or ".".
 bool is_missing_word(std::string_view word);
 
 // The whole content of a text file. Throws InputFileError naming the file (`what` says which

@@ -54,11 +54,6 @@ struct Lines {
     }
 };
 
-// "NA" and "." mark a missing value.
-bool is_missing_word(const std::string& word) {
-    return word == "NA" || word == "." || word == "na";
-}
-
 [[noreturn]] void bad_value(AttributeKind kind, const std::string& path, int32_t line, int32_t node,
                             size_t column, const std::string& word, const char* fault) {
     throw InputFileError(format_message(

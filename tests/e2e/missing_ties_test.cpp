@@ -57,12 +57,19 @@ double estimate_of(const std::string& dir, size_t k, double* se = nullptr) {
     return summary.at(k).estimate;
 }
 
-TEST(MissingTies, EdgeAloneEstimatesTheLogOddsOfTheObservedDyads) {
-    const std::string dir = testing::scratch_directory("missing_edge");
+// A run file on flomarriage with every fifth pair missing (24 of 120), and the thinned counts.
+testing::GraphRunFile on_thinned_flomarriage(const std::string& dir, Thinned& thinned) {
     testing::GraphRunFile file = testing::on_network(dir, "flomarriage.txt");
-    const Thinned thinned = thin_out(testing::read_text(dir + "/flomarriage.txt"), 16, 5);
+    thinned = thin_out(testing::read_text(dir + "/flomarriage.txt"), 16, 5);
     testing::write_text(dir + "/thinned.txt", thinned.text);
     file.network_file = "thinned.txt";
+    return file;
+}
+
+TEST(MissingTies, EdgeAloneEstimatesTheLogOddsOfTheObservedDyads) {
+    const std::string dir = testing::scratch_directory("missing_edge");
+    Thinned thinned;
+    testing::GraphRunFile file = on_thinned_flomarriage(dir, thinned);
     file.effects = {{"edge", {0, 0}}};
     const double p = static_cast<double>(thinned.ties) / thinned.observed;
     const double exact = std::log(p / (1.0 - p));
@@ -130,10 +137,8 @@ TEST(MissingTies, ArcAndReciprocityMatchTheObservedDyadStates) {
 // the missing dyads (the mean of 200 binomial draws), and the report says it is a mean.
 TEST(MissingTies, GoodnessOfFitComparesWithTheExpectationGivenTheObservedDyads) {
     const std::string dir = testing::scratch_directory("missing_gof");
-    testing::GraphRunFile file = testing::on_network(dir, "flomarriage.txt");
-    const Thinned thinned = thin_out(testing::read_text(dir + "/flomarriage.txt"), 16, 5);
-    testing::write_text(dir + "/thinned.txt", thinned.text);
-    file.network_file = "thinned.txt";
+    Thinned thinned;
+    testing::GraphRunFile file = on_thinned_flomarriage(dir, thinned);
     file.task = 3;
     const double edge = -1.0, p = 1.0 / (1.0 + std::exp(-edge));
     file.effects = {{"edge", {edge, 0.0}}};
