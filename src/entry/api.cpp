@@ -114,10 +114,16 @@ void check_request(const TaskRequest& request, RunSettings& s) {
                                           s.run_file.c_str(), s.node_count));
     }
     const size_t cells = static_cast<size_t>(s.node_count) * static_cast<size_t>(s.node_count);
-    if (s.task != Task::simulation && request.adjacency.size() != cells) {
+    const bool network_given = s.task != Task::simulation || !request.adjacency.empty();
+    if (network_given && request.adjacency.size() != cells) {
         throw InputFileError(format_message(
             "vexa: %s: the network has %zu values for %d x %d pairs", s.run_file.c_str(),
             request.adjacency.size(), s.node_count, s.node_count));
+    }
+    if (!request.constraint.empty() && request.constraint.size() != cells) {
+        throw InputFileError(format_message(
+            "vexa: %s: the constraint has %zu values for %d x %d pairs", s.run_file.c_str(),
+            request.constraint.size(), s.node_count, s.node_count));
     }
     if (s.task != Task::estimation) {
         if (s.sample_count < 1) {
@@ -158,7 +164,8 @@ TaskResult run_request(const TaskRequest& request) noexcept {
         context.update_directory = s.output_directory;
         context.records = &result.records;
         label_result(context.model, result);
-        if (s.task != Task::simulation) context.adjacency = &request.adjacency;
+        if (!request.adjacency.empty()) context.adjacency = &request.adjacency;
+        if (!request.constraint.empty()) context.constraint = &request.constraint;
         context.parameter_sets = &request.parameter_sets;
         const Observer host = observe_all({request.observer, sample_collector(request, result)});
         context.observer = &host;

@@ -40,7 +40,12 @@ struct TaskRequest {
     // initial_density (simulation), network_name, output_directory, sampler and estimation
     // settings, burn_in, iterations and sample_count. run_file names the run in messages.
     RunSettings settings;
-    std::vector<double> adjacency;  // n x n, row by row (tasks 2 and 3)
+    // n x n, row by row: the observed network of an estimation or goodness of fit; the start
+    // of a simulation when given (else a random network of the initial density).
+    std::vector<double> adjacency;
+    // The dyads the samplers may change, n x n row by row (1 allows a dyad, as in a constraint
+    // file); empty: every dyad.
+    std::vector<double> constraint;
     std::vector<EffectChoice> effects;
     std::vector<AttributeColumn> attributes;
     bool covariate_given = false;

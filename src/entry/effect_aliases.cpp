@@ -77,8 +77,8 @@ constexpr auto aliases = std::to_array<AliasRow>({
     {"dgwesp_OSP", D, Argument::decay, 0, "AT-U", -1, "", "the same with L the k with i->k and j->k; AT-U at lambda = e^decay"},
     {"dgwesp_ISP", D, Argument::decay, 0, "AT-D", -1, "", "the same with L the k with k->i and k->j; AT-D at lambda = e^decay"},
     {"dgwdsp_OTP", D, Argument::decay, 0, "A2P-T", -1, "", "e^decay times the sum over ordered pairs i != j of 1 - (1 - e^-decay)^L, L the k with i->k->j; A2P-T at lambda = e^decay"},
-    {"gwidegree",  D, Argument::decay, 0, nullptr, -1, "AinS", "geometrically weighted in-degrees; no vexa effect counts them, AinS at lambda = e^decay is lambda (2 arcs - gwidegree) with the in-degrees"},
-    {"gwodegree",  D, Argument::decay, 0, nullptr, -1, "AoutS", "geometrically weighted out-degrees; no vexa effect counts them, AoutS at lambda = e^decay is lambda (2 arcs - gwodegree) with the out-degrees"},
+    {"gwidegree",  D, Argument::decay, 0, nullptr, -1, "AinS", "geometrically weighted in-degrees; no vexa effect counts them, AinS at lambda = e^decay is lambda (arcs - gwidegree)"},
+    {"gwodegree",  D, Argument::decay, 0, nullptr, -1, "AoutS", "geometrically weighted out-degrees; no vexa effect counts them, AoutS at lambda = e^decay is lambda (arcs - gwodegree)"},
     {"nodematch",  D, Argument::attribute, 0, "same_Category", categorical, "", "nodematch(a): arcs whose ends share the category of a"},
     {"nodecov",    D, Argument::attribute, 0, "sum",      continuous, "", "nodecov(a): the sum over arcs of a_i + a_j"},
     {"absdiff",    D, Argument::attribute, 0, "diff",     continuous, "", "absdiff(a): the sum over arcs of |a_i - a_j|"},
@@ -255,7 +255,7 @@ std::vector<EffectEntry> effect_entries(NetworkKind kind) {
         const EffectDescription& row = structural.rows[static_cast<size_t>(r)];
         const std::string name = row.labels.update_name;
         entries.push_back({name, "structural", row.alternating() ? "lambda" : "", "",
-                           effect_meaning(kind, name)});
+                           effect_meaning(kind, name), ""});
     }
     for (int k = 0; k < attribute_kind_count; ++k) {
         const auto which = static_cast<AttributeKind>(k);
@@ -263,7 +263,7 @@ std::vector<EffectEntry> effect_entries(NetworkKind kind) {
         for (const int32_t r : catalogue.run_file_order) {
             const std::string suffix = catalogue.rows[static_cast<size_t>(r)].labels.update_name;
             entries.push_back({"<attribute>_" + suffix, kind_words[k], "", "",
-                               attribute_effect_meaning(kind, which, suffix)});
+                               attribute_effect_meaning(kind, which, suffix), ""});
         }
     }
     for (const AliasRow& row : aliases) {
@@ -280,7 +280,8 @@ std::vector<EffectEntry> effect_entries(NetworkKind kind) {
             prefixed.append(argument_word(row.argument)).append(">_").append(target);
             target = std::move(prefixed);
         }
-        entries.push_back({row.name, "alias", argument_word(row.argument), target, row.meaning});
+        entries.push_back({row.name, "alias", argument_word(row.argument), target, row.meaning,
+                           row.attribute_kind >= 0 ? kind_words[row.attribute_kind] : ""});
     }
     return entries;
 }

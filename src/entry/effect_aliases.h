@@ -48,6 +48,9 @@ struct EffectEntry {
     std::string argument;  // "lambda", "k", "decay", "attribute", "covariate" or ""
     std::string maps_to;   // an alias: the vexa effect it stands for ("" when it has none)
     std::string meaning;
+    // An alias of an attribute effect: the kind of attribute it reads ("binary", "continuous",
+    // "categorical"); "" for any other entry.
+    std::string attribute_kind;
 };
 
 // Every vexa effect of the kind (attribute effects by their run-file suffix), then every alias.

@@ -6,6 +6,7 @@
 
 #include "base/errors.h"
 #include "entry/api.h"
+#include "entry/run_file.h"
 
 namespace vexa {
 
@@ -178,6 +179,12 @@ Chosen choose_effects(const TaskRequest& request, const Model& model,
                 s.run_file.c_str(), choice.name.c_str(), choice.value,
                 static_cast<double>(choice.lambda),
                 row.alternating() ? " (a lambda must be above 0)" : " (it takes no lambda)"));
+        }
+        const std::string refusal =
+            row.alternating() ? lambda_refusal(choice.lambda, row.lambda_default) : "";
+        if (!refusal.empty()) {
+            throw SettingError(format_message("vexa: %s: effect '%s': %s", s.run_file.c_str(),
+                                              choice.name.c_str(), refusal.c_str()));
         }
         chosen.emplace_back(target, &choice);
     }

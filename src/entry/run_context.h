@@ -145,9 +145,12 @@ struct RunContext {
     ChainPlan chains;          // the chains every task draws from, and their threads
     std::string save_network;  // where a simulation saves its final network; "": nowhere
     std::string start_from;    // the file the model's values came from; "": the run file
-    // A host's in-memory network, n x n row by row, in place of the network file; null: the
-    // file.
+    // A host's in-memory network, n x n row by row, in place of the network file (a
+    // simulation starts from it in place of a random network); null: the file.
     const std::vector<double>* adjacency = nullptr;
+    // A host's constraint, n x n row by row as the constraint file would hold it; null: the
+    // run file's, if any.
+    const std::vector<double>* constraint = nullptr;
     // A host's parameter sets for a Bayesian goodness of fit, each in parameter-vector order,
     // in place of the sets file; null: the file.
     const std::vector<std::vector<double>>* parameter_sets = nullptr;

@@ -18,9 +18,6 @@ namespace {
 
 using namespace run_file_rows;
 
-// The largest lambda taken: the weights' single precision leaves their steps four digits.
-constexpr double max_lambda = 1e4;
-
 void size_section(AttributeSection& section, int32_t effects, int32_t count) {
     const auto e = static_cast<size_t>(effects);
     const auto c = static_cast<size_t>(count);
@@ -60,27 +57,8 @@ void read_structural_entry(Reader& reader, Model& model, size_t row, const char*
                 reader, word.line, setting,
                 format_message("lambda must be a finite number, found '%.60s'", word.text.c_str()));
         }
-        // 0 asks for the default; below 1 the weights (1 - 1/lambda)^k no longer fall
-        // steadily towards 0, so the effect counts nothing a model can be fitted to.
-        if (lambda != 0.0f && lambda < 1.0f) {
-            impossible(
-                reader, word.line, setting,
-                format_message("lambda %g is below 1, where an alternating effect's weights "
-                               "(1 - 1/lambda)^k no longer fall steadily to 0: it has no "
-                               "proper change statistic and the model is degenerate; give "
-                               "1 or more (0 for the default, %g)",
-                               static_cast<double>(lambda), static_cast<double>(lambda_default)));
-        }
-        // The weights are held in single precision: far above this, 1 - 1/lambda is 1 to the
-        // last digit and the change statistics vanish (the statistic stops varying at all).
-        if (lambda > max_lambda) {
-            impossible(reader, word.line, setting,
-                       format_message("lambda %g is above %g, where the weights (1 - 1/lambda)^k "
-                                      "lose their precision and the effect stops varying; give "
-                                      "a lambda from 1 to %g (0 for the default, %g)",
-                                      static_cast<double>(lambda), max_lambda, max_lambda,
-                                      static_cast<double>(lambda_default)));
-        }
+        const std::string refusal = lambda_refusal(lambda, lambda_default);
+        if (!refusal.empty()) impossible(reader, word.line, setting, refusal);
         effect.lambda = lambda == 0.0f ? lambda_default : lambda;
     }
     if (flag == 1) {
@@ -308,6 +286,30 @@ void read_task_rows(Reader& reader, RunSettings& settings, Model& model) {
 }
 
 }  // namespace
+
+std::string lambda_refusal(float lambda, float lambda_default) {
+    // The largest lambda taken: the weights' single precision leaves their steps four digits.
+    constexpr double max_lambda = 1e4;
+    // 0 asks for the default; below 1 the weights (1 - 1/lambda)^k no longer fall steadily
+    // towards 0, so the effect counts nothing a model can be fitted to.
+    if (lambda != 0.0f && lambda < 1.0f) {
+        return format_message(
+            "lambda %g is below 1, where an alternating effect's weights (1 - 1/lambda)^k no "
+            "longer fall steadily to 0: it has no proper change statistic and the model is "
+            "degenerate; give 1 or more (0 for the default, %g)",
+            static_cast<double>(lambda), static_cast<double>(lambda_default));
+    }
+    // The weights are held in single precision: far above this, 1 - 1/lambda is 1 to the last
+    // digit and the change statistics vanish (the statistic stops varying at all).
+    if (lambda > max_lambda) {
+        return format_message(
+            "lambda %g is above %g, where the weights (1 - 1/lambda)^k lose their precision and "
+            "the effect stops varying; give a lambda from 1 to %g (0 for the default, %g)",
+            static_cast<double>(lambda), max_lambda, max_lambda,
+            static_cast<double>(lambda_default));
+    }
+    return "";
+}
 
 RunFile read_run_file(const std::string& path, FILE* console) {
     Reader reader = open_reader(path, console);

@@ -16,6 +16,10 @@ struct RunFile {
     OutputNames names;
 };
 
+// Why a lambda cannot be used ("" when it can): below 1 or too large for the weights'
+// precision. 0 stands for the effect's default.
+std::string lambda_refusal(float lambda, float lambda_default);
+
 // Reads the whole run file. Console lines of the attribute sections go to `console`.
 // Throws RunFileError naming the file, the setting and its line when the file cannot be
 // opened, ends early, or holds a value that does not parse, and SettingError for a value

@@ -50,6 +50,20 @@ void say_notes(const RunContext& context, const MatrixNotes& notes, const char* 
         std::fprintf(context.console, "%s\n", line.c_str());
 }
 
+std::unique_ptr<DyadMask> constraint_mask(const RunContext& context, NetworkKind kind) {
+    const RunSettings& s = context.settings;
+    if (s.constraint_given) {
+        MatrixNotes notes;
+        auto mask = std::make_unique<DyadMask>(
+            read_dyad_mask(s.constraint_file, s.node_count, kind, &notes));
+        say_notes(context, notes, "constraint", s.constraint_file);
+        return mask;
+    }
+    if (context.constraint == nullptr) return nullptr;
+    return std::make_unique<DyadMask>(
+        dyad_mask_from_matrix(*context.constraint, s.node_count, kind));
+}
+
 void refuse_cap_below(const RunSettings& s, NetworkKind kind, int node, int32_t degree) {
     const char* word = kind == NetworkKind::graph ? "degree" : "out-degree";
     throw SettingError(format_message(

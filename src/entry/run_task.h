@@ -78,6 +78,9 @@ void start_console(Listeners& listeners, RunContext& context);
 void say_no_network_saved(const RunContext& context);
 
 // What a matrix reader read without refusing it, one line each, on the run's console.
+// The run's constraint, from its file or the host's matrix; null when it has none.
+std::unique_ptr<DyadMask> constraint_mask(const RunContext& context, NetworkKind kind);
+
 void say_notes(const RunContext& context, const MatrixNotes& notes, const char* what,
                const std::string& path);
 
@@ -108,10 +111,10 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
     const RunSettings& s = context.settings;
     const int n = s.node_count;
     MatrixNotes notes;
-    if (s.task == Task::simulation) {
-        setup.observed = KindTraits<Store>::random_start(context);
-    } else if (context.adjacency != nullptr) {
+    if (context.adjacency != nullptr) {
         from_matrix(*context.adjacency, n, setup.observed);
+    } else if (s.task == Task::simulation) {
+        setup.observed = KindTraits<Store>::random_start(context);
     } else {
         NetworkReading reading(context);
         setup.observed = KindTraits<Store>::read(s.network_file, n, &notes, reading.progress());
@@ -119,19 +122,15 @@ void prepare(RunContext& context, ChainSetup<Store>& setup) {
     }
     say_notes(context, notes, "network", s.network_file);
     if (context.observed_profile) *context.observed_profile = measured_profile(setup.observed);
-    if (s.task != Task::simulation) check_degree_cap(s, setup.observed);
+    if (s.task != Task::simulation || context.adjacency != nullptr)
+        check_degree_cap(s, setup.observed);
     setup.terms = make_terms<Store>(context.model);
     if (context.write_files) {
         write_statistics_file(
             context.names.start_statistics, context.model,
             statistics_of(setup.observed, setup.terms, context.model.parameter_count()));
     }
-    if (s.constraint_given) {
-        MatrixNotes constraint_notes;
-        setup.mask = std::make_unique<DyadMask>(
-            read_dyad_mask(s.constraint_file, n, Store::kind, &constraint_notes));
-        say_notes(context, constraint_notes, "constraint", s.constraint_file);
-    }
+    setup.mask = constraint_mask(context, Store::kind);
     setup.sampler.proposal = s.proposal;
     if (context.automatic && !context.sampler_named)
         setup.sampler.proposal = automatic_proposal(s.proposal, setup.observed, setup.terms);

@@ -45,4 +45,17 @@ DyadMask read_dyad_mask(const std::string& path, int n, NetworkKind kind, Matrix
     return mask;
 }
 
+DyadMask dyad_mask_from_matrix(const std::vector<double>& values, int n, NetworkKind kind) {
+    DyadMask mask = make_dyad_mask(n, kind);
+    const auto cell = [&](int a, int b) {
+        return values[static_cast<size_t>(a) * static_cast<size_t>(n) + static_cast<size_t>(b)];
+    };
+    for (int a = 0; a < n; ++a) {
+        for (int b = kind == NetworkKind::graph ? a + 1 : 0; b < n; ++b) {
+            if (a != b && cell(a, b) == 1.0) allow_dyad(mask, kind, a, b);
+        }
+    }
+    return mask;
+}
+
 }  // namespace vexa

@@ -31,6 +31,9 @@ struct DyadMask {
 DyadMask read_dyad_mask(const std::string& path, int n, NetworkKind kind,
                         MatrixNotes* notes = nullptr);
 
+// The mask of an n x n matrix held in memory, row by row, read by the same rules as the file.
+DyadMask dyad_mask_from_matrix(const std::vector<double>& values, int n, NetworkKind kind);
+
 // A mask allowing exactly the listed dyads (tests and callers that build masks by hand).
 DyadMask make_dyad_mask(int n, NetworkKind kind);
 void allow_dyad(DyadMask& mask, NetworkKind kind, int i, int j);

@@ -118,6 +118,7 @@ TEST(Api, BadRequestsEndWithOneLine) {
         {{{"edge", 0.0, 0.0f}, {"edge", 1.0, 0.0f}}, {}, 9, "given twice"},
         {{{"edge", 0.0, 0.0f}, {"sex_activity", 0.0, 0.0f}}, {sex}, 9, "node 3: expected 0 or 1"},
         {{{"edge", 0.0, 0.0f}}, {}, 4, "4 values for 3 x 3"},
+        {{{"edge", 0.0, 0.0f}, {"AS", 0.0, 0.5f}}, {}, 9, "lambda 0.5 is below 1"},
     };
     for (const auto& c : cases) {
         TaskRequest request = base;
@@ -126,6 +127,11 @@ TEST(Api, BadRequestsEndWithOneLine) {
         request.adjacency.assign(c.cells, 0.0);
         EXPECT_NE(run_request(request).error.find(c.says), std::string::npos) << c.says;
     }
+    TaskRequest constrained = base;
+    constrained.effects = {{"edge", 0.0, 0.0f}};
+    constrained.constraint.assign(4, 1.0);
+    EXPECT_NE(run_request(constrained).error.find("the constraint has 4 values for 3 x 3"),
+              std::string::npos);
     EXPECT_EQ(run_file_request("no/such/run.txt", RunOptions{}).error,
               "vexa: cannot open run file 'no/such/run.txt'");
 }
@@ -192,6 +198,46 @@ TEST(Api, RequestsReturnRecordsAndWriteNothing) {
         }
     }
     EXPECT_TRUE(std::filesystem::is_empty(directory)) << "a request wrote a file";
+}
+
+// A simulation given a network starts from it, and a constraint keeps every dyad it does not
+// free as that network has it.
+TEST(Api, SimulationStartsFromTheGivenNetworkWithinTheConstraint) {
+    const int n = 16;
+    TaskRequest request;
+    request.settings.network_name = "held";
+    request.settings.task = Task::simulation;
+    request.settings.node_count = n;
+    request.settings.burn_in = 1000;
+    request.settings.iterations = 20000;
+    request.settings.sample_count = 20;
+    request.effects = {{"edge", 0.5, 0.0f}};
+    request.adjacency = file_matrix(data_path("flomarriage.txt"), n);
+    request.constraint.assign(static_cast<size_t>(n * n), 0.0);
+    const auto cell = [n](int i, int j) { return static_cast<size_t>(i * n + j); };
+    for (int i = 0; i < 5; ++i)
+        for (int j = 0; j < 5; ++j) request.constraint[cell(i, j)] = 1.0;
+    request.keep_networks = true;
+    request.options.fixed_seed = true;
+    request.options.seed = 9;
+    const TaskResult result = run_request(request);
+    ASSERT_EQ(result.error, "");
+    ASSERT_EQ(result.networks.size(), 20u);
+    size_t changed = 0;
+    for (const std::vector<uint8_t>& network : result.networks) {
+        for (int i = 0; i < n; ++i) {
+            for (int j = 0; j < n; ++j) {
+                const bool tied = network[cell(i, j)] != 0;
+                const bool was = request.adjacency[cell(i, j)] != 0.0;
+                if (request.constraint[cell(i, j)] == 0.0) {
+                    EXPECT_EQ(tied, was) << i << " " << j;
+                } else {
+                    changed += tied != was ? 1u : 0u;
+                }
+            }
+        }
+    }
+    EXPECT_GT(changed, 0u) << "the freed dyads never moved";
 }
 
 }  // namespace
