@@ -9,3 +9,11 @@
     .Call(`_vexa_vexa_run_file`, run_file, seed, check, sampler, automatic, chains, threads, equilibrium)
 }
 
+.vexa_effect_table <- function(directed) {
+    .Call(`_vexa_vexa_effect_table`, directed)
+}
+
+.vexa_resolve_term <- function(name, number, attribute, attributes, covariate, directed) {
+    .Call(`_vexa_vexa_resolve_term`, name, number, attribute, attributes, covariate, directed)
+}
+

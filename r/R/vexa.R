@@ -266,71 +266,6 @@ run_task <- function(request, settings, seed) {
   result
 }
 
-task_request <- function(task, network, effects, values, attributes, covariates,
-                         name, keep_networks = FALSE, density = 0) {
-  adjacency <- if (is.null(network$matrix)) NULL else as.numeric(t(network$matrix))
-  list(what = paste0("vexa_", name), task = task, directed = network$directed,
-       n = network$n, name = name, adjacency = adjacency, density = density,
-       effects = list(name = effects$name, value = values, lambda = effects$lambda),
-       attributes = parse_attributes(attributes, network$n),
-       covariate = parse_covariates(covariates, network$n),
-       keep_networks = keep_networks)
-}
-
-labelled_matrix <- function(m, labels) {
-  m <- as.matrix(m)
-  if (length(m) > 0L) dimnames(m) <- list(labels, labels)
-  m
-}
-
-vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
-                          settings = vexa_settings(), seed = NULL, start = NULL,
-                          directed = NULL, auto = TRUE) {
-  if (!is.logical(auto) || length(auto) != 1L || is.na(auto)) fail("auto must be TRUE or FALSE")
-  network <- as_network(net, directed)
-  model <- parse_effects(effects)
-  values <- effect_values(start, model, "starting values")
-  request <- task_request("estimation", network, model, values, attributes, covariates,
-                          "estimate")
-  request$automatic <- auto
-  result <- run_task(request, settings, seed)
-  labels <- result$labels
-  runs <- result$runs
-  # The run the fit reports: the converged one, else the engine's best; when every run was
-  # degenerate there are no estimates, and the last run tells why.
-  reported <- as.integer(result$reported_run)
-  shown <- runs[[if (reported > 0L) reported else length(runs)]]
-  finished <- reported > 0L
-  named <- function(x) if (length(x) == length(labels)) setNames(x, labels) else
-    setNames(rep(NA_real_, length(labels)), labels)
-  trace <- shown$trace
-  colnames(trace) <- labels
-  steps <- c("start", "phase 1", paste("sub-phase", seq_len(max(nrow(trace) - 2L, 0L)) - 1L))
-  rownames(trace) <- steps[seq_len(nrow(trace))]
-  fit <- list(
-    coefficients = named(if (finished) shown$estimates else NULL),
-    std_errors = named(if (finished) shown$standard_errors else NULL),
-    t_ratios = named(if (finished) shown$t_ratios else NULL),
-    covariance = if (finished) labelled_matrix(shown$covariance, labels) else
-      matrix(NA_real_, length(labels), length(labels), dimnames = list(labels, labels)),
-    converged = isTRUE(result$converged), verdict = shown$verdict,
-    verdicts = vapply(runs, function(run) run$verdict, ""), reported_run = reported,
-    auto = auto, largest_t = shown$largest_t, overall_ratio = shown$overall_ratio,
-    effective_sizes = named(shown$effective_sizes),
-    confirmed = if (result$confirmed < 0) NA else result$confirmed == 1,
-    trace = trace, runs = runs, observed = named(shown$observed),
-    effects = model, slots = result$slots, attributes = attributes, covariates = covariates,
-    network = network, seed = seed, settings = settings,
-    output_dir = output_directory(settings), console = result$console,
-    call = match.call())
-  class(fit) <- "vexa_fit"
-  if (!fit$converged) {
-    warn_not_converged(sprintf("vexa: the fit did not converge (%s): %s", fit$verdict,
-                               convergence_note(fit)))
-  }
-  fit
-}
-
 # A warning of class vexa_not_converged, which a script can catch apart from other warnings.
 warn_not_converged <- function(message) {
   warning(structure(class = c("vexa_not_converged", "warning", "condition"),
@@ -373,7 +308,7 @@ coef.vexa_fit <- function(object, ...) object$coefficients
 vcov.vexa_fit <- function(object, ...) object$covariance
 
 network_words <- function(network) {
-  ties <- sum(network$matrix) / if (network$directed) 1 else 2
+  ties <- sum(network$matrix, na.rm = TRUE) / if (network$directed) 1 else 2
   sprintf("%s of %d nodes and %g %s", if (network$directed) "digraph" else "graph",
           network$n, ties, if (network$directed) "arcs" else "edges")
 }
@@ -437,111 +372,12 @@ print.summary.vexa_fit <- function(x, digits = max(3L, getOption("digits") - 3L)
   invisible(x)
 }
 
-# What a simulation or goodness of fit runs: a fit's model and estimates, or a network (or a
-# node count) with effects and parameters.
-model_source <- function(x, effects, parameters, attributes, covariates, directed) {
-  if (inherits(x, "vexa_fit")) {
-    if (anyNA(x$coefficients)) fail("the fit has no estimates: every run was degenerate")
-    # The coefficients follow the engine's order of the effects; the request takes a value per
-    # effect in the order the effects were given.
-    values <- unname(x$coefficients)
-    if (!is.null(x$slots) && length(x$slots) == length(values)) values <- values[x$slots]
-    return(list(network = x$network, effects = x$effects,
-                values = values, attributes = x$attributes %||% attributes,
-                covariates = x$covariates %||% covariates))
-  }
-  if (is.numeric(x) && length(x) == 1L && !is.matrix(x)) {
-    if (!is.finite(x) || x < 1 || x != floor(x)) fail("the node count must be a whole number of 1 or more")
-    network <- list(matrix = NULL, directed = isTRUE(directed), n = as.integer(x))
-  } else {
-    network <- as_network(x, directed)
-  }
-  if (is.null(parameters)) fail("parameters are needed: one value per effect")
-  model <- parse_effects(effects)
-  list(network = network, effects = model,
-       values = effect_values(parameters, model, "parameters"),
-       attributes = attributes, covariates = covariates)
-}
-
-vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
-                          covariates = NULL, settings = vexa_settings(), seed = NULL,
-                          networks = FALSE, density = NULL, directed = FALSE,
-                          save_network = NULL) {
-  if (!is.null(save_network) && (!is.character(save_network) || length(save_network) != 1L ||
-                                 is.na(save_network) || !nzchar(save_network))) {
-    fail("save_network must be one file name")
-  }
-  source <- model_source(x, effects, parameters, attributes, covariates, directed)
-  network <- source$network
-  if (is.null(density)) {
-    density <- if (is.null(network$matrix) || network$n < 2L) 0 else
-      sum(network$matrix) / (network$n * (network$n - 1))
-  }
-  number_setting(density, "density")
-  if (density > 1) fail("setting 'density' must lie between 0 and 1")
-  observed <- network$matrix
-  network$matrix <- NULL
-  request <- task_request("simulation", network, source$effects, source$values,
-                          source$attributes, source$covariates, "simulate", isTRUE(networks),
-                          density)
-  # The engine writes the final network there as a tie list, which vexa_run reads back.
-  if (!is.null(save_network)) request$save_network <- path.expand(save_network)
-  result <- run_task(request, settings, seed)
-  statistics <- as.data.frame(result$sample_statistics)
-  names(statistics) <- result$labels
-  statistics <- cbind(sample = result$sample_numbers, statistics)
-  sampled <- if (isTRUE(networks)) lapply(result$networks, function(m) {
-    dimnames(m) <- if (is.null(observed)) NULL else dimnames(observed)
-    m
-  }) else NULL
-  structure(list(statistics = statistics, networks = sampled, accepted = result$accepted,
-                 parameters = setNames(source$values, result$labels),
-                 directed = network$directed, n = network$n,
-                 output_dir = output_directory(settings),
-                 saved_network = request$save_network), class = "vexa_simulation")
-}
-
 print.vexa_simulation <- function(x, ...) {
   cat(sprintf("vexa simulation: %d samples of a %s of %d nodes, %.0f changes accepted\n",
               nrow(x$statistics), if (x$directed) "digraph" else "graph", x$n, x$accepted))
   means <- colMeans(x$statistics[, -1L, drop = FALSE])
   print(rbind(parameter = x$parameters, `sample mean` = means))
   invisible(x)
-}
-
-vexa_gof <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
-                     covariates = NULL, settings = vexa_settings(), seed = NULL,
-                     directed = NULL) {
-  source <- model_source(x, effects, parameters, attributes, covariates, directed)
-  if (is.null(source$network$matrix)) fail("goodness of fit needs the observed network")
-  request <- task_request("gof", source$network, source$effects, source$values,
-                          source$attributes, source$covariates, "gof")
-  result <- run_task(request, settings, seed)
-  g <- result$gof
-  labels <- c(result$gof_labels, g$measure_names)
-  table <- data.frame(statistic = labels, observed = g$comparisons$observed,
-                      mean = g$comparisons$mean, sd = g$comparisons$sd,
-                      t = g$comparisons$t, stringsAsFactors = FALSE)
-  quartiles <- data.frame(quartile = c("25%", "50%", "75%"), observed = g$quartile_table$observed,
-                          median = g$quartile_table$median, iqr = g$quartile_table$iqr,
-                          below = g$quartile_table$below, above = g$quartile_table$above,
-                          stringsAsFactors = FALSE)
-  statistics <- g$statistics
-  colnames(statistics) <- result$gof_labels
-  measures <- g$measures
-  colnames(measures) <- g$measure_names
-  directed <- source$network$directed
-  structure(list(
-    table = table, quartiles = quartiles,
-    mahalanobis = if (g$mahalanobis_available) g$mahalanobis else NA_real_,
-    mahalanobis_closer = if (g$mahalanobis_available) g$mahalanobis_closer else NA_real_,
-    statistics = statistics, measures = measures,
-    observed_statistics = setNames(g$observed, result$gof_labels),
-    observed_profile = g$observed_profile,
-    degree = g$degree, in_degree = if (directed) g$in_degree else NULL,
-    geodesics = g$geodesics, triads = if (directed) g$triads else NULL,
-    parameters = setNames(source$values, result$labels), directed = directed,
-    n = source$network$n, output_dir = output_directory(settings)), class = "vexa_gof")
 }
 
 print.vexa_gof <- function(x, digits = max(3L, getOption("digits") - 3L), ...) {

@@ -6,52 +6,78 @@
 using namespace Rcpp;
 
 #ifdef RCPP_USE_GLOBAL_ROSTREAM
-Rcpp::Rostream<true>& Rcpp::Rcout = Rcpp::Rcpp_cout_get();
+Rcpp::Rostream<true>&  Rcpp::Rcout = Rcpp::Rcpp_cout_get();
 Rcpp::Rostream<false>& Rcpp::Rcerr = Rcpp::Rcpp_cerr_get();
 #endif
 
 // vexa_task
 List vexa_task(List request, SEXP seed, SEXP progress);
 RcppExport SEXP _vexa_vexa_task(SEXP requestSEXP, SEXP seedSEXP, SEXP progressSEXP) {
-    BEGIN_RCPP
+BEGIN_RCPP
     Rcpp::RObject rcpp_result_gen;
     Rcpp::RNGScope rcpp_rngScope_gen;
-    Rcpp::traits::input_parameter<List>::type request(requestSEXP);
-    Rcpp::traits::input_parameter<SEXP>::type seed(seedSEXP);
-    Rcpp::traits::input_parameter<SEXP>::type progress(progressSEXP);
+    Rcpp::traits::input_parameter< List >::type request(requestSEXP);
+    Rcpp::traits::input_parameter< SEXP >::type seed(seedSEXP);
+    Rcpp::traits::input_parameter< SEXP >::type progress(progressSEXP);
     rcpp_result_gen = Rcpp::wrap(vexa_task(request, seed, progress));
     return rcpp_result_gen;
-    END_RCPP
+END_RCPP
 }
 // vexa_run_file
-List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic,
-                   int chains, int threads, bool equilibrium);
-RcppExport SEXP _vexa_vexa_run_file(SEXP run_fileSEXP, SEXP seedSEXP, SEXP checkSEXP,
-                                    SEXP samplerSEXP, SEXP automaticSEXP, SEXP chainsSEXP,
-                                    SEXP threadsSEXP, SEXP equilibriumSEXP) {
-    BEGIN_RCPP
+List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, bool automatic, int chains, int threads, bool equilibrium);
+RcppExport SEXP _vexa_vexa_run_file(SEXP run_fileSEXP, SEXP seedSEXP, SEXP checkSEXP, SEXP samplerSEXP, SEXP automaticSEXP, SEXP chainsSEXP, SEXP threadsSEXP, SEXP equilibriumSEXP) {
+BEGIN_RCPP
     Rcpp::RObject rcpp_result_gen;
     Rcpp::RNGScope rcpp_rngScope_gen;
-    Rcpp::traits::input_parameter<std::string>::type run_file(run_fileSEXP);
-    Rcpp::traits::input_parameter<SEXP>::type seed(seedSEXP);
-    Rcpp::traits::input_parameter<bool>::type check(checkSEXP);
-    Rcpp::traits::input_parameter<int>::type sampler(samplerSEXP);
-    Rcpp::traits::input_parameter<bool>::type automatic(automaticSEXP);
-    Rcpp::traits::input_parameter<int>::type chains(chainsSEXP);
-    Rcpp::traits::input_parameter<int>::type threads(threadsSEXP);
-    Rcpp::traits::input_parameter<bool>::type equilibrium(equilibriumSEXP);
-    rcpp_result_gen = Rcpp::wrap(
-        vexa_run_file(run_file, seed, check, sampler, automatic, chains, threads, equilibrium));
+    Rcpp::traits::input_parameter< std::string >::type run_file(run_fileSEXP);
+    Rcpp::traits::input_parameter< SEXP >::type seed(seedSEXP);
+    Rcpp::traits::input_parameter< bool >::type check(checkSEXP);
+    Rcpp::traits::input_parameter< int >::type sampler(samplerSEXP);
+    Rcpp::traits::input_parameter< bool >::type automatic(automaticSEXP);
+    Rcpp::traits::input_parameter< int >::type chains(chainsSEXP);
+    Rcpp::traits::input_parameter< int >::type threads(threadsSEXP);
+    Rcpp::traits::input_parameter< bool >::type equilibrium(equilibriumSEXP);
+    rcpp_result_gen = Rcpp::wrap(vexa_run_file(run_file, seed, check, sampler, automatic, chains, threads, equilibrium));
     return rcpp_result_gen;
-    END_RCPP
+END_RCPP
+}
+// vexa_effect_table
+List vexa_effect_table(bool directed);
+RcppExport SEXP _vexa_vexa_effect_table(SEXP directedSEXP) {
+BEGIN_RCPP
+    Rcpp::RObject rcpp_result_gen;
+    Rcpp::RNGScope rcpp_rngScope_gen;
+    Rcpp::traits::input_parameter< bool >::type directed(directedSEXP);
+    rcpp_result_gen = Rcpp::wrap(vexa_effect_table(directed));
+    return rcpp_result_gen;
+END_RCPP
+}
+// vexa_resolve_term
+List vexa_resolve_term(std::string name, SEXP number, std::string attribute, Rcpp::IntegerVector attributes, std::string covariate, bool directed);
+RcppExport SEXP _vexa_vexa_resolve_term(SEXP nameSEXP, SEXP numberSEXP, SEXP attributeSEXP, SEXP attributesSEXP, SEXP covariateSEXP, SEXP directedSEXP) {
+BEGIN_RCPP
+    Rcpp::RObject rcpp_result_gen;
+    Rcpp::RNGScope rcpp_rngScope_gen;
+    Rcpp::traits::input_parameter< std::string >::type name(nameSEXP);
+    Rcpp::traits::input_parameter< SEXP >::type number(numberSEXP);
+    Rcpp::traits::input_parameter< std::string >::type attribute(attributeSEXP);
+    Rcpp::traits::input_parameter< Rcpp::IntegerVector >::type attributes(attributesSEXP);
+    Rcpp::traits::input_parameter< std::string >::type covariate(covariateSEXP);
+    Rcpp::traits::input_parameter< bool >::type directed(directedSEXP);
+    rcpp_result_gen = Rcpp::wrap(vexa_resolve_term(name, number, attribute, attributes, covariate, directed));
+    return rcpp_result_gen;
+END_RCPP
 }
 
 static const R_CallMethodDef CallEntries[] = {
-    {"_vexa_vexa_task", (DL_FUNC)&_vexa_vexa_task, 3},
-    {"_vexa_vexa_run_file", (DL_FUNC)&_vexa_vexa_run_file, 8},
-    {NULL, NULL, 0}};
+    {"_vexa_vexa_task", (DL_FUNC) &_vexa_vexa_task, 3},
+    {"_vexa_vexa_run_file", (DL_FUNC) &_vexa_vexa_run_file, 8},
+    {"_vexa_vexa_effect_table", (DL_FUNC) &_vexa_vexa_effect_table, 1},
+    {"_vexa_vexa_resolve_term", (DL_FUNC) &_vexa_vexa_resolve_term, 6},
+    {NULL, NULL, 0}
+};
 
-RcppExport void R_init_vexa(DllInfo* dll) {
+RcppExport void R_init_vexa(DllInfo *dll) {
     R_registerRoutines(dll, NULL, CallEntries, NULL, NULL);
     R_useDynamicSymbols(dll, FALSE);
 }

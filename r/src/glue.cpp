@@ -14,6 +14,7 @@
 
 #include "base/errors.h"
 #include "entry/api.h"
+#include "entry/effect_aliases.h"
 #include "estimation/diagnostics.h"
 #include "report/convergence_report.h"
 #include "simulation/gof_task.h"
@@ -172,6 +173,11 @@ List estimation_runs(const vexa::EstimationRecord& e,
             Named("suggested_factor") = check.suggested_factor);
         one["automatic"] = run.automatic;
         one["phase3_draws"] = run.phase3_draws;
+        // Phase 3's draws of the statistics, one row per draw as drawn (row i from chain
+        // i mod phase3_chains), for the diagnostics of the chain.
+        const vexa::Matrix& draws = run.phase3_draws_matrix;
+        one["draws"] = matrix_of(draws, static_cast<int>(draws.rows), static_cast<int>(draws.cols));
+        one["phase3_chains"] = run.phase3_chains;
         // Why a degenerate run stopped and what to change, in the words the console uses.
         one["advice"] = run.astray       ? vexa::astray_text(run, labels)
                         : run.degenerate ? vexa::degeneracy_advice(run, labels)
@@ -296,6 +302,7 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     const std::string task = Rcpp::as<std::string>(request["task"]);
     s.task = task == "simulation"   ? vexa::Task::simulation
              : task == "estimation" ? vexa::Task::estimation
+             : task == "bayes"      ? vexa::Task::bayesian_goodness_of_fit
                                     : vexa::Task::goodness_of_fit;
     s.network_kind =
         Rcpp::as<bool>(request["directed"]) ? vexa::NetworkKind::digraph : vexa::NetworkKind::graph;
@@ -321,6 +328,13 @@ List vexa_task(List request, SEXP seed, SEXP progress) {
     s.sample_count = whole(settings, "samples", 0);
     if (!Rf_isNull(request["adjacency"]))
         r.adjacency = Rcpp::as<std::vector<double>>(request["adjacency"]);
+    if (request.containsElementNamed("constraint") && !Rf_isNull(request["constraint"]))
+        r.constraint = Rcpp::as<std::vector<double>>(request["constraint"]);
+    if (request.containsElementNamed("parameter_sets")) {
+        const List sets = request["parameter_sets"];
+        for (R_xlen_t k = 0; k < sets.size(); ++k)
+            r.parameter_sets.push_back(Rcpp::as<std::vector<double>>(sets[k]));
+    }
 
     const List effects = request["effects"];
     const Rcpp::CharacterVector names = effects["name"];
@@ -438,4 +452,56 @@ List vexa_run_file(std::string run_file, SEXP seed, bool check, int sampler, boo
                         Named("output_dir") = result.output_directory,
                         Named("name") = result.network_name,
                         Named("not_converged") = result.not_converged);
+}
+
+// Every effect of the network kind and every other name a term may take, with what it counts.
+// [[Rcpp::export(.vexa_effect_table)]]
+List vexa_effect_table(bool directed) {
+    const std::vector<vexa::EffectEntry> entries =
+        vexa::effect_entries(directed ? vexa::NetworkKind::digraph : vexa::NetworkKind::graph);
+    Rcpp::CharacterVector name, kind, argument, maps_to, meaning, attribute_kind;
+    for (const vexa::EffectEntry& e : entries) {
+        name.push_back(e.name);
+        kind.push_back(e.kind);
+        argument.push_back(e.argument);
+        maps_to.push_back(e.maps_to);
+        meaning.push_back(e.meaning);
+        attribute_kind.push_back(e.attribute_kind);
+    }
+    return List::create(Named("name") = name, Named("kind") = kind, Named("argument") = argument,
+                        Named("maps_to") = maps_to, Named("meaning") = meaning,
+                        Named("attribute_kind") = attribute_kind);
+}
+
+// The effect a term names: a vexa effect or another name for one. `attributes` gives the kind
+// (0 binary, 1 continuous, 2 categorical) of each attribute by name. Returns the effect's name
+// and lambda, or an error line.
+// [[Rcpp::export(.vexa_resolve_term)]]
+List vexa_resolve_term(std::string name, SEXP number, std::string attribute,
+                       Rcpp::IntegerVector attributes, std::string covariate, bool directed) {
+    vexa::AliasTerm term;
+    term.name = std::move(name);
+    if (!Rf_isNull(number)) {
+        term.has_number = true;
+        term.number = Rcpp::as<double>(number);
+    }
+    term.attribute = std::move(attribute);
+    std::vector<vexa::AttributeColumn> columns;
+    const Rcpp::CharacterVector names = attributes.hasAttribute("names")
+                                            ? Rcpp::CharacterVector(attributes.names())
+                                            : Rcpp::CharacterVector();
+    for (R_xlen_t k = 0; k < attributes.size() && k < names.size(); ++k) {
+        vexa::AttributeColumn column;
+        column.name = Rcpp::as<std::string>(names[k]);
+        column.kind = static_cast<vexa::AttributeKind>(attributes[k]);
+        columns.push_back(std::move(column));
+    }
+    const vexa::NetworkKind kind = directed ? vexa::NetworkKind::digraph : vexa::NetworkKind::graph;
+    try {
+        const vexa::EffectChoice choice = vexa::resolve_term(term, kind, columns, covariate);
+        return List::create(Named("error") = "", Named("name") = choice.name,
+                            Named("lambda") = static_cast<double>(choice.lambda));
+    } catch (const vexa::VexaError& error) {
+        return List::create(Named("error") = std::string(error.what()));
+    }
 }
