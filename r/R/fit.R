@@ -6,9 +6,26 @@
 effects_model <- function(net, effects, attributes, covariates, directed) {
   network <- as_network(net, directed)
   model <- parse_effects(effects)
+  check_effect_names(model$name, network$directed, names(attributes),
+                     if (is.matrix(covariates)) "covariate" else names(covariates))
   list(network = network, net = net, labels = make.unique(model$name), effects = model,
        columns = parse_attributes(attributes, network$n), covariate = covariates,
        attributes = attributes, reparameterised = rep(list(NULL), nrow(model)))
+}
+
+# Names the engine would not know, refused with the closest it would.
+check_effect_names <- function(names, directed, attributes, covariates) {
+  table <- effect_table(directed)
+  structural <- table$name[table$kind == "structural"]
+  suffixes <- sub("^<attribute>_", "", table$name[grepl("^<attribute>_", table$name)])
+  known <- c(structural, as.vector(outer(c(attributes, covariates), suffixes, paste,
+                                         sep = "_")))
+  for (name in setdiff(names, known)) {
+    fail("no effect '", name, "' for a ", if (directed) "digraph" else "graph",
+         "; did you mean '", closest_name(name, known), "'? vexa_effects(",
+         if (directed) "directed = TRUE" else "", ") lists them, an attribute effect ",
+         "after its attribute's name and '_'")
+  }
 }
 
 task_request <- function(task, spec, values, name, keep_networks = FALSE, density = 0) {
