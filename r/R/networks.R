@@ -51,7 +51,7 @@ simulate.vexa_fit <- function(object, nsim = 1, seed = NULL, output = c("network
     }
     as_network_object(m, object$network$directed, object$spec$net, object$spec$attributes)
   })
-  structure(networks, class = c(paste0("vexa_", output, "s"), "list"), stats = statistics,
+  structure(networks, class = c("vexa_networks", "list"), stats = statistics,
             coefficients = object$coefficients)
 }
 
