@@ -37,7 +37,7 @@ result_presentation <- function(spec, result) {
 
 vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
                           covariates = NULL, settings = vexa_settings(), seed = NULL,
-                          networks = FALSE, density = NULL, directed = FALSE,
+                          networks = FALSE, density = NULL, directed = NULL,
                           save_network = NULL, start = c("random", "observed")) {
   if (!is.null(save_network) && (!is.character(save_network) || length(save_network) != 1L ||
                                  is.na(save_network) || !nzchar(save_network))) {
