@@ -11,9 +11,11 @@ for option in "$@"; do
         --windows) packages+=(g++-mingw-w64-x86-64-posix wine64) ;;
         # clang and its libFuzzer runtime, for scripts/fuzz.sh.
         --fuzz) packages+=(clang libclang-rt-dev) ;;
-        # R, Rcpp, testthat and the network package, for the R package (and ccache for its
-        # compile when scripts/test-r.sh builds it).
-        --r) packages=(r-base-core r-base-dev r-cran-rcpp r-cran-testthat r-cran-network ccache) ;;
+        # R, Rcpp, testthat and the network package, for the R package, knitr and markdown for
+        # its vignette (HTML without pandoc), and ccache for its compile when scripts/test-r.sh
+        # builds it.
+        --r) packages=(r-base-core r-base-dev r-cran-rcpp r-cran-testthat r-cran-network
+                       r-cran-knitr r-cran-markdown ccache) ;;
         # pybind11, networkx, numpy, pandas, scipy, matplotlib and pytest for Debian's own
         # interpreter, for the Python module (scripts/test-python.sh); ccache for its compile.
         --python) packages=(python3-pybind11 python3-networkx python3-numpy python3-pandas
