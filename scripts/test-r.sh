@@ -10,7 +10,16 @@ set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 work="${1:-$root/build-r}"
 bash "$root/scripts/setup-r.sh"
-(cd "$root/r" && ./configure >/dev/null)
+# CI links the engine from build/ below, so the path a user's install takes (the engine
+# compiled by the package in a few unity units) is checked here: each unit must compile as one
+# translation unit, which two files defining the same file-local name would break.
+(cd "$root/r" && env -u VEXA_ENGINE_BUILD ./configure >/dev/null)
+pids=""
+for unit in "$root"/r/src/engine_unit_*.cpp; do
+    g++ -std=gnu++20 -fsyntax-only -I"$root/r/src/engine" "$unit" &
+    pids="$pids $!"
+done
+for pid in $pids; do wait "$pid" || { echo "a unity unit of the R package does not compile"; exit 1; }; done
 rm -rf "$work"
 mkdir -p "$work"
 cd "$work"

@@ -6,13 +6,12 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "base/sizes.h"
 #include "describe/graph_describe.h"
 
 namespace vexa {
 
 namespace {
-
-size_t as_size(int value) { return static_cast<size_t>(value); }
 
 // A batch searches from 64 x lane_words sources at once; each node holds lane_words words
 // per level. Wider batches share the cost of walking the neighbour lists among more sources.

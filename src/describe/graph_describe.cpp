@@ -2,6 +2,7 @@
 // store's bookkeeping.
 
 #include "describe/graph_describe.h"
+#include "base/sizes.h"
 
 #include <cmath>
 #include <cstddef>
@@ -11,8 +12,6 @@
 namespace vexa {
 
 namespace {
-
-size_t as_size(int value) { return static_cast<size_t>(value); }
 
 // v's ties whose other end shares no partner with v: ties in no triangle.
 int32_t lone_ties(const SparseGraph& graph, int v) {

@@ -1,4 +1,5 @@
 #include "network/digraph.h"
+#include "base/sizes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,8 +16,6 @@
 namespace vexa {
 
 namespace {
-
-size_t as_size(int64_t value) { return static_cast<size_t>(value); }
 
 inline void set_bit(std::vector<uint64_t>& rows, int32_t row_words, int row, int b) {
     rows[as_size(row) * as_size(row_words) + as_size(b >> 6)] |= uint64_t{1} << (b & 63);

@@ -1,4 +1,5 @@
 #include "network/graph.h"
+#include "base/sizes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,8 +17,6 @@
 namespace vexa {
 
 namespace {
-
-size_t as_size(int value) { return static_cast<size_t>(value); }
 
 // Moves one count from histogram[old_value] to histogram[new_value].
 inline void move_count(std::vector<int32_t>& histogram, int32_t old_value, int32_t new_value) {

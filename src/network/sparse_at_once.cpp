@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "base/compiler.h"
+#include "base/sizes.h"
 #include "network/flat_lists.h"
 #include "network/sparse_digraph.h"
 #include "network/sparse_graph.h"
@@ -20,8 +21,6 @@
 namespace vexa {
 
 namespace {
-
-size_t as_size(int value) { return static_cast<size_t>(value); }
 
 // Which ends of two-step paths a -> x -> c count: c > a (unordered pairs, each met from its
 // lower node) or c != a (ordered pairs).
@@ -125,12 +124,6 @@ void fill_pairs(PairTable* table, int n, const FlatLists& first, const FlatLists
     }
 }
 
-void set_filter(SparseGraph& g, int a, int k) {
-    const uint32_t bit = SparseGraph::filter_bit(k);
-    g.partner_filter[as_size(a) * SparseGraph::filter_words + (bit >> 6)] |= uint64_t{1}
-                                                                             << (bit & 63);
-}
-
 // The triangles at each node from twice their number, and their histogram, grown (by doubling,
 // as the store grows it) to the largest count.
 void set_triangles(SparseGraph& g, const std::vector<int64_t>& twice) {
@@ -179,8 +172,8 @@ void recount_graph(SparseGraph& g, FlatLists&& neighbours, const WorkDone* nodes
         },
         [&](int a, int c, int32_t ways) {
             if (partners) {
-                set_filter(g, a, c);
-                set_filter(g, c, a);
+                g.set_filter(a, c);
+                g.set_filter(c, a);
                 g.shared_partner_histogram[as_size(ways)] += 1;
                 ++pairs;
             }

@@ -1,4 +1,5 @@
 #include "network/sparse_digraph.h"
+#include "base/sizes.h"
 
 #include "base/errors.h"
 #include "base/matrix_text.h"
@@ -8,8 +9,6 @@
 namespace vexa {
 
 namespace {
-
-size_t as_size(int value) { return static_cast<size_t>(value); }
 
 // Removes v from a list by moving the last entry into its place, as the dense store does.
 void forget(std::vector<int32_t>& list, int v) {

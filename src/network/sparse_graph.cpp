@@ -1,4 +1,5 @@
 #include "network/sparse_graph.h"
+#include "base/sizes.h"
 
 #include <algorithm>
 #include <bit>
@@ -12,8 +13,6 @@
 namespace vexa {
 
 namespace {
-
-size_t as_size(int value) { return static_cast<size_t>(value); }
 
 // The dense store's triangle histogram length, while it stays small enough to keep whole.
 constexpr int64_t whole_triangle_histogram = int64_t{1} << 20;
@@ -36,12 +35,6 @@ inline void move_triangles(SparseGraph& g, size_t v, int32_t delta) {
     if (delta > 0) reach_triangle_count(g, t);
     g.triangles[v] = t;
     move_count(g.triangle_histogram, old_value, t);
-}
-
-inline void set_filter(SparseGraph& g, int a, int k) {
-    const uint32_t bit = SparseGraph::filter_bit(k);
-    g.partner_filter[as_size(a) * SparseGraph::filter_words + (bit >> 6)] |= uint64_t{1}
-                                                                             << (bit & 63);
 }
 
 // Removes v from a list by moving the last entry into its place, as the dense store does.
@@ -122,8 +115,8 @@ void update_shared_partners(SparseGraph& g, int i, int j, int added) {
             if (k == to) continue;
             const int32_t value = g.shared_partners.add(PairTable::key(k, to), delta);
             if (value == 1 && delta == 1) {
-                set_filter(g, k, to);
-                set_filter(g, to, k);
+                g.set_filter(k, to);
+                g.set_filter(to, k);
             }
             partner_histogram[value] += 1;
             partner_histogram[value - delta] -= 1;

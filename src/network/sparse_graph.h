@@ -74,6 +74,12 @@ struct SparseGraph {
         const uint32_t bit = filter_bit(k);
         return (filter[bit >> 6] >> (bit & 63)) & 1u;
     }
+    // Marks that a and k may share a partner from now on.
+    void set_filter(int a, int k) {
+        const uint32_t bit = filter_bit(k);
+        partner_filter[static_cast<size_t>(a) * filter_words + (bit >> 6)] |= uint64_t{1}
+                                                                              << (bit & 63);
+    }
 
     std::span<const int32_t> neighbours_of(int v) const {
         return neighbours[static_cast<size_t>(v)];

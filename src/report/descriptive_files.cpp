@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "base/errors.h"
+#include "base/sizes.h"
 #include "report/descriptive_files.h"
 
 #include "describe/graph_describe.h"
@@ -11,8 +12,6 @@
 namespace vexa {
 
 namespace {
-
-size_t as_size(int value) { return static_cast<size_t>(value); }
 
 // Integers each followed by a tab, the text of "%d\t" per value. The triangle row alone has
 // (n-2)(n-1)/2 + 1 columns, so the values are formatted into a block and written at once
