@@ -61,6 +61,9 @@ test_that("digraph terms count what their definitions say", {
                 sum(abs(x[arcs[, 1]] - x[arcs[, 2]])), sum(s$nodes$z[arcs[, 2]]),
                 gw(two_paths[arcs[, 2:1]], log(2)))
   expect_equal(unname(got), expected, tolerance = 1e-5)
+  # A digraph's gwesp closes the two-paths i -> k -> j, as dgwesp_OTP does.
+  expect_equal(unname(vexa_statistics(d ~ gwesp(0.6, fixed = TRUE))), expected[7],
+               tolerance = 1e-5)
 })
 
 test_that("a formula fit agrees with the R package's estimates, under the names typed", {

@@ -63,7 +63,7 @@ TEST(EffectAliases, RefusalsNameTheClosestEffect) {
         const char* says;
     } cases[] = {
         {NetworkKind::graph, {"gwdegree", true, 0.5, ""}, "the closest is AS"},
-        {NetworkKind::digraph, {"gwesp", true, 0.5, ""}, "the closest is AT-T"},
+        {NetworkKind::digraph, {"triangle", false, 0.0, ""}, "the closest is Transitive-Triad"},
         {NetworkKind::graph, {"gwesp", true, 0.0, ""}, "a decay above 0"},
         {NetworkKind::graph, {"gwesp", false, 0.0, ""}, "needs its decay"},
         {NetworkKind::graph, {"kstar", true, 7.0, ""}, "maps k = 2, 3, 4, 5"},
