@@ -35,6 +35,10 @@ read_term <- function(term, env) {
   args <- as.list(term)[-1L]
   values <- lapply(args, function(a) {
     tryCatch(eval(a, env), error = function(e) {
+      if (is.name(a)) {
+        fail("term '", text, "': no object '", deparse1(a), "'; an attribute's name is ",
+             "written in quotes: ", term[[1L]], "(\"", deparse1(a), "\")")
+      }
       fail("term '", text, "': cannot evaluate '", deparse1(a), "': ", conditionMessage(e))
     })
   })
@@ -58,7 +62,8 @@ term_arguments <- function(term) {
              "write fixed = TRUE, or compare several fixed decays")
       }
     } else if (key %in% c("decay", "k", "lambda", "alpha") ||
-               (key == "" && is.numeric(value) && !is.matrix(value) && is.null(number))) {
+               (key == "" && (is.numeric(value) || identical(value, NA)) && !is.matrix(value) &&
+                is.null(number))) {
       if (!is.numeric(value) || length(value) != 1L || !is.finite(value)) {
         fail("term '", term$text, "': its number must be one finite value")
       }

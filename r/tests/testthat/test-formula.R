@@ -160,6 +160,8 @@ test_that("terms that cannot be used are refused with what to write", {
   expect_error(vexa(flomarriage ~ edges + nodecov("wealthy"), attributes = flomarriage_nodes),
                "it has 'wealth'", class = "vexa_error")
   expect_error(vexa(flomarriage ~ edges + gwidegree(0.5)), "for digraphs", class = "vexa_error")
+  expect_error(vexa(flomarriage ~ edges + nodecov(wealth), attributes = flomarriage_nodes),
+               "written in quotes: nodecov\\(\"wealth\"\\)", class = "vexa_error")
   expect_error(vexa_estimate(flomarriage, c("edge", "Triangel")), "did you mean 'Triangle'",
                class = "vexa_error")
   expect_true(all(c("gwesp(decay)", "AT_T(lambda)") %in%
