@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "base/closest.h"
 #include "base/errors.h"
 #include "entry/api.h"
 #include "entry/run_file.h"
@@ -35,6 +36,38 @@ struct Attributes {
     std::array<std::vector<const AttributeColumn*>, attribute_kind_count> by_kind;
 };
 
+// The request's attributes of a kind, by name (the covariate's, when given, for its kind).
+std::vector<std::string> names_of_kind(const TaskRequest& request, const Attributes& attributes,
+                                       AttributeKind kind) {
+    std::vector<std::string> names;
+    if (kind == AttributeKind::covariate) {
+        if (request.covariate_given) names.push_back(request.covariate_name);
+    } else {
+        for (const AttributeColumn* column : attributes.by_kind[static_cast<size_t>(kind)])
+            names.push_back(column->name);
+    }
+    return names;
+}
+
+// Every effect name the request could use: the structural ones, then each attribute's (and the
+// covariate's) effects after its name.
+std::vector<std::string> known_effects(const TaskRequest& request, const Model& model,
+                                       const Attributes& attributes) {
+    std::vector<std::string> known;
+    for (const EffectDescription& row : structural_catalogue(model.kind).rows)
+        if (row.labels.update_name != nullptr) known.emplace_back(row.labels.update_name);
+    for (int k = 0; k < attribute_kind_count; ++k) {
+        const auto kind = static_cast<AttributeKind>(k);
+        const std::vector<std::string> names = names_of_kind(request, attributes, kind);
+        for (const std::string& name : names) {
+            for (const EffectDescription& row : attribute_catalogue(model.kind, kind).rows)
+                if (row.labels.update_name != nullptr)
+                    known.push_back(name + "_" + row.labels.update_name);
+        }
+    }
+    return known;
+}
+
 Target find_effect(const TaskRequest& request, const Model& model, const Attributes& attributes,
                    const EffectChoice& choice) {
     Target target;
@@ -44,13 +77,7 @@ Target find_effect(const TaskRequest& request, const Model& model, const Attribu
     for (int k = 0; k < attribute_kind_count; ++k) {
         const auto kind = static_cast<AttributeKind>(k);
         const CatalogueView& catalogue = attribute_catalogue(model.kind, kind);
-        std::vector<std::string> names;
-        if (kind == AttributeKind::covariate) {
-            if (request.covariate_given) names.push_back(request.covariate_name);
-        } else {
-            for (const AttributeColumn* column : attributes.by_kind[static_cast<size_t>(k)])
-                names.push_back(column->name);
-        }
+        const std::vector<std::string> names = names_of_kind(request, attributes, kind);
         for (size_t a = 0; a < names.size(); ++a) {
             const std::string& prefix = names[a];
             if (choice.name.size() <= prefix.size() + 1 ||
@@ -67,10 +94,12 @@ Target find_effect(const TaskRequest& request, const Model& model, const Attribu
         }
     }
     throw SettingError(format_message(
-        "vexa: %s: no effect '%s' for a %s; effects take their run-file names (edge, AS, ...), "
-        "attribute effects the attribute's name before them (Grade_Same_Category_edge)",
+        "vexa: %s: no effect '%s' for a %s; did you mean '%s'? effects take their run-file names "
+        "(edge, AS, ...), attribute effects the attribute's name before them "
+        "(Grade_Same_Category_edge)",
         request.settings.run_file.c_str(), choice.name.c_str(),
-        model.kind == NetworkKind::digraph ? "digraph" : "graph"));
+        model.kind == NetworkKind::digraph ? "digraph" : "graph",
+        closest_word(choice.name, known_effects(request, model, attributes)).c_str()));
 }
 
 void fill_section(AttributeSection& section, const Model& model, AttributeKind kind,
