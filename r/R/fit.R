@@ -2,40 +2,24 @@
 # request to the engine, to a fit that reports each term under its own name.
 
 # A model given as effect names with lambdas and a data frame of attributes, each column's
-# kind from its class (logical binary, numeric continuous, factor or character categorical).
-effects_model <- function(net, effects, attributes, covariates, directed) {
-  network <- as_network(net, directed)
-  model <- parse_effects(effects)
-  check_effect_names(model$name, network$directed, names(attributes),
-                     if (is.matrix(covariates)) "covariate" else names(covariates))
-  list(network = network, net = net, labels = make.unique(model$name), effects = model,
+# kind from its class (logical binary, numeric continuous, factor or character categorical),
+# on a network (a matrix or network object) or on `network`, a node count's empty one.
+effects_model <- function(net, effects, attributes, covariates, directed,
+                          network = as_network(net, directed)) {
+  parsed <- parse_effects(effects)
+  list(network = network, net = net, labels = make.unique(parsed$name), effects = parsed,
        columns = parse_attributes(attributes, network$n), covariate = covariates,
-       attributes = attributes, reparameterised = rep(list(NULL), nrow(model)))
+       attributes = attributes, reparameterised = rep(list(NULL), nrow(parsed)))
 }
 
-# Names the engine would not know, refused with the closest it would.
-check_effect_names <- function(names, directed, attributes, covariates) {
-  table <- effect_table(directed)
-  structural <- table$name[table$kind == "structural"]
-  suffixes <- sub("^<attribute>_", "", table$name[grepl("^<attribute>_", table$name)])
-  known <- c(structural, as.vector(outer(c(attributes, covariates), suffixes, paste,
-                                         sep = "_")))
-  for (name in setdiff(names, known)) {
-    fail("no effect '", name, "' for a ", if (directed) "digraph" else "graph",
-         "; did you mean '", closest_name(name, known), "'? vexa_effects(",
-         if (directed) "directed = TRUE" else "", ") lists them, an attribute effect ",
-         "after its attribute's name and '_'")
-  }
-}
-
-task_request <- function(task, spec, values, name, keep_networks = FALSE, density = 0) {
-  network <- spec$network
+task_request <- function(task, model, values, name, keep_networks = FALSE, density = 0) {
+  network <- model$network
   adjacency <- if (is.null(network$matrix)) NULL else as.numeric(t(network$matrix))
   list(what = paste0("vexa_", name), task = task, directed = network$directed,
        n = network$n, name = name, adjacency = adjacency, density = density,
-       effects = list(name = spec$effects$name, value = values, lambda = spec$effects$lambda),
-       attributes = spec$columns, covariate = parse_covariates(spec$covariate, network$n),
-       constraint = spec$constraint, keep_networks = keep_networks)
+       effects = list(name = model$effects$name, value = values, lambda = model$effects$lambda),
+       attributes = model$columns, covariate = parse_covariates(model$covariate, network$n),
+       constraint = model$constraint, keep_networks = keep_networks)
 }
 
 # The dyads the samplers may change: TRUE (1) where a dyad may change, FALSE (0) where it stays
@@ -63,19 +47,19 @@ constraint_values <- function(constraint, network) {
 }
 
 # The engine's starting values, in request order, of starting values given per term.
-start_values <- function(start, spec) {
-  shown <- presentation(spec$labels, seq_along(spec$labels), spec$reparameterised, spec$effects)
-  theta <- effect_values(start, data.frame(name = spec$labels), "starting values")
+start_values <- function(start, model) {
+  shown <- presentation(model$labels, seq_along(model$labels), model$reparameterised, model$effects)
+  theta <- effect_values(start, data.frame(name = model$labels), "starting values")
   if (is.null(start)) return(theta)
   engine_values(shown, theta)
 }
 
-fit_spec <- function(spec, settings, seed, start, auto, call) {
+fit_model <- function(model, settings, seed, start, auto, call) {
   if (!is.logical(auto) || length(auto) != 1L || is.na(auto)) fail("auto must be TRUE or FALSE")
-  request <- task_request("estimation", spec, start_values(start, spec), "estimate")
+  request <- task_request("estimation", model, start_values(start, model), "estimate")
   request$automatic <- auto
   result <- run_task(request, settings, seed)
-  shown <- presentation(spec$labels, result$slots, spec$reparameterised, spec$effects)
+  shown <- presentation(model$labels, result$slots, model$reparameterised, model$effects)
   runs <- result$runs
   # The run the fit reports: the converged one, else the engine's best; when every run was
   # degenerate there are no estimates, and the last run tells why.
@@ -91,8 +75,8 @@ fit_spec <- function(spec, settings, seed, start, auto, call) {
     confirmed = if (result$confirmed < 0) NA else result$confirmed == 1,
     trace = shown_trace(shown, run$trace), runs = runs, observed = view$observed,
     engine_values = if (reported > 0L) unname(run$estimates[result$slots]) else NULL,
-    engine_labels = result$labels, shown = shown, spec = spec, effects = spec$effects,
-    network = spec$network, seed = seed, settings = settings,
+    engine_labels = result$labels, shown = shown, model = model, effects = model$effects,
+    network = model$network, seed = seed, settings = settings,
     output_dir = output_directory(settings), console = result$console, call = call)
   class(fit) <- "vexa_fit"
   if (!fit$converged) {
@@ -105,16 +89,16 @@ fit_spec <- function(spec, settings, seed, start, auto, call) {
 vexa <- function(formula, attributes = NULL, covariates = NULL, constraint = NULL,
                  settings = vexa_settings(), seed = NULL, start = NULL, directed = NULL,
                  auto = TRUE) {
-  spec <- formula_model(formula, attributes, covariates, directed)
-  spec$constraint <- constraint_values(constraint, spec$network)
-  spec$formula <- formula
-  fit_spec(spec, settings, seed, start, auto, match.call())
+  model <- formula_model(formula, attributes, covariates, directed)
+  model$constraint <- constraint_values(constraint, model$network)
+  model$formula <- formula
+  fit_model(model, settings, seed, start, auto, match.call())
 }
 
 vexa_estimate <- function(net, effects, attributes = NULL, covariates = NULL,
                           settings = vexa_settings(), seed = NULL, start = NULL,
                           directed = NULL, auto = TRUE, constraint = NULL) {
-  spec <- effects_model(net, effects, attributes, covariates, directed)
-  spec$constraint <- constraint_values(constraint, spec$network)
-  fit_spec(spec, settings, seed, start, auto, match.call())
+  model <- effects_model(net, effects, attributes, covariates, directed)
+  model$constraint <- constraint_values(constraint, model$network)
+  fit_model(model, settings, seed, start, auto, match.call())
 }

@@ -49,7 +49,7 @@ simulate.vexa_fit <- function(object, nsim = 1, seed = NULL, output = c("network
     if (!requireNamespace("network", quietly = TRUE)) {
       fail("network objects need the 'network' package; use output = \"matrix\"")
     }
-    as_network_object(m, object$network$directed, object$spec$net, object$spec$attributes)
+    as_network_object(m, object$network$directed, object$model$net, object$model$attributes)
   })
   structure(networks, class = c("vexa_networks", "list"), stats = statistics,
             coefficients = object$coefficients)

@@ -6,33 +6,30 @@
 model_source <- function(x, effects, parameters, attributes, covariates, directed) {
   if (inherits(x, "vexa_fit")) {
     if (is.null(x$engine_values)) fail("the fit has no estimates: every run was degenerate")
-    spec <- x$spec
-    return(list(spec = spec, values = x$engine_values, parameters = x$coefficients))
+    model <- x$model
+    return(list(model = model, values = x$engine_values, parameters = x$coefficients))
   }
   if (inherits(x, "formula")) {
-    spec <- formula_model(x, attributes, covariates, directed)
+    model <- formula_model(x, attributes, covariates, directed)
   } else if (is.numeric(x) && length(x) == 1L && !is.matrix(x)) {
     if (!is.finite(x) || x < 1 || x != floor(x)) {
       fail("the node count must be a whole number of 1 or more")
     }
-    model <- parse_effects(effects)
-    spec <- list(network = list(matrix = NULL, directed = isTRUE(directed), n = as.integer(x)),
-                 labels = make.unique(model$name), effects = model,
-                 columns = parse_attributes(attributes, as.integer(x)), covariate = covariates,
-                 reparameterised = rep(list(NULL), nrow(model)))
+    empty <- list(matrix = NULL, directed = isTRUE(directed), n = as.integer(x))
+    model <- effects_model(NULL, effects, attributes, covariates, directed, network = empty)
   } else {
-    spec <- effects_model(x, effects, attributes, covariates, directed)
+    model <- effects_model(x, effects, attributes, covariates, directed)
   }
   if (is.null(parameters)) fail("parameters are needed: one value per term")
-  shown <- presentation(spec$labels, seq_along(spec$labels), spec$reparameterised, spec$effects)
-  theta <- effect_values(parameters, data.frame(name = spec$labels), "parameters")
-  list(spec = spec, values = engine_values(shown, theta),
-       parameters = setNames(theta, spec$labels))
+  shown <- presentation(model$labels, seq_along(model$labels), model$reparameterised, model$effects)
+  theta <- effect_values(parameters, data.frame(name = model$labels), "parameters")
+  list(model = model, values = engine_values(shown, theta),
+       parameters = setNames(theta, model$labels))
 }
 
 # The reported form of a task's statistics, by the engine's placing of the terms.
-result_presentation <- function(spec, result) {
-  presentation(spec$labels, result$slots, spec$reparameterised, spec$effects)
+result_presentation <- function(model, result) {
+  presentation(model$labels, result$slots, model$reparameterised, model$effects)
 }
 
 vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
@@ -45,16 +42,16 @@ vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NUL
   }
   start <- match.arg(start)
   source <- model_source(x, effects, parameters, attributes, covariates, directed)
-  spec <- source$spec
-  network <- spec$network
+  model <- source$model
+  network <- model$network
   observed <- network$matrix
   if (start == "observed") {
     if (is.null(observed)) fail("start = \"observed\" needs an observed network")
     # Dyads not observed start absent.
     observed[is.na(observed)] <- 0
-    spec$network$matrix <- observed
+    model$network$matrix <- observed
   } else {
-    spec$network$matrix <- NULL
+    model$network$matrix <- NULL
   }
   if (is.null(density)) {
     density <- if (is.null(observed) || network$n < 2L) 0 else
@@ -62,12 +59,12 @@ vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NUL
   }
   number_setting(density, "density")
   if (density > 1) fail("setting 'density' must lie between 0 and 1")
-  request <- task_request("simulation", spec, source$values, "simulate", isTRUE(networks),
+  request <- task_request("simulation", model, source$values, "simulate", isTRUE(networks),
                           density)
   # The engine writes the final network there as a tie list, which vexa_run reads back.
   if (!is.null(save_network)) request$save_network <- path.expand(save_network)
   result <- run_task(request, settings, seed)
-  shown <- result_presentation(spec, result)
+  shown <- result_presentation(model, result)
   statistics <- as.data.frame(shown_statistics(shown, result$sample_statistics),
                               check.names = FALSE)
   statistics <- cbind(sample = result$sample_numbers, statistics)
@@ -77,7 +74,7 @@ vexa_simulate <- function(x, effects = NULL, parameters = NULL, attributes = NUL
   }) else NULL
   structure(list(statistics = statistics, networks = sampled, accepted = result$accepted,
                  parameters = source$parameters, directed = network$directed, n = network$n,
-                 spec = spec, output_dir = output_directory(settings),
+                 model = model, output_dir = output_directory(settings),
                  saved_network = request$save_network), class = "vexa_simulation")
 }
 
@@ -107,28 +104,28 @@ vexa_gof <- function(x, effects = NULL, parameters = NULL, attributes = NULL,
                      directed = NULL, bayes = FALSE, sets = 200) {
   if (!is.logical(bayes) || length(bayes) != 1L || is.na(bayes)) fail("bayes must be TRUE or FALSE")
   source <- model_source(x, effects, parameters, attributes, covariates, directed)
-  spec <- source$spec
-  if (is.null(spec$network$matrix)) fail("goodness of fit needs the observed network")
-  request <- task_request(if (bayes) "bayes" else "gof", spec, source$values, "gof")
+  model <- source$model
+  if (is.null(model$network$matrix)) fail("goodness of fit needs the observed network")
+  request <- task_request(if (bayes) "bayes" else "gof", model, source$values, "gof")
   if (bayes) {
     if (!inherits(x, "vexa_fit")) fail("the Bayesian goodness of fit draws its parameters from a fit")
     whole_setting(sets, "sets", 1)
     request$parameter_sets <- parameter_sets(x, sets, seed)
   }
   result <- run_task(request, settings, seed)
-  gof_result(result, spec, source$parameters, settings, bayes)
+  gof_result(result, model, source$parameters, settings, bayes)
 }
 
-gof_result <- function(result, spec, parameters, settings, bayes) {
+gof_result <- function(result, model, parameters, settings, bayes) {
   g <- result$gof
-  shown <- result_presentation(spec, result)
+  shown <- result_presentation(model, result)
   statistics <- shown_statistics(shown, g$statistics)
   observed <- shown_statistics(shown, g$observed)
   means <- colMeans(statistics)
   spread <- apply(statistics, 2L, stats::sd)
   p <- length(observed)
   rest <- seq_len(length(g$comparisons$observed) - p) + p
-  table <- data.frame(statistic = c(spec$labels, g$measure_names),
+  table <- data.frame(statistic = c(model$labels, g$measure_names),
                       observed = c(observed, g$comparisons$observed[rest]),
                       mean = c(means, g$comparisons$mean[rest]),
                       sd = c(spread, g$comparisons$sd[rest]),
@@ -140,7 +137,7 @@ gof_result <- function(result, spec, parameters, settings, bayes) {
                           stringsAsFactors = FALSE)
   measures <- g$measures
   colnames(measures) <- g$measure_names
-  directed <- spec$network$directed
+  directed <- model$network$directed
   structure(list(
     table = table, quartiles = quartiles,
     mahalanobis = if (g$mahalanobis_available) g$mahalanobis else NA_real_,
@@ -150,17 +147,17 @@ gof_result <- function(result, spec, parameters, settings, bayes) {
     degree = g$degree, in_degree = if (directed) g$in_degree else NULL,
     geodesics = g$geodesics, triads = if (directed) g$triads else NULL,
     parameters = parameters, bayes = bayes, directed = directed,
-    n = spec$network$n, output_dir = output_directory(settings)), class = "vexa_gof")
+    n = model$network$n, output_dir = output_directory(settings)), class = "vexa_gof")
 }
 
 # The statistics of a formula's terms on its network, each under the term's name: what a fit
 # of the formula matches its expectations to.
 vexa_statistics <- function(formula, attributes = NULL, covariates = NULL, directed = NULL) {
-  spec <- formula_model(formula, attributes, covariates, directed)
-  if (is.null(spec$network$matrix)) fail("the formula's left side must be a network")
-  request <- task_request("gof", spec, numeric(length(spec$labels)), "statistics")
+  model <- formula_model(formula, attributes, covariates, directed)
+  if (is.null(model$network$matrix)) fail("the formula's left side must be a network")
+  request <- task_request("gof", model, numeric(length(model$labels)), "statistics")
   # The observed side of a goodness of fit, with as short a sample as the task takes.
   result <- run_task(request, vexa_settings(progress = FALSE, burn_in = 0, iterations = 1,
                                             samples = 1), 1)
-  shown_statistics(result_presentation(spec, result), result$gof$observed)
+  shown_statistics(result_presentation(model, result), result$gof$observed)
 }

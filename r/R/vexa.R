@@ -169,22 +169,11 @@ parse_attributes <- function(attributes, n) {
   }
   lapply(names(attributes), function(name) {
     x <- attributes[[name]]
-    if (is.logical(x)) {
-      kind <- 0L
-      values <- as.numeric(x)
-    } else if (is.factor(x) || is.character(x)) {
-      kind <- 2L
-      values <- as.numeric(as.integer(factor(x)))
-    } else if (is.numeric(x)) {
-      kind <- 1L
-      values <- as.numeric(x)
-      if (any(is.infinite(values))) fail("attribute '", name, "' holds an infinite value")
-    } else {
-      fail("attribute '", name, "' is neither logical, numeric, factor nor character")
-    }
-    missing <- is.na(values)
-    values[missing] <- 0
-    list(name = name, kind = kind, values = values, missing = missing)
+    kind <- if (is.logical(x)) 0L else if (is.factor(x) || is.character(x)) 2L else
+      if (is.numeric(x)) 1L else
+        fail("attribute '", name, "' is neither logical, numeric, factor nor character")
+    if (kind == 1L && any(is.infinite(x))) fail("attribute '", name, "' holds an infinite value")
+    engine_column(name, kind, x)
   })
 }
 
